@@ -1,0 +1,109 @@
+#include "AtomicFile.h"
+
+#include "FileStatus.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <random>
+
+namespace KORVA::FILE_SYS
+{
+namespace
+{
+constexpr int kNameAttempts = 100;
+
+struct Free
+{
+    void operator()(char* text) const { std::free(text); }
+};
+
+/// The file behind a symbolic link, or the path itself.
+std::string Followed(std::string const& path)
+{
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode))
+        return path;
+    std::unique_ptr<char, Free> const resolved(realpath(path.c_str(), nullptr));
+    return resolved ? resolved.get() : path;
+}
+
+std::string DirectoryOf(std::string const& path)
+{
+    std::size_t const slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+} // namespace
+
+AtomicFile::AtomicFile(std::string const& target) : mTarget(Followed(target))
+{
+    std::size_t const slash = mTarget.rfind('/');
+    std::size_t const nameAt = slash == std::string::npos ? 0 : slash + 1;
+    struct stat status;
+    bool const replaces = stat(mTarget.c_str(), &status) == 0;
+    if (nameAt == mTarget.size() || (replaces && !S_ISREG(status.st_mode)))
+    {
+        mStatus = kNotPermitted;
+        return;
+    }
+    std::random_device random;
+    for (int attempt = 0; attempt < kNameAttempts; ++attempt)
+    {
+        char suffix[16];
+        std::snprintf(suffix, sizeof suffix, ".%08x", static_cast<unsigned>(random()));
+        // A long name is cut so that the temporary's stays within the system's bound.
+        mTemporary = mTarget.substr(0, nameAt) + "." + mTarget.substr(nameAt, 200) + suffix;
+        mDescriptor = Descriptor(
+            open(mTemporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, replaces ? 0600 : 0666));
+        mStatus = mDescriptor ? kDone : StatusOfErrno();
+        if (mStatus != kAlreadyThere)
+            break;
+    }
+    if (!mDescriptor)
+        mTemporary.clear();
+}
+
+AtomicFile::~AtomicFile()
+{
+    if (!mTemporary.empty())
+        unlink(mTemporary.c_str());
+}
+
+ErrCode AtomicFile::KeepPermissions()
+{
+    struct stat status;
+    if (stat(mTarget.c_str(), &status) != 0)
+        return kDone;
+    // Only a privileged user can give a file away; for others the file becomes theirs, as with any editor.
+    if (fchown(mDescriptor.Get(), status.st_uid, status.st_gid) != 0)
+        status.st_mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
+    return fchmod(mDescriptor.Get(), status.st_mode & 07777) == 0 ? kDone : StatusOfErrno();
+}
+
+ErrCode AtomicFile::Commit()
+{
+    if (fsync(mDescriptor.Get()) != 0 || !mDescriptor.Close())
+        return StatusOfErrno();
+    if (rename(mTemporary.c_str(), mTarget.c_str()) != 0)
+        return StatusOfErrno();
+    mTemporary.clear();
+    return SyncDirectoryOf(mTarget);
+}
+
+ErrCode SyncDirectoryOf(std::string const& path)
+{
+    Descriptor const directory(open(DirectoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!directory)
+        return StatusOfErrno();
+    // Some file systems can't flush directories; they order renames themselves.
+    if (fsync(directory.Get()) != 0 && errno != EINVAL && errno != EROFS)
+        return StatusOfErrno();
+    return kDone;
+}
+} // namespace KORVA::FILE_SYS

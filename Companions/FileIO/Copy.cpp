@@ -1,0 +1,74 @@
+#include "Copy.h"
+
+#include "AtomicFile.h"
+#include "CoreRegistry/CoreRegistry.h"
+#include "Descriptor.h"
+#include "FileIO/ICopyProgress.h"
+#include "FileStatus.h"
+
+#include <fcntl.h>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace KORVA::FILE_SYS
+{
+namespace
+{
+/// Small enough to hear of progress, large enough not to count.
+constexpr std::size_t kPiece = 8 * 1024 * 1024;
+
+/// Moves up to `count` bytes between the descriptors' positions without passing them through user memory.
+/// Pairs of file systems that can't share blocks are served by the page cache.
+ssize_t CopyPiece(int from, int to, std::size_t count)
+{
+    ssize_t const copied = copy_file_range(from, nullptr, to, nullptr, count, 0);
+    bool const unsupported = copied < 0 && (errno == EXDEV || errno == EINVAL || errno == ENOSYS ||
+                                            errno == EOPNOTSUPP || errno == EPERM || errno == EBADF);
+    // Files of the kernel's own (under /proc, say) claim the size 0 and copy nothing this way.
+    if (unsupported || copied == 0)
+        return sendfile(to, from, nullptr, count);
+    return copied;
+}
+} // namespace
+
+ErrCode CopyFile(std::string const& source, std::string const& target)
+{
+    Descriptor const from(open(source.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status;
+    if (!from || fstat(from.Get(), &status) != 0)
+        return StatusOfErrno();
+    struct stat existing;
+    bool const sameFile = stat(target.c_str(), &existing) == 0 && existing.st_dev == status.st_dev &&
+                          existing.st_ino == status.st_ino;
+    if (!S_ISREG(status.st_mode) || sameFile)
+        return kFailed;
+
+    AtomicFile copy(target);
+    if (copy.Status() != kDone)
+        return copy.Status();
+    auto const total = static_cast<uint64>(status.st_size);
+    auto const progress = COREREGISTRY::CreateObject<ICopyProgress>(IID_COPY_PROGRESS);
+    uint64 done = 0;
+    for (;;)
+    {
+        ssize_t const copied = CopyPiece(from.Get(), copy.Get(), kPiece);
+        if (copied < 0 && errno == EINTR)
+            continue;
+        if (copied < 0)
+            return StatusOfErrno();
+        done += static_cast<uint64>(copied);
+        if (progress && !progress->OnCopied(done, std::max(done, total)))
+            return kCancelled;
+        if (copied == 0)
+            break;
+    }
+    timespec const times[2] = {status.st_atim, status.st_mtim};
+    // Set-user and set-group bits are not carried to a file that may have another owner.
+    if (fchmod(copy.Get(), status.st_mode & 0777) != 0 || futimens(copy.Get(), times) != 0)
+        return StatusOfErrno();
+    return copy.Commit();
+}
+} // namespace KORVA::FILE_SYS

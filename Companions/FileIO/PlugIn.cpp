@@ -1,0 +1,31 @@
+// Entry points of the file-system companion: a host loads it like a plug-in.
+#include "CoreRegistry/ICoreRegistry.h"
+#include "File.h"
+#include "ObjectModel/ClassFactory.h"
+
+namespace
+{
+using namespace KORVA;
+
+using FileFactory = TClassFactory<Makes<&New<FILE_SYS::File>, FILE_SYS::IID_IFILE>>;
+
+IClassFactory* sFactory = nullptr;
+} // namespace
+
+extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+{
+    if (!registry)
+        return kIllegalArgument;
+    sFactory = new FileFactory;
+    return registry->RegisterFactory(sFactory);
+}
+
+extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+{
+    if (!registry || !sFactory)
+        return kIllegalArgument;
+    int const result = registry->UnregisterFactory(sFactory);
+    sFactory->Release();
+    sFactory = nullptr;
+    return result;
+}

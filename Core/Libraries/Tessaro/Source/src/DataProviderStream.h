@@ -1,0 +1,65 @@
+// The typed stream, and the object records on it.
+#pragma once
+
+#include "ObjectModel/TObject.h"
+#include "TessIO/IDataProviderStream.h"
+
+namespace KORVA::IO
+{
+class DataProviderStream : public TObject<IDataProviderStream>
+{
+public:
+    DataProviderStream() = default;
+    /// Shares the provider.
+    explicit DataProviderStream(IDataProvider& provider);
+
+    ErrCode Init(IDataProvider& provider) override;
+    TInterfacePtr<IDataProvider> GetDataProvider() const override;
+
+    DataProviderStream& operator>>(signed char& value) override;
+    DataProviderStream& operator>>(unsigned char& value) override;
+    DataProviderStream& operator>>(short& value) override;
+    DataProviderStream& operator>>(unsigned short& value) override;
+    DataProviderStream& operator>>(int& value) override;
+    DataProviderStream& operator>>(unsigned int& value) override;
+    DataProviderStream& operator>>(long long& value) override;
+    DataProviderStream& operator>>(unsigned long long& value) override;
+    DataProviderStream& operator>>(bool& value) override;
+    DataProviderStream& operator>>(float& value) override;
+    DataProviderStream& operator>>(double& value) override;
+    DataProviderStream& operator>>(STRING::CoreString& value) override;
+    DataProviderStream& operator>>(IObject** result) override;
+    DataProviderStream& operator>>(GUID& value) override;
+
+    DataProviderStream& operator<<(signed char value) override;
+    DataProviderStream& operator<<(unsigned char value) override;
+    DataProviderStream& operator<<(STRING::CoreString const& value) override;
+    DataProviderStream& operator<<(short value) override;
+    DataProviderStream& operator<<(unsigned short value) override;
+    DataProviderStream& operator<<(int value) override;
+    DataProviderStream& operator<<(unsigned int value) override;
+    DataProviderStream& operator<<(long long value) override;
+    DataProviderStream& operator<<(unsigned long long value) override;
+    DataProviderStream& operator<<(float value) override;
+    DataProviderStream& operator<<(double value) override;
+    DataProviderStream& operator<<(bool value) override;
+    DataProviderStream& operator<<(IObject const& object) override;
+    DataProviderStream& operator<<(GUID const& value) override;
+
+    OperationId Write(void const* data, int count) override;
+    OperationId Read(void* data, int& count) override;
+
+protected:
+    ~DataProviderStream() override = default;
+
+private:
+    friend struct KORVA::LayoutProbe;
+
+    template <class Number>
+    DataProviderStream& WriteNumber(Number value);
+    template <class Number>
+    DataProviderStream& ReadNumber(Number& value);
+
+    TInterfacePtr<IDataProvider> mProvider;
+};
+} // namespace KORVA::IO

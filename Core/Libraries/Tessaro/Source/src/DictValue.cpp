@@ -1,0 +1,182 @@
+#include "DictValue.h"
+
+#include "BoundedRead.h"
+#include "TessIO/PersistentData.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace KORVA::IO
+{
+namespace
+{
+/// The bits of an unsigned 64-bit conversion: values from 2^63 upwards lose 2^63 and get the top bit. What no
+/// 64-bit integer can hold becomes 0x8000000000000000, as the processors' own conversions have it.
+uint64 ToInteger(double value)
+{
+    constexpr double kTopBit = 9223372036854775808.0;
+    constexpr uint64 kOutOfRange = 0x8000000000000000ULL;
+    if (value >= kTopBit)
+        return value < 2 * kTopBit ? static_cast<uint64>(static_cast<int64>(value - kTopBit)) ^ kOutOfRange
+                                   : kOutOfRange;
+    if (std::isnan(value) || value < -kTopBit)
+        return kOutOfRange;
+    return static_cast<uint64>(static_cast<int64>(value));
+}
+
+/// Integers widen with their own sign.
+uint64 Widen(int64 value)
+{
+    return static_cast<uint64>(value);
+}
+
+/// At least one byte, so that an empty buffer still has an address.
+void* Allocate(std::size_t size)
+{
+    void* const block = std::malloc(std::max<std::size_t>(size, 1));
+    if (!block)
+        throw std::bad_alloc();
+    return block;
+}
+
+class CAllocatedBuffer final : public GrowingBuffer
+{
+public:
+    CAllocatedBuffer() = default;
+    CAllocatedBuffer(CAllocatedBuffer const&) = delete;
+    CAllocatedBuffer& operator=(CAllocatedBuffer const&) = delete;
+    ~CAllocatedBuffer() { std::free(mBlock); }
+
+    unsigned char* Grow(std::size_t size) override
+    {
+        void* const block = std::realloc(mBlock, std::max<std::size_t>(size, 1));
+        if (!block)
+            throw std::bad_alloc();
+        mBlock = block;
+        return static_cast<unsigned char*>(mBlock);
+    }
+
+    void* Detach() { return std::exchange(mBlock, nullptr); }
+
+private:
+    void* mBlock = nullptr;
+};
+} // namespace
+
+DictValue::DictValue(ValueTag tag, uint64 integer, double floating)
+    : mTag(tag), mInteger(integer), mFloating(floating)
+{
+    SetupPersistence(*this);
+}
+
+DictValue::DictValue(ValueTag tag, void const* data, int length)
+    : mTag(tag), mBuffer(Allocate(static_cast<std::size_t>(length))), mBufferLength(length)
+{
+    std::memcpy(mBuffer, data, static_cast<std::size_t>(length));
+    SetupPersistence(*this);
+}
+
+DictValue::DictValue() : DictValue(ValueTag::kNone, 0, 0.0) {}
+DictValue::DictValue(signed char value) : DictValue(ValueTag::kInt8, Widen(value), value) {}
+DictValue::DictValue(unsigned char value) : DictValue(ValueTag::kUInt8, value, value) {}
+DictValue::DictValue(short value) : DictValue(ValueTag::kInt16, Widen(value), value) {}
+DictValue::DictValue(unsigned short value) : DictValue(ValueTag::kUInt16, value, value) {}
+DictValue::DictValue(int value) : DictValue(ValueTag::kInt32, Widen(value), value) {}
+DictValue::DictValue(unsigned int value) : DictValue(ValueTag::kUInt32, value, value) {}
+DictValue::DictValue(long long value) : DictValue(ValueTag::kInt64, Widen(value), static_cast<double>(value)) {}
+DictValue::DictValue(unsigned long long value) : DictValue(ValueTag::kUInt64, value, static_cast<double>(value)) {}
+DictValue::DictValue(float value) : DictValue(ValueTag::kFloat, ToInteger(static_cast<double>(value)), static_cast<double>(value)) {}
+DictValue::DictValue(double value) : DictValue(ValueTag::kDouble, ToInteger(value), value) {}
+DictValue::DictValue(GUID const& value) : DictValue(ValueTag::kGUID, &value, static_cast<int>(sizeof value)) {}
+DictValue::DictValue(unsigned char const* data, int length) : DictValue(ValueTag::kBytes, data, length) {}
+DictValue::DictValue(UniChar const* data, int count)
+    : DictValue(ValueTag::kUnits, data, static_cast<int>(static_cast<uint32>(count) * sizeof(UniChar)))
+{
+}
+
+DictValue::~DictValue()
+{
+    std::free(mBuffer);
+}
+
+ErrCode DictValue::QueryInterface(GUID const& iid, IObject** out) const
+{
+    if (!(iid == IID_IDICTIONARY_VALUE))
+        return TObject::QueryInterface(iid, out);
+    if (out)
+        *out = const_cast<DictValue*>(this);
+    return kNoError;
+}
+
+bool DictValue::IsNumber() const
+{
+    switch (mTag)
+    {
+    case ValueTag::kInt8:
+    case ValueTag::kUInt8:
+    case ValueTag::kInt16:
+    case ValueTag::kUInt16:
+    case ValueTag::kInt32:
+    case ValueTag::kUInt32:
+    case ValueTag::kInt64:
+    case ValueTag::kUInt64:
+    case ValueTag::kFloat:
+    case ValueTag::kDouble:
+        return true;
+    default:
+        return false;
+    }
+}
+
+IDataProviderStream& DictValue::Write(IDataProviderStream& stream) const
+{
+    stream << static_cast<uint32>(mTag);
+    if (IsNumber())
+        return stream << mInteger << mFloating;
+    bool const hasLength = mTag == ValueTag::kBytes || mTag == ValueTag::kUnits;
+    if (hasLength)
+        stream << mBufferLength;
+    // Straight to the provider: buffers, and identifiers here, keep the order they have in memory.
+    TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
+    if ((hasLength || mTag == ValueTag::kGUID) && provider && mBufferLength > 0)
+        static_cast<void>(provider->Write(mBuffer, static_cast<std::size_t>(mBufferLength)));
+    return stream;
+}
+
+IDataProviderStream& DictValue::Read(IDataProviderStream& stream)
+{
+    uint32 tag = 0;
+    stream >> tag;
+    mTag = static_cast<ValueTag>(tag);
+    std::free(mBuffer);
+    mBuffer = nullptr;
+    mBufferLength = 0;
+    mInteger = 0;
+    mFloating = 0;
+    if (IsNumber())
+        return stream >> mInteger >> mFloating;
+    if (mTag == ValueTag::kGUID)
+        ReadBuffer(stream, sizeof(GUID));
+    else if (mTag == ValueTag::kBytes || mTag == ValueTag::kUnits)
+    {
+        int length = 0;
+        stream >> length;
+        ReadBuffer(stream, length);
+    }
+    return stream;
+}
+
+void DictValue::ReadBuffer(IDataProviderStream& stream, int length)
+{
+    CAllocatedBuffer buffer;
+    TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
+    if (length > 0 && provider)
+        mBufferLength = ReadBounded(*provider, length, buffer);
+    else
+        buffer.Grow(0);
+    mBuffer = buffer.Detach();
+}
+} // namespace KORVA::IO

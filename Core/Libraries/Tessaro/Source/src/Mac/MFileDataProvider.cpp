@@ -1,0 +1,229 @@
+#include "Mac/MFileDataProvider.h"
+
+#include "CoreRegistry/CoreRegistry.h"
+#include "FileIO/LibUtils.h"
+#include "Logger/LogSite.h"
+#include "TessIO/ClassIds.h"
+#include "TessIO/ResultCodes.h"
+
+#include <limits>
+
+namespace KORVA::IO
+{
+namespace
+{
+using PLATFORM::Access;
+using PLATFORM::Lock;
+using PLATFORM::OpenResult;
+
+constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/Mac/MFileDataProvider";
+constexpr char kInit[] =
+    "ErrCode KORVA::IO::FileDataProvider::Init(KORVA::IO::IURI &, StreamMode, KORVA::IO::IDataProvider *)";
+constexpr char kOpenFile[] = "ErrCode KORVA::IO::FileDataProvider::OpenFile(StreamMode)";
+
+constexpr LogSite kSiteNoFileObject{kSource, kInit, 283};
+constexpr LogSite kSiteCreateFailed{kSource, kInit, 299};
+constexpr LogSite kSiteNoStream{kSource, kOpenFile, 349};
+constexpr LogSite kSiteOpenFailed{kSource, kOpenFile, 367};
+constexpr LogSite kSiteNoPath{kSource, kOpenFile, 373};
+constexpr LogSite kSiteWriteNull{
+    kSource, "virtual OperationId KORVA::IO::FileDataProvider::Write(const void *, size_t)", 440};
+constexpr LogSite kSiteReadNull{kSource, "virtual OperationId KORVA::IO::FileDataProvider::Read(void *, int32 &)",
+                                480};
+
+/// What `fwrite` would have to answer for the write to count as failed.
+constexpr std::size_t kWriteError = std::numeric_limits<std::size_t>::max();
+constexpr OperationId kWriteFailed = 2;
+
+struct OpenMode
+{
+    Access access;
+    Lock lock;
+    char const* stream;
+};
+
+OpenMode OpenModeOf(StreamMode mode)
+{
+    switch (mode)
+    {
+    case kStreamWrite:
+        // The stream asks for more than the descriptor gives; where the system checks that, opening ends in
+        // 26. It stays so: clients write through mode 2 or 4.
+        return {Access::kWrite, Lock::kNone, "r+b"};
+    case kStreamReadWrite:
+    case kStreamMode4:
+        return {Access::kReadWrite, Lock::kShared, "r+b"};
+    default:
+        return {Access::kRead, Lock::kNone, "rb"};
+    }
+}
+
+} // namespace
+
+ErrCode CreateFileBasedDataProvider(IURI& uri, int mode, IDataProvider* outer, DataProviderImpl*& result,
+                                    IReporter* reporter)
+{
+    auto provider = std::make_unique<FileDataProvider>(reporter);
+    ErrCode const code = provider->Init(uri, mode, outer);
+    if (code == kNoError)
+        result = provider.release();
+    return code;
+}
+
+FileDataProvider::FileDataProvider(IReporter* reporter)
+{
+    mReporter.Share(reporter);
+}
+
+FileDataProvider::~FileDataProvider()
+{
+    if (mFile)
+        std::fclose(mFile);
+    mPathUrl.reset();
+    mURI.Reset();
+    mReporter.Reset();
+}
+
+ErrCode FileDataProvider::Init(IURI& uri, StreamMode mode, IDataProvider* outer)
+{
+    mURI.Share(&uri);
+    FILE_SYS::IFilePtr file;
+    ErrCode const created = FILE_SYS::CreateSystemFile(COREREGISTRY::GetCoreRegistry(), file, mURI->GetPath());
+    if (created != kNoError)
+    {
+        Log(kSiteCreateFailed, L"CreateSystemFile failed. Error = ", created);
+        return created;
+    }
+    STRING::CoreString const path = mURI->GetPath();
+    if (!path.empty())
+        mPathUrl = PLATFORM::PathString::From(path.view());
+    ErrCode const opened = OpenFile(mode);
+    if (opened != kNoError)
+        return opened;
+    outer->Aggregate(mURI.Get(), IID_IURI);
+    if (file)
+        outer->Aggregate(file.Get(), FILE_SYS::IID_IFILE);
+    else
+        Log(kSiteNoFileObject, L"FILE_SYS::CreateSystemFile returned noErr but no IFile either");
+    return kNoError;
+}
+
+ErrCode FileDataProvider::OpenFile(StreamMode mode)
+{
+    if (!mPathUrl)
+    {
+        Log(kSiteNoPath, L"No mPathUrl so cannot open the file.");
+        return kFileNotFound;
+    }
+    OpenMode const how = OpenModeOf(mode);
+    int descriptor = -1;
+    if (mode == kStreamReadWrite)
+    {
+        // Only looks whether anybody else holds the file: the lock goes with the descriptor.
+        OpenResult const probe = PLATFORM::OpenFile(*mPathUrl, Access::kWrite, Lock::kExclusive, descriptor);
+        if (probe != OpenResult::kOpened)
+            return probe == OpenResult::kLocked ? kLocked : kOpenRefused;
+        PLATFORM::CloseFile(descriptor);
+    }
+    if (PLATFORM::OpenFile(*mPathUrl, how.access, how.lock, descriptor) != OpenResult::kOpened)
+    {
+        if (PLATFORM::FileExists(*mPathUrl))
+            return kOpenRefused;
+        Log(kSiteOpenFailed, L"open failed to open the path \"", mURI->GetPath(), L"\".");
+        return kFileNotFound;
+    }
+    mFile = PLATFORM::StreamOver(descriptor, how.stream);
+    if (!mFile)
+    {
+        Log(kSiteNoStream, L"NSFileHandle failed to initialize with the file descriptor for path \"",
+            mURI->GetPath(), L"\".");
+        return kFileNotFound;
+    }
+    return PLATFORM::IsDirectory(*mPathUrl) ? kFileNotFound : kNoError;
+}
+
+OperationId FileDataProvider::Write(void const* inBuffer, std::size_t count)
+{
+    if (!inBuffer)
+    {
+        Log(kSiteWriteNull, L"inBuffer == NULL");
+        return kBadArgument;
+    }
+    auto const* from = static_cast<char const*>(inBuffer);
+    OperationId result = kNoError;
+    while (count > 0)
+    {
+        std::size_t const written = std::fwrite(from, 1, count, mFile);
+        if (written == kWriteError)
+            result = kWriteFailed;
+        if (count <= written)
+            break;
+        // A failing stream is tried again, without end.
+        from += written;
+        count -= written;
+    }
+    return result;
+}
+
+OperationId FileDataProvider::Read(void* outBuffer, int32& count)
+{
+    int32 const wanted = count;
+    if (outBuffer)
+    {
+        std::size_t const delivered =
+            std::fread(outBuffer, 1, static_cast<std::size_t>(static_cast<int64>(wanted)), mFile);
+        if (delivered > 0)
+        {
+            count = static_cast<int32>(delivered);
+            return kNoError;
+        }
+    }
+    else
+        Log(kSiteReadNull, L"outBuffer == NULL");
+    ErrCode const detail = outBuffer ? kNoError : kBadArgument;
+    count = 0;
+    OperationId const result = wanted > 0 ? kNoData : detail;
+    if (result == kNoError)
+        return result;
+    if (mReporter)
+        mReporter->Report(mURI.Get(), result, detail);
+    return result;
+}
+
+ErrCode FileDataProvider::GetSize(int64& size) const
+{
+    int64 const position = GetPosition();
+    PLATFORM::Seek(mFile, 0, SEEK_END);
+    size = GetPosition();
+    PLATFORM::Seek(mFile, position, SEEK_SET);
+    return kNoError;
+}
+
+ErrCode FileDataProvider::SetSize(int64 length)
+{
+    static_cast<void>(PLATFORM::TruncateUnder(mFile, length));
+    return kNoError;
+}
+
+ErrCode FileDataProvider::SetPosition(int64 offset, IDataProvider::Offset from)
+{
+    switch (from)
+    {
+    case IDataProvider::kFromStart:
+        static_cast<void>(PLATFORM::Seek(mFile, offset, SEEK_SET));
+        break;
+    case IDataProvider::kFromEnd:
+        static_cast<void>(PLATFORM::Seek(mFile, offset, SEEK_END));
+        break;
+    case IDataProvider::kFromCurrent:
+        static_cast<void>(PLATFORM::Seek(mFile, offset, SEEK_CUR));
+        break;
+    }
+    return kNoError;
+}
+
+int64 FileDataProvider::GetPosition() const
+{
+    return PLATFORM::Tell(mFile);
+}
+} // namespace KORVA::IO

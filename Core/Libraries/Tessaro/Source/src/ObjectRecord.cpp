@@ -1,0 +1,207 @@
+// The object operators of the stream: self-delimiting records around what objects write of themselves.
+#include "DataProviderStream.h"
+
+#include "CoreRegistry/CoreRegistry.h"
+#include "Logger/LogSite.h"
+#include "TessIO/ClassIds.h"
+#include "TessIO/IPersistentData.h"
+#include "TessIO/ResultCodes.h"
+
+#include <stdexcept>
+
+namespace KORVA::IO
+{
+namespace
+{
+constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/DataProviderStream";
+constexpr char kReading[] =
+    "virtual KORVA::IO::DataProviderStream &KORVA::IO::DataProviderStream::operator>>(KORVA::IObject **)";
+constexpr char kWriting[] =
+    "virtual KORVA::IO::DataProviderStream &KORVA::IO::DataProviderStream::operator<<(const KORVA::IObject &)";
+
+constexpr LogSite kSiteSuspectLength{kSource, kReading, 300};
+constexpr LogSite kSiteReadThrew{kSource, kReading, 341};
+constexpr LogSite kSitePreposterous{kSource, kReading, 354};
+constexpr LogSite kSiteResynchronised{kSource, kReading, 361};
+constexpr LogSite kSiteWriteThrew{kSource, kWriting, 435};
+constexpr LogSite kSiteNotPersistent{kSource, kWriting, 452};
+
+/// Lengths from here on are not believed, nor are negative ones.
+constexpr uint64 kLengthLimit = 2147483648ULL;
+constexpr int64 kLengthField = 8;
+constexpr int kMaxDepth = 1000;
+
+/// Counts the records that are open on this thread. One too deep counts as a body that threw, so that a
+/// crafted or cyclic structure costs one record and not the stack.
+class Nesting
+{
+public:
+    Nesting() { ++sDepth; }
+    Nesting(Nesting const&) = delete;
+    Nesting& operator=(Nesting const&) = delete;
+    ~Nesting() { --sDepth; }
+
+    void Check() const
+    {
+        if (sDepth > kMaxDepth)
+            throw std::length_error("records nested too deep");
+    }
+
+private:
+    static thread_local int sDepth;
+};
+
+thread_local int Nesting::sDepth = 0;
+
+/// Overwrites a number laid down at `at` and comes back.
+template <class Number>
+void Patch(IDataProviderStream& stream, IDataProvider& provider, int64 at, Number value)
+{
+    int64 const end = provider.GetPosition();
+    static_cast<void>(provider.SetPosition(at, IDataProvider::kFromStart));
+    stream << value;
+    static_cast<void>(provider.SetPosition(end, IDataProvider::kFromStart));
+}
+
+void WriteAggregates(IDataProviderStream& stream, IDataProvider& provider, IObject const& object)
+{
+    AggregateMap const& aggregates = object.GetAggregates();
+    int64 const countAt = provider.GetPosition();
+    stream << int{0};
+    int count = 0;
+    for (auto const& [iid, aggregate] : aggregates)
+    {
+        // The object's own adapter is in the table too; it aggregates nothing and so does not answer.
+        if (aggregate->QueryInterface(IPERSISTENT_DATA, nullptr) != kNoError)
+            continue;
+        stream << iid << *aggregate;
+        ++count;
+    }
+    if (count > 0)
+        Patch(stream, provider, countAt, count);
+}
+
+/// The interfaces that records themselves are read and written through. No writer puts them into a file as
+/// aggregates; taking them from one would put an object of any class in their place.
+bool IsPersistenceId(GUID const& iid)
+{
+    return iid == IPERSISTENT_DATA || iid == IPERSISTENT_DATA_EX;
+}
+
+void ReadAggregates(IDataProviderStream& stream, IDataProvider& provider, IObject& object)
+{
+    int count = 0;
+    stream >> count;
+    for (int i = 0; i < count; ++i)
+    {
+        int64 const before = provider.GetPosition();
+        GUID iid{};
+        TInterfacePtr<IObject> aggregate;
+        stream >> iid >> aggregate.Out();
+        if (aggregate && !IsPersistenceId(iid))
+            object.Aggregate(aggregate.Get(), iid);
+        // Nothing was there to read, so nothing more will come, whatever a damaged count says.
+        if (provider.GetPosition() == before)
+            break;
+    }
+}
+} // namespace
+
+DataProviderStream& DataProviderStream::operator<<(IObject const& object)
+{
+    if (!mProvider)
+        return *this;
+    IObject* found = nullptr;
+    IPersistentDataEx* extended = nullptr;
+    IPersistentData* persistence = nullptr;
+    if (object.QueryInterface(IPERSISTENT_DATA_EX, &found) == kNoError)
+        persistence = extended = static_cast<IPersistentDataEx*>(found);
+    else if (object.QueryInterface(IPERSISTENT_DATA, &found) == kNoError)
+        persistence = static_cast<IPersistentData*>(found);
+    else
+    {
+        Log(kSiteNotPersistent, L"Trying to save an IObject that doesn't have the persistent interface.");
+        return *this;
+    }
+    IDataProviderStream& self = *this;
+    if (extended)
+        self << extended->GetUIDFor(self);
+    else
+        self << persistence->GetUID();
+    int64 const lengthAt = mProvider->GetPosition();
+    self << int64{0};
+    try
+    {
+        Nesting const nesting;
+        nesting.Check();
+        persistence->Write(self);
+        WriteAggregates(self, *mProvider, object);
+    }
+    catch (...)
+    {
+        Log(kSiteWriteThrew, L"Object thrown expection during write.");
+    }
+    int64 const length = mProvider->GetPosition() - lengthAt - kLengthField;
+    if (length > 0)
+        Patch(self, *mProvider, lengthAt, length);
+    return *this;
+}
+
+DataProviderStream& DataProviderStream::operator>>(IObject** result)
+{
+    if (!mProvider)
+        return *this;
+    IDataProviderStream& self = *this;
+    GUID classId{};
+    int64 length = 0;
+    self >> classId >> length;
+    *result = nullptr;
+    if (static_cast<uint64>(length) >= kLengthLimit)
+    {
+        Log(kSiteSuspectLength, L"serializedLength of this object (", length, L" bytes) looks suspect. Bailing.");
+        return *this;
+    }
+    int64 const end = mProvider->GetPosition() + length;
+
+    auto object = COREREGISTRY::CreateObject<IObject>(classId);
+    IObject* found = nullptr;
+    bool complete = false;
+    if (object && object->QueryInterface(IPERSISTENT_DATA, &found) == kNoError)
+    {
+        if (length == 0)
+            complete = true;
+        else
+        {
+            try
+            {
+                Nesting const nesting;
+                nesting.Check();
+                static_cast<IPersistentData*>(found)->Read(self);
+                ReadAggregates(self, *mProvider, *object);
+                complete = true;
+            }
+            catch (...)
+            {
+                Log(kSiteReadThrew, L"Object thrown expection during read.");
+            }
+        }
+    }
+
+    if (complete)
+    {
+        *result = object.Detach();
+        int64 const position = mProvider->GetPosition();
+        if (position != end)
+        {
+            Log(kSiteResynchronised, L"Incorrect dp position after read an IObject, currently at ", position,
+                L" should be ", end);
+            static_cast<void>(mProvider->SetPosition(end, IDataProvider::kFromStart));
+        }
+        return *this;
+    }
+    if (mProvider->SetPosition(end, IDataProvider::kFromStart) == kBadArgument)
+        Log(kSitePreposterous, L"Trying to set the dp position to something probably preposterous (", end,
+            L") bytes from start.");
+    return *this;
+}
+} // namespace KORVA::IO

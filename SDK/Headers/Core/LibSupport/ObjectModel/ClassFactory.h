@@ -1,0 +1,36 @@
+// Class factories from a table of class ids.
+#pragma once
+
+#include "ObjectModel/IClassFactory.h"
+#include "ObjectModel/TObject.h"
+
+namespace KORVA
+{
+/// Creates a default-constructed `T` with the count 1.
+template <class T>
+IObject* New()
+{
+    return new T;
+}
+
+/// A row of a factory: the creating function and the class ids under which it is called.
+template <IObject* (*Create)(), GUID const&... ClassIds>
+struct Makes
+{
+    static IObject* Try(GUID const& classId) { return ((classId == ClassIds) || ...) ? Create() : nullptr; }
+};
+
+/// A factory that serves the ids of its rows and answers -1004 and null for any other.
+template <class... Rows>
+class TClassFactory : public TObject<IClassFactory>
+{
+public:
+    ErrCode CreateInstance(GUID const& classId, IObject** out) override
+    {
+        IObject* object = nullptr;
+        static_cast<void>(((object = Rows::Try(classId)) || ...));
+        *out = object;
+        return object ? kNoError : kIdNotFound;
+    }
+};
+} // namespace KORVA

@@ -1,0 +1,14 @@
+// A data provider for the resource that a URI names.
+#pragma once
+
+#include "TessIO/IDataProvider.h"
+
+namespace KORVA::IO
+{
+class [[gnu::visibility("default")]] IURIDataProvider : public IDataProvider
+{
+public:
+    /// Opens the resource for reading. 0, or -1000 (logged) whatever the cause.
+    virtual HRESULT Init(IURI& uri, IReporter* reporter) = 0;
+};
+} // namespace KORVA::IO

@@ -1,0 +1,41 @@
+// The result codes of the library's operations. 0, -50 and -1004 stand in ObjectModel/Types.h.
+#pragma once
+
+#include "ObjectModel/Types.h"
+
+namespace KORVA::IO
+{
+/// Initialisation from a URI failed.
+inline constexpr ErrCode kURIInitFailed = -1000;
+/// A read found no data.
+inline constexpr ErrCode kNoData = 3;
+/// A dictionary value is of another type than the getter asks for.
+inline constexpr ErrCode kWrongType = 10;
+/// There is no registry, or it made no object.
+inline constexpr ErrCode kNoObject = 12;
+/// A bad argument: null buffer, position out of range, unbound path, no URI.
+inline constexpr ErrCode kBadArgument = 13;
+inline constexpr ErrCode kDeleteFailed = 24;
+inline constexpr ErrCode kCreateFailed = 25;
+/// No path, no such file, or a directory.
+inline constexpr ErrCode kFileNotFound = 26;
+/// A resize was refused or failed.
+inline constexpr ErrCode kResizeFailed = 27;
+/// A read met the end of the data before the requested count.
+inline constexpr ErrCode kEndOfData = 28;
+/// The object has no data provider yet.
+inline constexpr ErrCode kNotInitialized = 29;
+/// Read-only data, or a mode that forbids the operation.
+inline constexpr ErrCode kNotAllowed = 30;
+/// A copy failed or would cross schemes.
+inline constexpr ErrCode kCopyFailed = 31;
+inline constexpr ErrCode kUnknownAttribute = 32;
+/// A file attribute can't be set; the system does not permit it.
+inline constexpr ErrCode kNotPermitted = 33;
+/// Another failure of the file system.
+inline constexpr ErrCode kFileSystemFailed = 35;
+/// The file is there but the system refused to open it.
+inline constexpr ErrCode kOpenRefused = 36;
+/// Somebody else holds a lock on the file.
+inline constexpr ErrCode kLocked = 40;
+} // namespace KORVA::IO

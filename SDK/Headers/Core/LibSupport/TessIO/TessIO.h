@@ -1,0 +1,15 @@
+// The library's entry points.
+#pragma once
+
+#include "CoreRegistry/ICoreRegistry.h"
+
+namespace KORVA::IO
+{
+/// Registers the library's class factories with `registry` and maps the scheme "file" to the file proxy.
+/// A host calls it once, before it creates any object of the library. Result 0, whatever the registry
+/// answers to the single registrations; -50 (logged) when `registry` is null.
+[[gnu::visibility("default")]] int Init(COREREGISTRY::ICoreRegistry* registry);
+
+/// Does nothing: the factories stay with the registry, which owns them.
+[[gnu::visibility("default")]] void Shutdown();
+} // namespace KORVA::IO
