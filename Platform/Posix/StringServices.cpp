@@ -4,6 +4,7 @@
 #include <unicode/ucnv.h>
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
+#include <unicode/utf16.h>
 
 #include <limits>
 #include <memory>
@@ -14,6 +15,7 @@ namespace
 {
 /// What escaping leaves alone besides letters and digits.
 constexpr std::string_view kKeptInURL = "!$&'()*+,-./:;=?@_~";
+constexpr char16_t kByteOrderMark = 0xFEFF;
 constexpr std::string_view kKeptInFilePath = "!$&'()*+,-./:=@_~";
 
 std::u16string Normalize(std::u16string_view text, icu::Normalizer2 const* (*form)(UErrorCode&))
@@ -57,15 +59,50 @@ std::optional<std::string> Escape(std::u16string_view text, std::string_view kep
     return result;
 }
 
-int HexValue(char16_t unit)
+int HexValue(char unit)
 {
-    if (unit >= u'0' && unit <= u'9')
-        return unit - u'0';
-    if (unit >= u'A' && unit <= u'F')
-        return unit - u'A' + 10;
-    if (unit >= u'a' && unit <= u'f')
-        return unit - u'a' + 10;
+    if (unit >= '0' && unit <= '9')
+        return unit - '0';
+    if (unit >= 'A' && unit <= 'F')
+        return unit - 'A' + 10;
+    if (unit >= 'a' && unit <= 'f')
+        return unit - 'a' + 10;
     return -1;
+}
+
+/// Where the first surrogate without its partner stands; npos when there is none.
+std::size_t LoneSurrogate(std::u16string_view text)
+{
+    for (std::size_t i = 0; i < text.size(); ++i)
+    {
+        if (!U16_IS_SURROGATE(text[i]))
+            continue;
+        if (!U16_IS_LEAD(text[i]) || i + 1 == text.size() || !U16_IS_TRAIL(text[i + 1]))
+            return i;
+        ++i;
+    }
+    return std::u16string_view::npos;
+}
+
+/// UTF-8 as unescaping takes it: as strict as `FromUTF8`, but a continuation byte that continues nothing
+/// becomes U+FFFD, unless it is 80.
+std::optional<std::u16string> DecodeUnescaped(std::string_view bytes)
+{
+    std::string repaired;
+    for (std::size_t i = 0; i < bytes.size();)
+    {
+        auto const lead = static_cast<unsigned char>(bytes[i]);
+        if (lead > 0x80 && lead < 0xC0)
+        {
+            repaired += "\xEF\xBF\xBD";
+            ++i;
+            continue;
+        }
+        std::size_t const length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        repaired += bytes.substr(i, length);
+        i += length;
+    }
+    return FromUTF8(repaired);
 }
 
 struct CloseConverter
@@ -131,30 +168,33 @@ std::optional<std::u16string> AddPercentEscapes(std::u16string_view text)
 
 std::optional<std::u16string> ReplacePercentEscapes(std::u16string_view text)
 {
-    if (text.find(u'%') == std::u16string_view::npos)
-        return std::u16string(text);
-    // Escapes stand for bytes, so the text around them becomes bytes too before the whole is decoded.
+    std::u16string_view const whole = text.substr(0, LoneSurrogate(text));
+    if (whole.empty() && !text.empty())
+        return std::nullopt;
+    std::optional<std::string> const escaped = ToUTF8(whole);
+    if (!escaped)
+        return std::nullopt;
     std::string bytes;
-    std::size_t from = 0;
-    while (from < text.size())
+    for (std::size_t i = 0; i < escaped->size(); ++i)
     {
-        std::size_t const percent = std::min(text.find(u'%', from), text.size());
-        std::optional<std::string> const plain = ToUTF8(text.substr(from, percent - from));
-        if (!plain)
+        if ((*escaped)[i] != '%')
+        {
+            bytes += (*escaped)[i];
+            continue;
+        }
+        if (i + 2 >= escaped->size())
             return std::nullopt;
-        bytes += *plain;
-        if (percent == text.size())
-            break;
-        if (percent + 2 >= text.size())
-            return std::nullopt;
-        int const high = HexValue(text[percent + 1]);
-        int const low = HexValue(text[percent + 2]);
+        int const high = HexValue((*escaped)[i + 1]);
+        int const low = HexValue((*escaped)[i + 2]);
         if (high < 0 || low < 0)
             return std::nullopt;
         bytes += static_cast<char>(high * 16 + low);
-        from = percent + 3;
+        i += 2;
     }
-    return FromUTF8(bytes);
+    std::optional<std::u16string> decoded = DecodeUnescaped(bytes);
+    if (decoded && decoded->starts_with(kByteOrderMark))
+        decoded->erase(0, 1);
+    return decoded;
 }
 
 std::optional<std::string> EscapeFilePath(std::u16string_view path)

@@ -14,9 +14,14 @@ using std::string;
 using std::string_view;
 using OptionalText = std::optional<string>;
 
+bool IsLetter(char c)
+{
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
 bool IsAlphanumeric(char c)
 {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+    return IsLetter(c) || (c >= '0' && c <= '9');
 }
 
 bool IsHexDigit(char c)
@@ -112,16 +117,17 @@ HostAndPort SplitAuthority(string_view authority)
     HostAndPort result{0, authority.size(), std::nullopt};
     if (std::size_t const at = authority.find('@'); at != string_view::npos)
         result.hostBegin = at + 1;
-    std::size_t from = result.hostBegin;
-    if (from < authority.size() && authority[from] == '[')
+    bool inBrackets = false;
+    for (std::size_t i = result.hostBegin; i < authority.size(); ++i)
     {
-        std::size_t const close = authority.find(']', from);
-        from = close == string_view::npos ? authority.size() : close;
-    }
-    if (std::size_t const colon = authority.find(':', from); colon != string_view::npos)
-    {
-        result.hostEnd = colon;
-        result.portBegin = colon + 1;
+        if (authority[i] == '[' || authority[i] == ']')
+            inBrackets = authority[i] == '[';
+        else if (authority[i] == ':' && !inBrackets)
+        {
+            result.hostEnd = i;
+            result.portBegin = i + 1;
+            break;
+        }
     }
     return result;
 }
@@ -158,14 +164,27 @@ string EscapeBrackets(string_view text, std::size_t hostBegin, std::size_t hostE
 /// A text in the form that the URL shows it.
 string Shown(string const& text)
 {
+    URL::Parts const parts = Split(text);
+    if (parts.opaque)
+    {
+        // A `#` is data here, not the start of a fragment.
+        string shown = EscapeBrackets(text, 0, 0);
+        if (std::size_t const hash = shown.find('#'); hash != string::npos)
+            shown.replace(hash, 1, "%23");
+        return shown;
+    }
     if (text.find_first_of("[]") == string::npos)
         return text;
-    URL::Parts const parts = Split(text);
     if (!parts.authority)
         return EscapeBrackets(text, 0, 0);
     std::size_t const begin = (parts.scheme ? parts.scheme->size() + 1 : 0) + 2;
     HostAndPort const where = SplitAuthority(*parts.authority);
     return EscapeBrackets(text, begin + where.hostBegin, begin + where.hostEnd);
+}
+
+bool EndsAsDirectory(string_view path)
+{
+    return path.ends_with("/") || path.ends_with("/.") || path.ends_with("/..");
 }
 
 /// Merges a relative path with a base path and collapses dot segments. Surplus `..` stay.
@@ -196,6 +215,9 @@ string MergePaths(string_view basePath, string_view relative)
         else
             segments.push_back(segment);
     }
+    // A last `..` that uses a relative path up leaves this: measured, and of no use to anybody.
+    if (!rooted && merged.ends_with("/..") && segments.size() == 1 && segments.front().empty())
+        return "./%00";
     string result = rooted ? "/" : "";
     for (std::size_t i = 0; i < segments.size(); ++i)
     {
@@ -224,12 +246,14 @@ URL::Parts Resolve(URL::Parts const& base, URL::Parts const& reference)
     if (!reference.path)
     {
         result.path = base.path;
-        if (!reference.parameters)
-        {
-            result.parameters = base.parameters;
-            if (!reference.query)
-                result.query = base.query;
-        }
+        if (reference.parameters)
+            return result;
+        result.parameters = base.parameters;
+        if (reference.query)
+            return result;
+        result.query = base.query;
+        if (!reference.fragment)
+            result.fragment = base.fragment;
         return result;
     }
     if (reference.path->starts_with('/'))
@@ -257,6 +281,19 @@ string Compose(URL::Parts const& parts)
 }
 } // namespace
 
+void URL::Take(string const& text, Parts const& own)
+{
+    mText = Shown(text);
+    mAbsolute = mText;
+    mScheme = own.scheme;
+    mAuthority = own.authority;
+    Parts const shown = Split(mText);
+    mPath = shown.path;
+    mParameters = shown.parameters;
+    mQuery = shown.query;
+    mNamesDirectory = mPath && EndsAsDirectory(*mPath);
+}
+
 URLRef URL::FromString(std::u16string_view wide, URLRef const& base)
 {
     string text;
@@ -272,25 +309,21 @@ URLRef URL::FromString(std::u16string_view wide, URLRef const& base)
 
     URL* const url = new URL;
     URLRef const result(url);
-    url->mText = text;
-    url->mScheme = own.scheme;
-    url->mAuthority = own.authority;
-    if (!base || own.scheme)
-    {
-        url->mAbsolute = Shown(text);
-        Parts const shown = Split(url->mAbsolute);
-        url->mPath = shown.path;
-        url->mParameters = shown.parameters;
-        url->mQuery = shown.query;
+    // What does not begin with a letter is a scheme, but not one that makes the text absolute.
+    bool const isAbsolute = own.scheme && !own.scheme->empty() && IsLetter(own.scheme->front());
+    url->Take(text, own);
+    if (!base || isAbsolute)
         return result;
-    }
     url->mBase = base;
-    url->mScheme = base->mScheme;
-    if (!url->mAuthority)
-        url->mAuthority = base->mAuthority;
     Parts const resolved = Resolve(Split(base->mAbsolute), own);
     url->mAbsolute = Shown(Compose(resolved));
     url->mPath = Split(url->mAbsolute).path;
+    if (own.opaque)
+        return result;
+    if (!own.scheme)
+        url->mScheme = base->mScheme;
+    if (!own.authority)
+        url->mAuthority = base->mAuthority;
     url->mParameters = resolved.parameters;
     url->mQuery = resolved.query;
     return result;
@@ -298,7 +331,10 @@ URLRef URL::FromString(std::u16string_view wide, URLRef const& base)
 
 URLRef URL::FromFilePath(std::u16string_view path, bool isDirectory)
 {
-    std::u16string trimmed(path);
+    // The system's paths end at a null character.
+    std::u16string trimmed(path.substr(0, path.find(u'\0')));
+    if (trimmed.empty())
+        return {};
     if (isDirectory)
     {
         if (!trimmed.ends_with(u'/'))
@@ -308,10 +344,14 @@ URLRef URL::FromFilePath(std::u16string_view path, bool isDirectory)
         while (trimmed.size() > 1 && trimmed.ends_with(u'/'))
             trimmed.pop_back();
     std::optional<string> const escaped = EscapeFilePath(trimmed);
-    if (path.empty() || !escaped)
+    if (!escaped)
         return {};
     string const text = "file://" + *escaped;
-    return FromString(std::u16string(text.begin(), text.end()));
+    URL* const url = new URL;
+    URLRef const result(url);
+    url->Take(text, Split(text));
+    url->mNamesDirectory = isDirectory;
+    return result;
 }
 
 URLRef URL::FromColonPath(std::u16string_view)
@@ -330,7 +370,7 @@ std::optional<std::u16string> URL::Host() const
         return std::nullopt;
     HostAndPort const where = SplitAuthority(*mAuthority);
     string_view host = string_view(*mAuthority).substr(where.hostBegin, where.hostEnd - where.hostBegin);
-    if (host.size() >= 2 && host.front() == '[' && host.back() == ']')
+    if (host.starts_with('[') && host.find(']') != string_view::npos)
         host = host.substr(1, host.size() - 2);
     return Decode(host);
 }
@@ -373,7 +413,7 @@ std::optional<std::u16string> URL::Path() const
     if (path->size() > 1 && path->back() == u'/')
         path->pop_back();
     if (escaped.find('%') != string_view::npos && path->size() > 1 && path->back() == u'/' &&
-        (escaped.ends_with("/") || escaped.ends_with("/.") || escaped.ends_with("/..")))
+        EndsAsDirectory(escaped))
         path->pop_back();
     return path;
 }
@@ -395,7 +435,8 @@ std::optional<std::u16string> URL::AbsoluteString() const
 
 bool URL::IsEqual(URL const& other) const
 {
-    if (mText != other.mText || static_cast<bool>(mBase) != static_cast<bool>(other.mBase))
+    if (mText != other.mText || mNamesDirectory != other.mNamesDirectory ||
+        static_cast<bool>(mBase) != static_cast<bool>(other.mBase))
         return false;
     return !mBase || mBase->IsEqual(*other.mBase);
 }

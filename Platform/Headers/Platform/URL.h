@@ -47,7 +47,8 @@ public:
     /// The whole resolved text, escaped.
     std::optional<std::u16string> AbsoluteString() const;
 
-    /// The same text and equal bases: case, default ports, escapes and dots all matter.
+    /// The same text and equal bases: case, default ports, escapes and dots all matter. So does whether the
+    /// URL names a directory, which `FromFilePath` is told and a text shows by its end.
     bool IsEqual(URL const& other) const;
 
     /// The parts of one text, before any resolution; escaped as they stand in it.
@@ -68,6 +69,9 @@ private:
     URL() = default;
     ~URL() = default;
 
+    /// Becomes the URL of a text without a base.
+    void Take(std::string const& text, Parts const& own);
+
     std::string mText;
     std::string mAbsolute;
     URLRef mBase;
@@ -77,5 +81,6 @@ private:
     std::optional<std::string> mPath;
     std::optional<std::string> mParameters;
     std::optional<std::string> mQuery;
+    bool mNamesDirectory = false;
 };
 } // namespace KORVA::PLATFORM

@@ -13,7 +13,7 @@ namespace KORVA
 /// The registry form of an identifier: braces, upper-case hexadecimal digits.
 inline std::string GUIDToText(GUID const& id)
 {
-    constexpr char kDigits[] = "0123456789ABCDEF";
+    static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text = "{";
     auto append = [&text](std::uint32_t value, int digits) {
         for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
