@@ -1,0 +1,21 @@
+// The commands: each adds itself, with its help, to the command line and runs when it is chosen.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace TOOL
+{
+/// What every command is told.
+struct Common
+{
+    bool verbose = false;
+    bool json = false;
+};
+
+void AddUriCommand(CLI::App& app, Common const& common);
+void AddStringsCommand(CLI::App& app, Common const& common);
+void AddDictCommand(CLI::App& app, Common const& common);
+void AddTreeCommand(CLI::App& app, Common const& common);
+void AddFileCommands(CLI::App& app, Common const& common);
+void AddCopyCommand(CLI::App& app, Common const& common);
+} // namespace TOOL

@@ -1,0 +1,225 @@
+// tessio dict: a persistent dictionary in a file.
+#include "Commands.h"
+#include "Failure.h"
+#include "Output.h"
+#include "RecordFile.h"
+#include "TessIO/ClassIds.h"
+#include "TessIO/IDictionary.h"
+#include "Values.h"
+
+#include <fmt/format.h>
+
+#include <memory>
+
+namespace TOOL
+{
+namespace
+{
+using KORVA::IDictionary;
+using KORVA::IObject;
+
+struct Arguments
+{
+    std::string file;
+    std::string key;
+    std::string type;
+    std::string value;
+    bool bigEndian = false;
+    bool raw = false;
+};
+
+/// Keys separated by slashes: where the last one is, and in which dictionaries it lies.
+std::vector<unsigned int> PathOf(std::string const& text)
+{
+    std::vector<unsigned int> path;
+    std::size_t from = 0;
+    for (std::size_t slash = 0; slash != std::string::npos; from = slash + 1)
+    {
+        slash = text.find('/', from);
+        path.push_back(KeyOf(text.substr(from, slash == std::string::npos ? slash : slash - from)));
+    }
+    return path;
+}
+
+IDictionary* AsDictionary(IObject* object)
+{
+    IObject* found = nullptr;
+    if (!object || object->QueryInterface(KORVA::IO::IID_DICTIONARY, &found) != KORVA::kNoError)
+        return nullptr;
+    return static_cast<IDictionary*>(found);
+}
+
+/// The dictionary that holds the last key of a path. Those on the way are made when `create` is set; otherwise
+/// null when one is missing. Ends the command where the way leads through another value.
+IDictionary* Holder(Session const& session, IDictionary& root, std::vector<unsigned int> const& path, bool create)
+{
+    IDictionary* holder = &root;
+    std::string way;
+    for (std::size_t i = 0; i + 1 < path.size(); ++i)
+    {
+        way += (i > 0 ? "/" : "") + std::to_string(path[i]);
+        IObject* next = holder->Get(path[i]);
+        if (!next && !create)
+            return nullptr;
+        if (!next)
+        {
+            auto const made = session.Create<IDictionary>(KORVA::IO::IID_DICTIONARY);
+            holder->Put(path[i], made.Get());
+            next = made.Get();
+        }
+        holder = AsDictionary(next);
+        if (!holder)
+            throw Failure(Exit::kNotFound, way + " is no dictionary");
+    }
+    return holder;
+}
+
+IDictionary& Root(RecordFile const& file)
+{
+    return *AsDictionary(&file.Object());
+}
+
+RecordFile Open(Session const& session, Arguments const& arguments, RecordFile::Use use)
+{
+    RecordFile file(session, arguments.file, KORVA::IO::IID_DICTIONARY, use);
+    if (file.IsNew() && arguments.bigEndian)
+        file.SetOrder(KORVA::IO::IDataProvider::kBigEndian);
+    return file;
+}
+
+[[noreturn]] void NoKey(Arguments const& arguments)
+{
+    throw Failure(Exit::kNotFound, Quoted(arguments.file) + " has no key " + arguments.key);
+}
+
+/// One line for an entry: what it is and what it holds.
+std::string Line(Node const& node)
+{
+    if (node.kind == Node::Kind::kValue)
+        return node.value.content.index() == 0 ? node.value.type : node.value.type + " " + Shown(node.value);
+    if (node.kind == Node::Kind::kDictionary || node.kind == Node::Kind::kStrings)
+        return fmt::format("{}, {}", ClassName(node.classId), Entries(node));
+    return ClassName(node.classId);
+}
+
+void Set(Common const& common, Arguments const& arguments)
+{
+    Session const session(common.verbose);
+    std::vector<unsigned int> const path = PathOf(arguments.key);
+    RecordFile const file = Open(session, arguments, RecordFile::Use::kEditOrCreate);
+    PutValue(*Holder(session, Root(file), path, true), path.back(), arguments.type, arguments.value);
+    file.Save();
+}
+
+IObject& Found(Session const& session, RecordFile const& file, Arguments const& arguments)
+{
+    std::vector<unsigned int> const path = PathOf(arguments.key);
+    IDictionary const* const holder = Holder(session, Root(file), path, false);
+    IObject* const object = holder ? holder->Get(path.back()) : nullptr;
+    if (!object)
+        NoKey(arguments);
+    return *object;
+}
+
+void PrintRaw(Node const& node, Arguments const& arguments)
+{
+    if (auto const* const bytes = std::get_if<std::vector<unsigned char>>(&node.value.content))
+        Print({reinterpret_cast<char const*>(bytes->data()), bytes->size()});
+    else if (auto const* const text = std::get_if<std::u16string>(&node.value.content))
+        Print(KORVA::STRING::CoreString(*text).ToUTF8());
+    else
+        throw Failure(Exit::kUsage, arguments.key + " is neither bytes nor text: --raw prints only these");
+}
+
+void Get(Common const& common, Arguments const& arguments)
+{
+    Session const session(common.verbose);
+    RecordFile const file = Open(session, arguments, RecordFile::Use::kRead);
+    Node node = Describe(session, Found(session, file, arguments));
+    node.label = arguments.key;
+    if (arguments.raw)
+        PrintRaw(node, arguments);
+    else if (common.json)
+        PrintJson({{"entry", ToJson(node)}});
+    else if (node.kind == Node::Kind::kValue)
+        Print(Shown(node.value) + "\n");
+    else
+        Print(Line(node) + "\n");
+}
+
+void Remove(Common const& common, Arguments const& arguments)
+{
+    Session const session(common.verbose);
+    std::vector<unsigned int> const path = PathOf(arguments.key);
+    RecordFile const file = Open(session, arguments, RecordFile::Use::kEdit);
+    IDictionary* const holder = Holder(session, Root(file), path, false);
+    if (!holder || !holder->Get(path.back()))
+        NoKey(arguments);
+    holder->Remove(path.back());
+    file.Save();
+}
+
+class Lister final : public IDictionary::IDictionaryFunctor
+{
+public:
+    explicit Lister(Session const& session) : mSession(session) {}
+
+    bool OnEntry(unsigned int key, IObject* value) override
+    {
+        Node node = Describe(mSession, *value);
+        node.label = std::to_string(key);
+        text += node.label + " " + Line(node) + "\n";
+        json.push_back(ToJson(node));
+        return false;
+    }
+
+    std::string text;
+    Json json = Json::array();
+
+private:
+    Session const& mSession;
+};
+
+void List(Common const& common, Arguments const& arguments)
+{
+    Session const session(common.verbose);
+    RecordFile const file = Open(session, arguments, RecordFile::Use::kRead);
+    IDictionary* const dictionary =
+        arguments.key.empty() ? &Root(file) : AsDictionary(&Found(session, file, arguments));
+    if (!dictionary)
+        throw Failure(Exit::kNotFound, arguments.key + " is no dictionary");
+    Lister lister(session);
+    dictionary->ForEach(lister);
+    if (common.json)
+        PrintJson({{"entries", lister.json}});
+    else
+        Print(lister.text);
+}
+} // namespace
+
+void AddDictCommand(CLI::App& app, Common const& common)
+{
+    CLI::App* const dict = app.add_subcommand("dict", "Keep a persistent dictionary in a file");
+    dict->require_subcommand(1);
+    auto const arguments = std::make_shared<Arguments>();
+    auto const add = [&](char const* name, char const* about, void (*run)(Common const&, Arguments const&)) {
+        CLI::App* const command = dict->add_subcommand(name, about);
+        command->add_option("FILE", arguments->file, "The record file")->required();
+        command->callback([&common, arguments, run] { run(common, *arguments); });
+        return command;
+    };
+    constexpr char kKeyHelp[] = "A number, or a path of numbers through nested dictionaries: 1/7/3";
+    CLI::App* const set = add("set", "Set a value; makes the file and the dictionaries on the way", &Set);
+    set->add_option("KEY", arguments->key, kKeyHelp)->required();
+    set->add_option("TYPE", arguments->type, fmt::format("{}", fmt::join(ValueTypes(), " ")))->required();
+    set->add_option("VALUE", arguments->value,
+                    "Numbers in any base (42, 0x2A, 0o52, 0b101010), a {GUID}, bytes in hexadecimal, a file's name, "
+                    "text; none for dict. Write -- before a value that begins with a dash");
+    set->add_flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
+    CLI::App* const get = add("get", "Print a value", &Get);
+    get->add_option("KEY", arguments->key, kKeyHelp)->required();
+    get->add_flag("--raw", arguments->raw, "Print bytes or text as they are");
+    add("rm", "Remove a value", &Remove)->add_option("KEY", arguments->key, kKeyHelp)->required();
+    add("list", "Print every key, type and value", &List)->add_option("KEY", arguments->key, "A nested dictionary");
+}
+} // namespace TOOL

@@ -1,0 +1,162 @@
+// tessio stat, cat, rm, touch: files through the URI registry.
+#include "Commands.h"
+#include "Dates.h"
+#include "Failure.h"
+#include "Location.h"
+#include "Output.h"
+#include "TessIO/ResultCodes.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace TOOL
+{
+namespace
+{
+using namespace KORVA;
+using IO::IURIFile;
+
+struct Arguments
+{
+    std::vector<std::string> locations;
+    std::string date;
+};
+
+[[noreturn]] void NoSuchFile(char const* operation, std::string const& location)
+{
+    throw Failure(Exit::kNotFound, fmt::format("cannot {} {}: no such file", operation, Quoted(location)));
+}
+
+std::optional<uint64> Ask(IURIFile const& file, ErrCode (IURIFile::*get)(uint64&) const)
+{
+    uint64 value = 0;
+    if ((file.*get)(value) != kNoError)
+        return std::nullopt;
+    return value;
+}
+
+/// Like ls: rwxr-x---, from the nine attributes.
+std::string Permissions(IURIFile const& file)
+{
+    std::string text;
+    for (IO::FileAttribute attribute = IO::kAttributeOwnerRead; attribute <= IO::kAttributeOthersExecute; ++attribute)
+    {
+        bool set = false;
+        static_cast<void>(file.GetAttribute(attribute, set));
+        text += set ? "rwx"[(attribute - IO::kAttributeOwnerRead) % 3] : '-';
+    }
+    return text;
+}
+
+void StatOne(Session const& session, std::string const& location, Common const& common, Json& all)
+{
+    IO::IURIFilePtr const file = FileOf(session, location);
+    if (!file->Exists())
+        NoSuchFile("stat", location);
+    auto const size = Ask(*file, &IURIFile::GetSize);
+    auto const modified = Ask(*file, &IURIFile::GetModificationDate);
+    auto const created = Ask(*file, &IURIFile::GetCreationDate);
+    bool hidden = false;
+    static_cast<void>(file->GetAttribute(IO::kAttributeHidden, hidden));
+    std::string const path = file->GetURI()->GetPath().ToUTF8();
+    if (common.json)
+    {
+        auto const date = [](std::optional<uint64> const& value) { return value ? Json(DateText(*value)) : Json(nullptr); };
+        all.push_back({{"location", location},
+                       {"scheme", file->GetURI()->GetScheme().ToUTF8()},
+                       {"path", path},
+                       {"size", size ? Json(*size) : Json(nullptr)},
+                       {"modified", date(modified)},
+                       {"created", date(created)},
+                       {"permissions", Permissions(*file)},
+                       {"hidden", hidden}});
+        return;
+    }
+    auto const date = [](std::optional<uint64> const& value) { return value ? DateText(*value) : "unknown"; };
+    Print(fmt::format("{}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n",
+                      Escaped(location), "path", Escaped(path), "size", size ? std::to_string(*size) : "unknown",
+                      "modified", date(modified), "created", date(created), "permissions", Permissions(*file),
+                      "hidden", hidden ? "yes" : "no"));
+}
+
+void Stat(Common const& common, Arguments const& arguments)
+{
+    Session const session(common.verbose);
+    Json all = Json::array();
+    for (std::string const& location : arguments.locations)
+        StatOne(session, location, common, all);
+    if (common.json)
+        PrintJson({{"files", all}});
+}
+
+void Cat(Common const& common, Arguments const& arguments)
+{
+    Session const session(common.verbose);
+    constexpr int kPiece = 256 * 1024;
+    std::vector<char> piece(kPiece);
+    for (std::string const& location : arguments.locations)
+    {
+        auto const stream = OpenToRead(session, location);
+        for (int count = kPiece; count > 0;)
+        {
+            count = kPiece;
+            static_cast<void>(stream->Read(piece.data(), count));
+            Print({piece.data(), static_cast<std::size_t>(count)});
+        }
+    }
+}
+
+void RemoveFiles(Common const& common, Arguments const& arguments)
+{
+    Session const session(common.verbose);
+    for (std::string const& location : arguments.locations)
+    {
+        IO::IURIFilePtr const file = FileOf(session, location);
+        if (file->Delete() == kNoError)
+            continue;
+        if (!file->Exists())
+            NoSuchFile("remove", location);
+        std::error_code error;
+        bool const isDirectory = std::filesystem::is_directory(file->GetURI()->GetPath().ToUTF8(), error);
+        throw Failure(Exit::kInputOutput,
+                      fmt::format("cannot remove {}: {}", Quoted(location), isDirectory ? "is a directory" : "permission denied"));
+    }
+}
+
+void Touch(Common const& common, Arguments const& arguments)
+{
+    uint64 date = arguments.date.empty() ? Now() : DateFromText(arguments.date);
+    Session const session(common.verbose);
+    for (std::string const& location : arguments.locations)
+    {
+        IO::IURIFilePtr const file = FileOf(session, location);
+        if (file->Create() != kNoError)
+            throw Failure(Exit::kInputOutput,
+                          "cannot create " + Quoted(location) + ": no such directory, or no permission");
+        if (file->SetModificationDate(date) != kNoError)
+            throw Failure(Exit::kInputOutput, "cannot date " + Quoted(location) + ": no permission");
+    }
+}
+} // namespace
+
+void AddFileCommands(CLI::App& app, Common const& common)
+{
+    auto const arguments = std::make_shared<Arguments>();
+    auto const add = [&](char const* name, char const* about, void (*run)(Common const&, Arguments const&)) {
+        CLI::App* const command = app.add_subcommand(name, about);
+        command->add_option("LOCATION", arguments->locations, "Paths or URLs of files")->required();
+        command->callback([&common, arguments, run] { run(common, *arguments); });
+        return command;
+    };
+    add("stat", "Show size, dates and permissions of files", &Stat);
+    add("cat", "Print files", &Cat);
+    add("rm", "Remove files", &RemoveFiles);
+    add("touch", "Create files that are not there, and set the modification date", &Touch)
+        ->add_option("--date", arguments->date,
+                     "YYYY-MM-DDTHH:MM:SS[.fraction]Z, or nanoseconds since 1970; now when not given");
+}
+} // namespace TOOL

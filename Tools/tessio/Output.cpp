@@ -1,0 +1,94 @@
+#include "Output.h"
+
+#include "Failure.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace TOOL
+{
+using KORVA::STRING::CoreString;
+
+namespace
+{
+constexpr int kSchema = 1;
+
+std::string Escape(CoreString const& text, bool quotes)
+{
+    std::string result;
+    for (wchar_t const wide : text.ToWide())
+    {
+        auto const c = static_cast<char32_t>(wide);
+        if (c == U'\n')
+            result += "\\n";
+        else if (c == U'\t')
+            result += "\\t";
+        else if (c == U'\\' && quotes)
+            result += "\\\\";
+        else if (c == U'"' && quotes)
+            result += "\\\"";
+        // Besides the control characters those that turn the direction of text, and half surrogates.
+        else if (c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x202A && c <= 0x202E) ||
+                 (c >= 0x2066 && c <= 0x2069) || (c >= 0xD800 && c < 0xE000))
+            result += fmt::format("\\u{{{:X}}}", static_cast<unsigned>(c));
+        else if (c < 0x10000)
+        {
+            auto const unit = static_cast<char16_t>(c);
+            result += CoreString(&unit, 1).ToUTF8();
+        }
+        else
+        {
+            char16_t const pair[] = {static_cast<char16_t>(0xD7C0 + (c >> 10)),
+                                     static_cast<char16_t>(0xDC00 + (c & 0x3FF))};
+            result += CoreString(pair, 2).ToUTF8();
+        }
+    }
+    return result;
+}
+} // namespace
+
+void Print(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        throw Failure(Exit::kInputOutput,
+                      std::string("cannot write to standard output: ") + std::strerror(errno));
+}
+
+void PrintJson(Json document)
+{
+    Json whole = {{"schema", kSchema}};
+    whole.update(document);
+    Print(whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+std::string Escaped(CoreString const& text)
+{
+    return Escape(text, false);
+}
+
+std::string Escaped(std::string_view utf8)
+{
+    return Escape(CoreString(utf8), false);
+}
+
+std::string Quoted(CoreString const& text)
+{
+    return '"' + Escape(text, true) + '"';
+}
+
+std::string Quoted(std::string_view utf8)
+{
+    return Quoted(CoreString(utf8));
+}
+
+CoreString TextArgument(std::string const& argument, std::string const& what)
+{
+    std::optional<CoreString> text = CoreString::FromUTF8(argument);
+    if (!text)
+        throw Failure(Exit::kUsage, what + " " + Quoted(argument) + " is not valid UTF-8");
+    return *text;
+}
+} // namespace TOOL

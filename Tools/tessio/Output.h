@@ -1,0 +1,32 @@
+// What commands print.
+#pragma once
+
+#include "CoreString/CoreString.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace TOOL
+{
+using Json = nlohmann::ordered_json;
+
+/// Standard output, as it is. Ends the command when it can't be written.
+void Print(std::string_view text);
+
+/// One JSON document, with the version of its schema in front.
+void PrintJson(Json document);
+
+/// Text that may come from a file, fit for a terminal: control characters as \n, \t or \u{...}. Malformed text
+/// shows U+FFFD.
+std::string Escaped(KORVA::STRING::CoreString const& text);
+std::string Escaped(std::string_view utf8);
+
+/// The same between double quotes, quotes and backslashes escaped, so that nothing is ambiguous.
+std::string Quoted(KORVA::STRING::CoreString const& text);
+std::string Quoted(std::string_view utf8);
+
+/// Takes an argument as text; ends the command when it is not valid UTF-8.
+KORVA::STRING::CoreString TextArgument(std::string const& argument, std::string const& what);
+} // namespace TOOL

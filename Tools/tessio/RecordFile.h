@@ -1,0 +1,63 @@
+// A file whose first record is edited through the library.
+#pragma once
+
+#include "RecordTree.h"
+#include "Session.h"
+#include "TessIO/IDataProviderStream.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TOOL
+{
+/// Loads the first record of a file as an object, and writes it back among the other records, which keep their
+/// bytes. While it is open for editing, others can't open the file for writing.
+class RecordFile
+{
+public:
+    enum class Use
+    {
+        kRead,
+        /// The file must be there.
+        kEdit,
+        /// A new object is made when the file is not there.
+        kEditOrCreate
+    };
+
+    /// Ends the command when the first record is of another class, or, for editing, holds anything that would
+    /// be lost.
+    RecordFile(Session const& session, std::string location, GUID const& classId, Use use);
+
+    /// The byte order that a new file gets.
+    void SetOrder(KORVA::IO::IDataProvider::Endian order) { mOrder = order; }
+
+    bool IsNew() const { return mIsNew; }
+    KORVA::IObject& Object() const { return *mObject; }
+
+    /// Replaces the file by one with the object as it is now.
+    void Save() const;
+
+private:
+    void Load(GUID const& classId, Use use);
+
+    Session const& mSession;
+    std::string mLocation;
+    bool mIsNew = false;
+    KORVA::IO::IDataProvider::Endian mOrder = KORVA::IO::IDataProvider::kLittleEndian;
+    KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> mHeld;
+    std::vector<unsigned char> mContent;
+    KORVA::int64 mFirstEnd = 0;
+    KORVA::TInterfacePtr<KORVA::IObject> mObject;
+};
+
+/// The record of an object, as the library writes it.
+std::vector<unsigned char> Serialized(Session const& session, KORVA::IObject const& object,
+                                      KORVA::IO::IDataProvider::Endian order);
+
+/// The structure of an object: what `ReadTree` says of its record.
+Node Describe(Session const& session, KORVA::IObject const& object);
+
+/// The class id under which an object persists; nothing when it doesn't.
+std::optional<GUID> PersistentClass(KORVA::IObject const& object);
+} // namespace TOOL

@@ -1,0 +1,41 @@
+// The host that a command runs in.
+#pragma once
+
+#include "CoreRegistry/CoreRegistry.h"
+#include "Host/Host.h"
+#include "Logger/KLoggerLibInterface.h"
+
+#include <memory>
+
+namespace TOOL
+{
+/// Boots the library for one run of the tool.
+class Session final : private KORVA::KLogSink
+{
+public:
+    /// With `verbose`, the library's own messages go to standard error too.
+    explicit Session(bool verbose);
+    Session(Session const&) = delete;
+    Session& operator=(Session const&) = delete;
+    ~Session();
+
+    KORVA::COREREGISTRY::ICoreRegistry* Registry() const { return mHost->Registry(); }
+
+    /// Creates an object that must be there.
+    template <class I>
+    KORVA::TInterfacePtr<I> Create(GUID const& classId) const
+    {
+        auto object = KORVA::COREREGISTRY::CreateObject<I>(classId);
+        if (!object)
+            Missing(classId);
+        return object;
+    }
+
+private:
+    bool OnMessage(KORVA::KLogRecord const& record) noexcept override;
+    [[noreturn]] static void Missing(GUID const& classId);
+
+    bool mVerbose;
+    std::unique_ptr<KORVA::HOST::Host> mHost;
+};
+} // namespace TOOL

@@ -1,0 +1,237 @@
+#include "Values.h"
+
+#include "CoreString/CoreString.h"
+#include "CoreRegistry/CoreRegistry.h"
+#include "Failure.h"
+#include "ObjectModel/GUIDText.h"
+#include "Output.h"
+#include "TessIO/ClassIds.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <optional>
+
+namespace TOOL
+{
+namespace
+{
+using namespace KORVA;
+
+[[noreturn]] void Unfit(std::string const& text, std::string const& type, std::string const& why)
+{
+    throw Failure(Exit::kUsage, Quoted(text) + " is no " + type + ": " + why);
+}
+
+/// Digits after sign and base prefix; nothing when the text is no whole number of 64 bits.
+std::optional<uint64> Magnitude(std::string_view text)
+{
+    int base = 10;
+    if (text.size() > 2 && text[0] == '0')
+    {
+        char const mark = text[1];
+        base = mark == 'x' || mark == 'X' ? 16 : mark == 'o' || mark == 'O' ? 8 : mark == 'b' || mark == 'B' ? 2 : 10;
+        if (base != 10)
+            text.remove_prefix(2);
+    }
+    uint64 value = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    if (error != std::errc() || end != text.data() + text.size() || text.empty())
+        return std::nullopt;
+    return value;
+}
+
+template <class Number>
+Number Whole(std::string const& text, std::string const& type)
+{
+    using Limits = std::numeric_limits<Number>;
+    bool const negative = text.starts_with('-');
+    std::string_view const digits = std::string_view(text).substr(negative || text.starts_with('+') ? 1 : 0);
+    std::optional<uint64> const magnitude = Magnitude(digits);
+    if (!magnitude)
+        Unfit(text, type, "not a whole number of at most 64 bits");
+    auto const largest = static_cast<uint64>(Limits::max());
+    uint64 const limit = negative ? (Limits::is_signed ? largest + 1 : 0) : largest;
+    if (*magnitude > limit)
+        Unfit(text, type, fmt::format("the range is {} to {}", Limits::min(), Limits::max()));
+    return static_cast<Number>(negative ? 0 - *magnitude : *magnitude);
+}
+
+template <class Number>
+Number Floating(std::string const& text, std::string const& type)
+{
+    std::string_view digits = text;
+    bool const negative = digits.starts_with('-');
+    if (negative || digits.starts_with('+'))
+        digits.remove_prefix(1);
+    bool const hex = digits.starts_with("0x") || digits.starts_with("0X");
+    if (hex)
+        digits.remove_prefix(2);
+    Number value = 0;
+    auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value,
+                                              hex ? std::chars_format::hex : std::chars_format::general);
+    if (error == std::errc::result_out_of_range)
+        Unfit(text, type, "out of range");
+    if (error != std::errc() || end != digits.data() + digits.size() || digits.starts_with('-'))
+        Unfit(text, type, "not a number");
+    return negative ? -value : value;
+}
+
+std::vector<unsigned char> HexBytes(std::string const& text)
+{
+    std::vector<unsigned char> bytes;
+    int digits = 0;
+    int high = 0;
+    for (char const c : text)
+    {
+        if (c == ' ' || c == ':' || c == '\n')
+            continue;
+        std::size_t const value = std::string_view("0123456789abcdefABCDEF").find(c);
+        if (value == std::string_view::npos)
+            Unfit(text, "byte string", "hexadecimal digits in pairs are");
+        int const nibble = static_cast<int>(value < 16 ? value : value - 6);
+        if (++digits % 2 == 0)
+            bytes.push_back(static_cast<unsigned char>(high * 16 + nibble));
+        high = nibble;
+    }
+    if (digits % 2 != 0)
+        Unfit(text, "byte string", "half a byte is left over");
+    return bytes;
+}
+
+std::vector<unsigned char> FileBytes(std::string const& name)
+{
+    std::ifstream file(name, std::ios::binary);
+    if (!file)
+        throw Failure(Exit::kInputOutput, "cannot open " + Quoted(name) + ": no such file, or no permission");
+    std::vector<unsigned char> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (file.bad())
+        throw Failure(Exit::kInputOutput, "cannot read " + Quoted(name));
+    return bytes;
+}
+
+void PutBytes(IDictionary& dictionary, unsigned int key, std::vector<unsigned char> const& bytes)
+{
+    if (bytes.empty())
+        throw Failure(Exit::kUsage, "a dictionary holds no empty byte strings");
+    if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        throw Failure(Exit::kUsage, "a byte string holds 2147483647 bytes at most");
+    dictionary.Put(key, bytes.data(), static_cast<int>(bytes.size()));
+}
+
+void PutText(IDictionary& dictionary, unsigned int key, std::string const& text)
+{
+    STRING::CoreString const units = TextArgument(text, "text");
+    if (units.empty())
+        throw Failure(Exit::kUsage, "a dictionary holds no empty texts");
+    if (units.size() > static_cast<std::size_t>(std::numeric_limits<int>::max() / 2))
+        throw Failure(Exit::kUsage, "a text holds 1073741823 units at most");
+    dictionary.Put(key, units.data(), static_cast<int>(units.size()));
+}
+
+void PutDictionary(IDictionary& dictionary, unsigned int key, std::string const& text)
+{
+    if (!text.empty())
+        throw Failure(Exit::kUsage, "a dictionary takes no value: put its entries by their own keys");
+    auto const nested = COREREGISTRY::CreateObject<IDictionary>(IO::IID_DICTIONARY);
+    if (nested)
+        dictionary.Put(key, nested.Get());
+}
+
+using Put = void (*)(IDictionary&, unsigned int, std::string const&, std::string const&);
+
+template <class Number>
+void PutWhole(IDictionary& dictionary, unsigned int key, std::string const& type, std::string const& text)
+{
+    dictionary.Put(key, Whole<Number>(text, type));
+}
+
+template <class Number>
+void PutFloating(IDictionary& dictionary, unsigned int key, std::string const& type, std::string const& text)
+{
+    dictionary.Put(key, Floating<Number>(text, type));
+}
+
+struct TypeRow
+{
+    char const* name;
+    Put put;
+};
+
+constexpr TypeRow kTypes[] = {
+    {"int8", &PutWhole<signed char>},
+    {"uint8", &PutWhole<unsigned char>},
+    {"int16", &PutWhole<short>},
+    {"uint16", &PutWhole<unsigned short>},
+    {"int32", &PutWhole<int>},
+    {"uint32", &PutWhole<unsigned int>},
+    {"int64", &PutWhole<long long>},
+    {"uint64", &PutWhole<unsigned long long>},
+    {"float", &PutFloating<float>},
+    {"double", &PutFloating<double>},
+    {"guid",
+     [](IDictionary& dictionary, unsigned int key, std::string const&, std::string const& text) {
+         std::optional<GUID> const id = GUIDFromText(text);
+         if (!id)
+             Unfit(text, "guid", "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX} is");
+         dictionary.Put(key, *id);
+     }},
+    {"bytes", [](IDictionary& dictionary, unsigned int key, std::string const&,
+                 std::string const& text) { PutBytes(dictionary, key, HexBytes(text)); }},
+    {"file", [](IDictionary& dictionary, unsigned int key, std::string const&,
+                std::string const& text) { PutBytes(dictionary, key, FileBytes(text)); }},
+    {"text", [](IDictionary& dictionary, unsigned int key, std::string const&,
+                std::string const& text) { PutText(dictionary, key, text); }},
+    {"dict", [](IDictionary& dictionary, unsigned int key, std::string const&,
+                std::string const& text) { PutDictionary(dictionary, key, text); }},
+};
+
+struct Show
+{
+    std::string operator()(std::monostate) const { return ""; }
+    std::string operator()(int64 value) const { return fmt::format("{}", value); }
+    std::string operator()(uint64 value) const { return fmt::format("{}", value); }
+    std::string operator()(float value) const { return fmt::format("{}", value); }
+    std::string operator()(double value) const { return fmt::format("{}", value); }
+    std::string operator()(GUID const& value) const { return GUIDToText(value); }
+    std::string operator()(std::u16string const& value) const { return Quoted(STRING::CoreString(value)); }
+    std::string operator()(std::vector<unsigned char> const& value) const
+    {
+        return fmt::format("{:02x}", fmt::join(value, " "));
+    }
+};
+} // namespace
+
+std::string Shown(Value const& value)
+{
+    return std::visit(Show(), value.content);
+}
+
+void PutValue(IDictionary& dictionary, unsigned int key, std::string const& type, std::string const& text)
+{
+    for (TypeRow const& row : kTypes)
+        if (type == row.name)
+            return row.put(dictionary, key, type, text);
+    throw Failure(Exit::kUsage, Quoted(type) + " is no type; the types are " + fmt::format("{}", fmt::join(ValueTypes(), " ")));
+}
+
+std::vector<std::string> const& ValueTypes()
+{
+    static std::vector<std::string> const sNames = [] {
+        std::vector<std::string> names;
+        for (TypeRow const& row : kTypes)
+            names.emplace_back(row.name);
+        return names;
+    }();
+    return sNames;
+}
+
+unsigned int KeyOf(std::string const& text)
+{
+    return Whole<unsigned int>(text, "key");
+}
+} // namespace TOOL

@@ -1,0 +1,89 @@
+#include "Commands.h"
+#include "Failure.h"
+#include "Output.h"
+
+#include <clocale>
+#include <cstdio>
+
+namespace
+{
+using namespace TOOL;
+
+constexpr char kAbout[] = "Reads, writes and names data through the TessIO library.\n"
+                          "Exit codes: 0 done, 1 not found or differs, 2 usage, 3 input/output, 4 not a record file.";
+
+int Report(Exit code, std::string const& message)
+{
+    // What was printed before comes first, also where both go to one place.
+    std::fflush(stdout);
+    std::fprintf(stderr, "tessio: %s\n", message.c_str());
+    return static_cast<int>(code);
+}
+
+/// The parser's words, or better ones where a command is missing or misspelt.
+std::string WhyNot(CLI::App const& app, CLI::ParseError const& error)
+{
+    if (!dynamic_cast<CLI::RequiredError const*>(&error))
+        return error.what();
+    CLI::App const* command = &app;
+    while (!command->get_subcommands().empty())
+        command = command->get_subcommands().front();
+    if (command->get_require_subcommand_min() == 0)
+        return error.what();
+    std::string const place = command == &app ? "" : " of " + command->get_name();
+    for (std::string const& argument : command->remaining())
+        if (!argument.starts_with('-'))
+            return "there is no command " + Quoted(argument) + place;
+    return "a command" + place + " is missing";
+}
+
+int Run(int argc, char** argv)
+{
+    CLI::App app(kAbout, "tessio");
+    Common common;
+    app.require_subcommand(1);
+    app.set_version_flag("--version", TESSIO_VERSION);
+    app.add_flag("-v,--verbose", common.verbose, "Show the library's own messages on standard error");
+    app.add_flag("--json", common.json, "Print one JSON document instead of text");
+    // Both may stand behind the command's name as well.
+    app.fallthrough();
+    AddUriCommand(app, common);
+    AddStringsCommand(app, common);
+    AddDictCommand(app, common);
+    AddTreeCommand(app, common);
+    AddFileCommands(app, common);
+    AddCopyCommand(app, common);
+    try
+    {
+        app.parse(argc, argv);
+    }
+    catch (CLI::Success const& help)
+    {
+        return app.exit(help);
+    }
+    catch (CLI::ParseError const& error)
+    {
+        return Report(Exit::kUsage, WhyNot(app, error) + "\nRun it with --help for more information.");
+    }
+    if (std::fflush(stdout) != 0)
+        return Report(Exit::kInputOutput, "cannot write to standard output");
+    return 0;
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    try
+    {
+        return Run(argc, argv);
+    }
+    catch (Failure const& failure)
+    {
+        return Report(failure.Code(), failure.what());
+    }
+    catch (std::exception const& error)
+    {
+        return Report(Exit::kInputOutput, error.what());
+    }
+}
