@@ -105,10 +105,7 @@ Installed& TheRegistry()
 }
 } // namespace
 
-ICoreRegistry* CreateCoreRegistry()
-{
-    return new CoreRegistry;
-}
+ICoreRegistry* CreateCoreRegistry() { return new CoreRegistry; }
 
 ICoreRegistry* GetCoreRegistry()
 {

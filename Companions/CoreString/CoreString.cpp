@@ -22,10 +22,7 @@ std::u16string UnitsFromUTF8(std::string_view utf8)
     return units;
 }
 
-int Sign(int difference)
-{
-    return (difference > 0) - (difference < 0);
-}
+int Sign(int difference) { return (difference > 0) - (difference < 0); }
 } // namespace
 
 CoreString::CoreString(char const* utf8) : mUnits(utf8 ? UnitsFromUTF8(utf8) : std::u16string()) {}
@@ -68,35 +65,23 @@ std::size_t CoreString::find(CoreString const& text, std::size_t from) const
     return mUnits.find(text.mUnits, from);
 }
 
-std::size_t CoreString::find(UniChar unit, std::size_t from) const
-{
-    return mUnits.find(unit, from);
-}
+std::size_t CoreString::find(UniChar unit, std::size_t from) const { return mUnits.find(unit, from); }
 
 std::size_t CoreString::rfind(CoreString const& text, std::size_t from) const
 {
     return mUnits.rfind(text.mUnits, from);
 }
 
-std::size_t CoreString::rfind(UniChar unit, std::size_t from) const
-{
-    return mUnits.rfind(unit, from);
-}
+std::size_t CoreString::rfind(UniChar unit, std::size_t from) const { return mUnits.rfind(unit, from); }
 
 CoreString CoreString::substr(std::size_t from, std::size_t length) const
 {
     return from < mUnits.size() ? CoreString(mUnits.substr(from, length)) : CoreString();
 }
 
-int CoreString::compare(CoreString const& other) const
-{
-    return Sign(mUnits.compare(other.mUnits));
-}
+int CoreString::compare(CoreString const& other) const { return Sign(mUnits.compare(other.mUnits)); }
 
-int CoreString::compare(char const* utf8) const
-{
-    return compare(CoreString(utf8));
-}
+int CoreString::compare(char const* utf8) const { return compare(CoreString(utf8)); }
 
 int CoreString::comparei(CoreString const& other) const
 {

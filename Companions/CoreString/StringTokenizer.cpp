@@ -15,10 +15,7 @@ StringTokenizer::StringTokenizer(CoreString const& text, CoreString const& delim
     }
 }
 
-int32 StringTokenizer::NumTokens() const
-{
-    return static_cast<int32>(mTokens.size());
-}
+int32 StringTokenizer::NumTokens() const { return static_cast<int32>(mTokens.size()); }
 
 CoreString StringTokenizer::Get(int32 index) const
 {

@@ -29,7 +29,8 @@ std::string SystemPath(STRING::CoreString const& path)
 
 ErrCode DateFrom(int64 seconds, uint32 nanoseconds, uint64& date)
 {
-    if (seconds < 0 || static_cast<uint64>(seconds) > std::numeric_limits<uint64>::max() / kNanosecondsPerSecond - 1)
+    if (seconds < 0 ||
+        static_cast<uint64>(seconds) > std::numeric_limits<uint64>::max() / kNanosecondsPerSecond - 1)
         return kFailed;
     date = static_cast<uint64>(seconds) * kNanosecondsPerSecond + nanoseconds;
     return kDone;
@@ -91,10 +92,7 @@ ErrCode File::Create()
     return created ? kDone : StatusOfErrno();
 }
 
-ErrCode File::Delete()
-{
-    return unlink(mPath.c_str()) == 0 ? kDone : StatusOfErrno();
-}
+ErrCode File::Delete() { return unlink(mPath.c_str()) == 0 ? kDone : StatusOfErrno(); }
 
 ErrCode File::GetSize(uint64& size)
 {
@@ -132,10 +130,7 @@ ErrCode File::GetCreationDate(uint64& date)
     return DateFrom(status.stx_btime.tv_sec, status.stx_btime.tv_nsec, date);
 }
 
-ErrCode File::SetCreationDate(uint64&)
-{
-    return Exists() ? kFailed : kNotFound;
-}
+ErrCode File::SetCreationDate(uint64&) { return Exists() ? kFailed : kNotFound; }
 
 ErrCode File::CopyTo(STRING::CoreString const& target)
 {

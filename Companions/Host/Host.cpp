@@ -106,10 +106,7 @@ Host::~Host()
     COREREGISTRY::InstallCoreRegistry(nullptr);
 }
 
-ICoreRegistry* Host::Registry() const
-{
-    return mState->registry.Get();
-}
+ICoreRegistry* Host::Registry() const { return mState->registry.Get(); }
 
 bool Host::LoadPlugIn(std::string const& file, std::string& error)
 {

@@ -20,8 +20,5 @@ void SharedObject::Unload()
         dlclose(handle);
 }
 
-void* SharedObject::Symbol(char const* name) const
-{
-    return mHandle ? dlsym(mHandle, name) : nullptr;
-}
+void* SharedObject::Symbol(char const* name) const { return mHandle ? dlsym(mHandle, name) : nullptr; }
 } // namespace KORVA::HOST

@@ -73,8 +73,9 @@ public:
                 return;
             if (!mFile)
                 return;
-            mFile->Write("type " + std::to_string(logType) + " level " + std::to_string(logLevel) + " " + sourcePath +
-                             ":" + std::to_string(line) + " [" + functionSignature + "] " + ToUTF8(message),
+            mFile->Write("type " + std::to_string(logType) + " level " + std::to_string(logLevel) + " " +
+                             sourcePath + ":" + std::to_string(line) + " [" + functionSignature + "] " +
+                             ToUTF8(message),
                          logType == 2);
         }
         catch (std::exception const&)
@@ -122,10 +123,7 @@ KLogger& TheLogger()
 }
 } // namespace
 
-KLoggerLibInterface* KLoggerLibInterface::GetInstance()
-{
-    return &TheLogger();
-}
+KLoggerLibInterface* KLoggerLibInterface::GetInstance() { return &TheLogger(); }
 
 KLoggerLibInterface* KLoggerLibInterface::InitInstance(wchar_t const* logFileName)
 {
@@ -140,8 +138,5 @@ KLoggerLibInterface* KLoggerLibInterface::InitInstance(wchar_t const* logFileNam
     return &TheLogger();
 }
 
-KLogSink* KLoggerLibInterface::InstallSink(KLogSink* sink)
-{
-    return TheLogger().Install(sink);
-}
+KLogSink* KLoggerLibInterface::InstallSink(KLogSink* sink) { return TheLogger().Install(sink); }
 } // namespace KORVA

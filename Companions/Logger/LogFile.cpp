@@ -69,7 +69,8 @@ struct LogFile::State
         try
         {
             std::filesystem::create_directories(path.parent_path());
-            auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(path.string(), kMaxFileSize, kOldFiles);
+            auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(path.string(), kMaxFileSize,
+                                                                               kOldFiles);
             auto logger = std::make_unique<spdlog::logger>("korva", std::move(sink));
             logger->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %P %l %v");
             logger->set_error_handler([](std::string const&) {});
@@ -120,6 +121,7 @@ void LogFile::Flush() noexcept
 {
     std::unique_lock lock(mState->mutex);
     if (mState->started)
-        mState->changed.wait_for(lock, kPatience, [this] { return mState->queue.empty() && !mState->writing; });
+        mState->changed.wait_for(lock, kPatience,
+                                 [this] { return mState->queue.empty() && !mState->writing; });
 }
 } // namespace KORVA

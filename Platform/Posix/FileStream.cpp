@@ -52,25 +52,13 @@ OpenResult OpenFile(PathString const& path, Access access, Lock lock, int& descr
     return OpenResult::kOpened;
 }
 
-void CloseFile(int descriptor)
-{
-    close(descriptor);
-}
+void CloseFile(int descriptor) { close(descriptor); }
 
-std::FILE* StreamOver(int descriptor, char const* mode)
-{
-    return fdopen(descriptor, mode);
-}
+std::FILE* StreamOver(int descriptor, char const* mode) { return fdopen(descriptor, mode); }
 
-bool TruncateUnder(std::FILE* stream, std::int64_t length)
-{
-    return ftruncate(fileno(stream), length) == 0;
-}
+bool TruncateUnder(std::FILE* stream, std::int64_t length) { return ftruncate(fileno(stream), length) == 0; }
 
-bool Seek(std::FILE* stream, std::int64_t offset, int whence)
-{
-    return fseeko(stream, offset, whence) == 0;
-}
+bool Seek(std::FILE* stream, std::int64_t offset, int whence) { return fseeko(stream, offset, whence) == 0; }
 
 std::int64_t Tell(std::FILE* stream)
 {

@@ -97,7 +97,8 @@ Handle NewHandle(std::size_t size)
 
 void SetHandleSize(Handle handle, std::size_t size)
 {
-    bool const done = handle && (handle->mapped > 0 ? ResizeMapped(*handle, size) : ResizeAllocated(*handle, size));
+    bool const done =
+        handle && (handle->mapped > 0 ? ResizeMapped(*handle, size) : ResizeAllocated(*handle, size));
     sError = done ? std::int16_t{0} : kMemFull;
 }
 
@@ -113,13 +114,7 @@ void DisposeHandle(Handle handle)
     delete handle;
 }
 
-std::int16_t MemError()
-{
-    return sError;
-}
+std::int16_t MemError() { return sError; }
 
-std::byte* HandleAddress(Handle handle)
-{
-    return handle ? handle->address : nullptr;
-}
+std::byte* HandleAddress(Handle handle) { return handle ? handle->address : nullptr; }
 } // namespace KORVA::PLATFORM

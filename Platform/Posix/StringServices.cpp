@@ -197,10 +197,7 @@ std::optional<std::u16string> ReplacePercentEscapes(std::u16string_view text)
     return decoded;
 }
 
-std::optional<std::string> EscapeFilePath(std::u16string_view path)
-{
-    return Escape(path, kKeptInFilePath);
-}
+std::optional<std::string> EscapeFilePath(std::u16string_view path) { return Escape(path, kKeptInFilePath); }
 
 std::string ToMacRoman(std::u16string_view text)
 {
@@ -209,8 +206,9 @@ std::string ToMacRoman(std::u16string_view text)
         return {};
     std::string result(text.size() + 1, '\0');
     UErrorCode status = U_ZERO_ERROR;
-    int32_t const length = ucnv_fromUChars(converter.get(), result.data(), static_cast<int32_t>(result.size()),
-                                           text.data(), static_cast<int32_t>(text.size()), &status);
+    int32_t const length =
+        ucnv_fromUChars(converter.get(), result.data(), static_cast<int32_t>(result.size()), text.data(),
+                        static_cast<int32_t>(text.size()), &status);
     result.resize(U_FAILURE(status) ? 0 : static_cast<std::size_t>(length));
     return result;
 }

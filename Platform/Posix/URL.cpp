@@ -14,20 +14,11 @@ using std::string;
 using std::string_view;
 using OptionalText = std::optional<string>;
 
-bool IsLetter(char c)
-{
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
+bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-bool IsAlphanumeric(char c)
-{
-    return IsLetter(c) || (c >= '0' && c <= '9');
-}
+bool IsAlphanumeric(char c) { return IsLetter(c) || (c >= '0' && c <= '9'); }
 
-bool IsHexDigit(char c)
-{
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
-}
+bool IsHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
 
 /// Whether a text may be a URL at all: the characters that escaping keeps, brackets, one `#`, whole escapes.
 bool IsLegal(string_view text)
@@ -315,7 +306,7 @@ URLRef URL::FromString(std::u16string_view wide, URLRef const& base)
     if (!base || isAbsolute)
         return result;
     url->mBase = base;
-    Parts const resolved = Resolve(Split(base->mAbsolute), own);
+    Parts const resolved = Resolve(Split(base->mAbsolute), Split(url->mText));
     url->mAbsolute = Shown(Compose(resolved));
     url->mPath = Split(url->mAbsolute).path;
     if (own.opaque)
@@ -354,15 +345,9 @@ URLRef URL::FromFilePath(std::u16string_view path, bool isDirectory)
     return result;
 }
 
-URLRef URL::FromColonPath(std::u16string_view)
-{
-    return {};
-}
+URLRef URL::FromColonPath(std::u16string_view) { return {}; }
 
-std::optional<std::u16string> URL::Scheme() const
-{
-    return Widen(mScheme);
-}
+std::optional<std::u16string> URL::Scheme() const { return Widen(mScheme); }
 
 std::optional<std::u16string> URL::Host() const
 {
@@ -418,20 +403,11 @@ std::optional<std::u16string> URL::Path() const
     return path;
 }
 
-std::optional<std::u16string> URL::ParameterString() const
-{
-    return Widen(mParameters);
-}
+std::optional<std::u16string> URL::ParameterString() const { return Widen(mParameters); }
 
-std::optional<std::u16string> URL::Query() const
-{
-    return Widen(mQuery);
-}
+std::optional<std::u16string> URL::Query() const { return Widen(mQuery); }
 
-std::optional<std::u16string> URL::AbsoluteString() const
-{
-    return Widen(mAbsolute);
-}
+std::optional<std::u16string> URL::AbsoluteString() const { return Widen(mAbsolute); }
 
 bool URL::IsEqual(URL const& other) const
 {

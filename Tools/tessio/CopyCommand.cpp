@@ -34,7 +34,8 @@ struct Arguments
 std::atomic<bool> sInterrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
-/// Shows how far a copy has come, once it takes long enough for anyone to wonder, and stops it on an interrupt.
+/// Shows how far a copy has come, once it takes long enough for anyone to wonder, and stops it on an
+/// interrupt.
 class Progress final : public TObject<FILE_SYS::ICopyProgress>
 {
 public:
@@ -43,7 +44,8 @@ public:
         Clock::time_point const now = Clock::now();
         if (mShows && total > 0 && now >= mNext)
         {
-            std::fprintf(stderr, "\r%3d%%  %llu of %llu MiB", static_cast<int>(static_cast<double>(done) * 100 / static_cast<double>(total)),
+            std::fprintf(stderr, "\r%3d%%  %llu of %llu MiB",
+                         static_cast<int>(static_cast<double>(done) * 100 / static_cast<double>(total)),
                          done >> 20, total >> 20);
             mNext = now + std::chrono::milliseconds(100);
             mShown = true;
@@ -98,7 +100,8 @@ std::string TargetOf(Session const& session, Arguments const& arguments)
     return (path / source.filename()).string();
 }
 
-[[noreturn]] void CannotCopy(Arguments const& arguments, IO::IURIFile const& source, std::string const& target)
+[[noreturn]] void CannotCopy(Arguments const& arguments, IO::IURIFile const& source,
+                             std::string const& target)
 {
     std::filesystem::path const from = source.GetURI()->GetPath().ToUTF8();
     std::error_code error;

@@ -21,7 +21,8 @@ constexpr uint64 kNanoseconds = 1'000'000'000;
 [[noreturn]] void NoDate(std::string const& text)
 {
     throw Failure(Exit::kUsage,
-                  Quoted(text) + " is no date: write YYYY-MM-DDTHH:MM:SS[.fraction]Z, or nanoseconds since 1970");
+                  Quoted(text) +
+                      " is no date: write YYYY-MM-DDTHH:MM:SS[.fraction]Z, or nanoseconds since 1970");
 }
 
 /// Takes a run of digits off the text.
@@ -85,8 +86,9 @@ std::string DateText(uint64 date)
     chrono::year_month_day const ymd(day);
     chrono::hh_mm_ss const time(seconds - day);
     return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:09}Z", static_cast<int>(ymd.year()),
-                       static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()), time.hours().count(),
-                       time.minutes().count(), time.seconds().count(), date % kNanoseconds);
+                       static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
+                       time.hours().count(), time.minutes().count(), time.seconds().count(),
+                       date % kNanoseconds);
 }
 
 uint64 DateFromText(std::string const& text)

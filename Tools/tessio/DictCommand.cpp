@@ -49,9 +49,10 @@ IDictionary* AsDictionary(IObject* object)
     return static_cast<IDictionary*>(found);
 }
 
-/// The dictionary that holds the last key of a path. Those on the way are made when `create` is set; otherwise
-/// null when one is missing. Ends the command where the way leads through another value.
-IDictionary* Holder(Session const& session, IDictionary& root, std::vector<unsigned int> const& path, bool create)
+/// The dictionary that holds the last key of a path. Those on the way are made when `create` is set;
+/// otherwise null when one is missing. Ends the command where the way leads through another value.
+IDictionary* Holder(Session const& session, IDictionary& root, std::vector<unsigned int> const& path,
+                    bool create)
 {
     IDictionary* holder = &root;
     std::string way;
@@ -74,10 +75,7 @@ IDictionary* Holder(Session const& session, IDictionary& root, std::vector<unsig
     return holder;
 }
 
-IDictionary& Root(RecordFile const& file)
-{
-    return *AsDictionary(&file.Object());
-}
+IDictionary& Root(RecordFile const& file) { return *AsDictionary(&file.Object()); }
 
 RecordFile Open(Session const& session, Arguments const& arguments, RecordFile::Use use)
 {
@@ -212,14 +210,16 @@ void AddDictCommand(CLI::App& app, Common const& common)
     CLI::App* const set = add("set", "Set a value; makes the file and the dictionaries on the way", &Set);
     set->add_option("KEY", arguments->key, kKeyHelp)->required();
     set->add_option("TYPE", arguments->type, fmt::format("{}", fmt::join(ValueTypes(), " ")))->required();
-    set->add_option("VALUE", arguments->value,
-                    "Numbers in any base (42, 0x2A, 0o52, 0b101010), a {GUID}, bytes in hexadecimal, a file's name, "
-                    "text; none for dict. Write -- before a value that begins with a dash");
+    set->add_option(
+        "VALUE", arguments->value,
+        "Numbers in any base (42, 0x2A, 0o52, 0b101010), a {GUID}, bytes in hexadecimal, a file's name, "
+        "text; none for dict. Write -- before a value that begins with a dash");
     set->add_flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
     CLI::App* const get = add("get", "Print a value", &Get);
     get->add_option("KEY", arguments->key, kKeyHelp)->required();
     get->add_flag("--raw", arguments->raw, "Print bytes or text as they are");
     add("rm", "Remove a value", &Remove)->add_option("KEY", arguments->key, kKeyHelp)->required();
-    add("list", "Print every key, type and value", &List)->add_option("KEY", arguments->key, "A nested dictionary");
+    add("list", "Print every key, type and value", &List)
+        ->add_option("KEY", arguments->key, "A nested dictionary");
 }
 } // namespace TOOL

@@ -43,7 +43,8 @@ std::optional<uint64> Ask(IURIFile const& file, ErrCode (IURIFile::*get)(uint64&
 std::string Permissions(IURIFile const& file)
 {
     std::string text;
-    for (IO::FileAttribute attribute = IO::kAttributeOwnerRead; attribute <= IO::kAttributeOthersExecute; ++attribute)
+    for (IO::FileAttribute attribute = IO::kAttributeOwnerRead; attribute <= IO::kAttributeOthersExecute;
+         ++attribute)
     {
         bool set = false;
         static_cast<void>(file.GetAttribute(attribute, set));
@@ -65,7 +66,9 @@ void StatOne(Session const& session, std::string const& location, Common const& 
     std::string const path = file->GetURI()->GetPath().ToUTF8();
     if (common.json)
     {
-        auto const date = [](std::optional<uint64> const& value) { return value ? Json(DateText(*value)) : Json(nullptr); };
+        auto const date = [](std::optional<uint64> const& value) {
+            return value ? Json(DateText(*value)) : Json(nullptr);
+        };
         all.push_back({{"location", location},
                        {"scheme", file->GetURI()->GetScheme().ToUTF8()},
                        {"path", path},
@@ -78,9 +81,9 @@ void StatOne(Session const& session, std::string const& location, Common const& 
     }
     auto const date = [](std::optional<uint64> const& value) { return value ? DateText(*value) : "unknown"; };
     Print(fmt::format("{}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n  {:<12} {}\n",
-                      Escaped(location), "path", Escaped(path), "size", size ? std::to_string(*size) : "unknown",
-                      "modified", date(modified), "created", date(created), "permissions", Permissions(*file),
-                      "hidden", hidden ? "yes" : "no"));
+                      Escaped(location), "path", Escaped(path), "size",
+                      size ? std::to_string(*size) : "unknown", "modified", date(modified), "created",
+                      date(created), "permissions", Permissions(*file), "hidden", hidden ? "yes" : "no"));
 }
 
 void Stat(Common const& common, Arguments const& arguments)
@@ -122,8 +125,8 @@ void RemoveFiles(Common const& common, Arguments const& arguments)
             NoSuchFile("remove", location);
         std::error_code error;
         bool const isDirectory = std::filesystem::is_directory(file->GetURI()->GetPath().ToUTF8(), error);
-        throw Failure(Exit::kInputOutput,
-                      fmt::format("cannot remove {}: {}", Quoted(location), isDirectory ? "is a directory" : "permission denied"));
+        throw Failure(Exit::kInputOutput, fmt::format("cannot remove {}: {}", Quoted(location),
+                                                      isDirectory ? "is a directory" : "permission denied"));
     }
 }
 

@@ -100,7 +100,8 @@ bool IsName(std::string_view text)
 }
 } // namespace
 
-std::vector<std::pair<std::string, std::string>> ParseAssignments(std::string_view text, std::string const& source)
+std::vector<std::pair<std::string, std::string>> ParseAssignments(std::string_view text,
+                                                                  std::string const& source)
 {
     std::vector<std::pair<std::string, std::string>> assignments;
     int number = 0;

@@ -54,7 +54,8 @@ bool IsForeign(std::string const& location)
 }
 
 TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string const& location,
-                                        ErrCode (IO::IURIFile::*open)(TInterfacePtr<IDataProviderStream>&) const)
+                                        ErrCode (IO::IURIFile::*open)(TInterfacePtr<IDataProviderStream>&)
+                                            const)
 {
     IO::IURIFilePtr const file = FileOf(session, location);
     TInterfacePtr<IDataProviderStream> stream;
@@ -90,7 +91,8 @@ IO::IURIFilePtr FileOf(Session const& session, std::string const& location)
         throw Failure(Exit::kUsage, "cannot open " + Quoted(location) + ": nothing serves the scheme " +
                                         Quoted(uri->GetScheme()));
     if (code != kNoError)
-        throw Failure(Exit::kInputOutput, "cannot open " + Quoted(location) + ": error " + std::to_string(code));
+        throw Failure(Exit::kInputOutput,
+                      "cannot open " + Quoted(location) + ": error " + std::to_string(code));
     return file;
 }
 
@@ -128,7 +130,8 @@ std::vector<unsigned char> ReadWhole(IDataProviderStream& stream, std::string co
     return content;
 }
 
-void ReplaceContent(Session const& session, std::string const& location, std::vector<unsigned char> const& content)
+void ReplaceContent(Session const& session, std::string const& location,
+                    std::vector<unsigned char> const& content)
 {
     auto const file = session.Create<FILE_SYS::IFile>(FILE_SYS::IID_IFILE);
     FILE_SYS::ErrCode status = FILE_SYS::kNotFound;
@@ -152,6 +155,7 @@ void ReplaceContent(Session const& session, std::string const& location, std::ve
         reason = "error " + std::to_string(status);
         break;
     }
-    throw Failure(Exit::kInputOutput, "cannot write " + Quoted(location) + ": " + reason + "; nothing is changed");
+    throw Failure(Exit::kInputOutput,
+                  "cannot write " + Quoted(location) + ": " + reason + "; nothing is changed");
 }
 } // namespace TOOL

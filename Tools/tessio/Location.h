@@ -9,20 +9,23 @@
 
 namespace TOOL
 {
-/// The URI of a location: a URL; an absolute or relative path of this system, every character of it kept; or a
-/// Windows or colon path, unless a file of just that name is there.
+/// The URI of a location: a URL; an absolute or relative path of this system, every character of it kept; or
+/// a Windows or colon path, unless a file of just that name is there.
 KORVA::IO::IURIPtr URIOf(Session const& session, std::string const& location);
 
 /// The file object that serves the location's scheme.
 KORVA::IO::IURIFilePtr FileOf(Session const& session, std::string const& location);
 
 /// Opens the file for reading, or for reading and writing (which locks it against others).
-KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToRead(Session const& session, std::string const& location);
-KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToWrite(Session const& session, std::string const& location);
+KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToRead(Session const& session,
+                                                                std::string const& location);
+KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToWrite(Session const& session,
+                                                                 std::string const& location);
 
 /// Reads a stream's file from the start to the end.
 std::vector<unsigned char> ReadWhole(KORVA::IO::IDataProviderStream& stream, std::string const& location);
 
 /// Makes the bytes the file's whole content, at once and safely.
-void ReplaceContent(Session const& session, std::string const& location, std::vector<unsigned char> const& content);
+void ReplaceContent(Session const& session, std::string const& location,
+                    std::vector<unsigned char> const& content);
 } // namespace TOOL

@@ -64,25 +64,13 @@ void PrintJson(Json document)
     Print(whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
-std::string Escaped(CoreString const& text)
-{
-    return Escape(text, false);
-}
+std::string Escaped(CoreString const& text) { return Escape(text, false); }
 
-std::string Escaped(std::string_view utf8)
-{
-    return Escape(CoreString(utf8), false);
-}
+std::string Escaped(std::string_view utf8) { return Escape(CoreString(utf8), false); }
 
-std::string Quoted(CoreString const& text)
-{
-    return '"' + Escape(text, true) + '"';
-}
+std::string Quoted(CoreString const& text) { return '"' + Escape(text, true) + '"'; }
 
-std::string Quoted(std::string_view utf8)
-{
-    return Quoted(CoreString(utf8));
-}
+std::string Quoted(std::string_view utf8) { return Quoted(CoreString(utf8)); }
 
 CoreString TextArgument(std::string const& argument, std::string const& what)
 {

@@ -18,8 +18,8 @@ void Print(std::string_view text);
 /// One JSON document, with the version of its schema in front.
 void PrintJson(Json document);
 
-/// Text that may come from a file, fit for a terminal: control characters as \n, \t or \u{...}. Malformed text
-/// shows U+FFFD.
+/// Text that may come from a file, fit for a terminal: control characters as \n, \t or \u{...}. Malformed
+/// text shows U+FFFD.
 std::string Escaped(KORVA::STRING::CoreString const& text);
 std::string Escaped(std::string_view utf8);
 

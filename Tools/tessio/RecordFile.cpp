@@ -65,7 +65,8 @@ void RecordFile::Save() const
     ReplaceContent(mSession, mLocation, content);
 }
 
-std::vector<unsigned char> Serialized(Session const& session, IObject const& object, IDataProvider::Endian order)
+std::vector<unsigned char> Serialized(Session const& session, IObject const& object,
+                                      IDataProvider::Endian order)
 {
     auto const memory = session.Create<IDataProvider>(IO::IID_IDATAPROVIDER);
     memory->InitHandleBased(IO::kStreamReadWrite);
@@ -85,7 +86,8 @@ Node Describe(Session const& session, IObject const& object)
 {
     if (!PersistentClass(object))
         return {};
-    return ReadTree(session, Serialized(session, object, IDataProvider::kLittleEndian), IDataProvider::kLittleEndian)
+    return ReadTree(session, Serialized(session, object, IDataProvider::kLittleEndian),
+                    IDataProvider::kLittleEndian)
         .records.front();
 }
 

@@ -11,8 +11,8 @@
 
 namespace TOOL
 {
-/// Loads the first record of a file as an object, and writes it back among the other records, which keep their
-/// bytes. While it is open for editing, others can't open the file for writing.
+/// Loads the first record of a file as an object, and writes it back among the other records, which keep
+/// their bytes. While it is open for editing, others can't open the file for writing.
 class RecordFile
 {
 public:

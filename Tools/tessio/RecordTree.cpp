@@ -54,9 +54,9 @@ struct TagRow
     char const* type;
 };
 
-constexpr TagRow kTags[] = {{"UNNT", "none"},   {"S8VL", "int8"},   {"U8VL", "uint8"},  {"S16V", "int16"},
-                            {"U16V", "uint16"}, {"S32V", "int32"},  {"U32V", "uint32"}, {"S64V", "int64"},
-                            {"U64V", "uint64"}, {"FL32", "float"},  {"FL64", "double"}, {"GUID", "guid"},
+constexpr TagRow kTags[] = {{"UNNT", "none"},   {"S8VL", "int8"},  {"U8VL", "uint8"},  {"S16V", "int16"},
+                            {"U16V", "uint16"}, {"S32V", "int32"}, {"U32V", "uint32"}, {"S64V", "int64"},
+                            {"U64V", "uint64"}, {"FL32", "float"}, {"FL64", "double"}, {"GUID", "guid"},
                             {"CHAR", "bytes"},  {"UNIC", "text"}};
 
 std::string TypeOfTag(uint32 tag)
@@ -129,7 +129,8 @@ private:
     void Need(int64 bytes, int64 end, char const* what) const
     {
         if (end - Position() < bytes)
-            throw Broken{fmt::format("{} at {} needs {} bytes, {} are left", what, Position(), bytes, end - Position())};
+            throw Broken{fmt::format("{} at {} needs {} bytes, {} are left", what, Position(), bytes,
+                                     end - Position())};
     }
 
     template <class Number>
@@ -325,9 +326,11 @@ Json ContentJson(Value const& value)
     if (auto const* const text = std::get_if<std::u16string>(&value.content))
         return CoreString(*text).ToUTF8();
     // Numbers that JSON can't write (infinities, not-a-number), identifiers and bytes stand as text.
-    if (auto const* const number = std::get_if<double>(&value.content); number && std::abs(*number) <= std::numeric_limits<double>::max())
+    if (auto const* const number = std::get_if<double>(&value.content);
+        number && std::abs(*number) <= std::numeric_limits<double>::max())
         return *number;
-    if (auto const* const number = std::get_if<float>(&value.content); number && std::abs(*number) <= std::numeric_limits<float>::max())
+    if (auto const* const number = std::get_if<float>(&value.content);
+        number && std::abs(*number) <= std::numeric_limits<float>::max())
         return static_cast<double>(*number);
     return Shown(value);
 }
@@ -350,7 +353,8 @@ IDataProvider::Endian OrderOf(Session const& session, std::vector<unsigned char>
     return big > little ? IDataProvider::kBigEndian : IDataProvider::kLittleEndian;
 }
 
-RecordTree ReadTree(Session const& session, std::vector<unsigned char> const& content, IDataProvider::Endian order)
+RecordTree ReadTree(Session const& session, std::vector<unsigned char> const& content,
+                    IDataProvider::Endian order)
 {
     RecordTree tree;
     tree.order = order;
@@ -391,7 +395,8 @@ Json ToJson(Node const& node)
     if (node.kind != Node::Kind::kStringEntry)
     {
         json["classId"] = GUIDToText(node.classId);
-        json["class"] = node.kind == Node::Kind::kUnknownClass ? Json(nullptr) : Json(ClassName(node.classId));
+        json["class"] =
+            node.kind == Node::Kind::kUnknownClass ? Json(nullptr) : Json(ClassName(node.classId));
     }
     if (node.kind == Node::Kind::kValue)
     {

@@ -28,10 +28,7 @@ struct Arguments
 };
 
 /// The dictionary in the file. The class was checked when the file was loaded.
-IStringDictionary& Strings(RecordFile const& file)
-{
-    return static_cast<IStringDictionary&>(file.Object());
-}
+IStringDictionary& Strings(RecordFile const& file) { return static_cast<IStringDictionary&>(file.Object()); }
 
 RecordFile Open(Session const& session, Arguments const& arguments, RecordFile::Use use)
 {
@@ -135,7 +132,9 @@ void AddStringsCommand(CLI::App& app, Common const& common)
         command->callback([&common, arguments, run] { run(common, *arguments); });
         return command;
     };
-    auto const addKey = [&](CLI::App* command) { command->add_option("KEY", arguments->key, "The key")->required(); };
+    auto const addKey = [&](CLI::App* command) {
+        command->add_option("KEY", arguments->key, "The key")->required();
+    };
     auto const addOrder = [&](CLI::App* command) {
         command->add_flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
     };
@@ -146,7 +145,8 @@ void AddStringsCommand(CLI::App& app, Common const& common)
     addKey(add("get", "Print the value of a key", &Get));
     addKey(add("rm", "Remove a key", &Remove));
     add("list", "Print every key and value, in order", &List);
-    CLI::App* const import = add("import", "Set every key of a KEY=value text such as /etc/os-release", &Import);
+    CLI::App* const import =
+        add("import", "Set every key of a KEY=value text such as /etc/os-release", &Import);
     import->add_option("SOURCE", arguments->value, "The text; - for standard input")->required();
     addOrder(import);
 }

@@ -42,7 +42,8 @@ std::string Content(Node const& node)
     case Node::Kind::kStrings:
         return fmt::format("{}, {}", ClassName(node.classId), Entries(node));
     case Node::Kind::kValue:
-        return Cut("DictValue " + node.value.type + (node.value.content.index() == 0 ? "" : " " + Shown(node.value)));
+        return Cut("DictValue " + node.value.type +
+                   (node.value.content.index() == 0 ? "" : " " + Shown(node.value)));
     case Node::Kind::kStringEntry:
         return Cut(Quoted(node.text));
     case Node::Kind::kURI:
@@ -101,7 +102,8 @@ void PrintTree(RecordTree const& tree, Common const& common)
 void Run(Common const& common, Arguments const& arguments)
 {
     Session const session(common.verbose);
-    std::vector<unsigned char> const content = ReadWhole(*OpenToRead(session, arguments.file), arguments.file);
+    std::vector<unsigned char> const content =
+        ReadWhole(*OpenToRead(session, arguments.file), arguments.file);
     // Asked for in any case: a file that is none in either order must not be printed as if it were one.
     IDataProvider::Endian order = OrderOf(session, content, arguments.file);
     if (arguments.bigEndian)
@@ -109,8 +111,9 @@ void Run(Common const& common, Arguments const& arguments)
     RecordTree const tree = ReadTree(session, content, order);
     PrintTree(tree, common);
     if (Node const* const node = FirstProblem(tree.records))
-        throw Failure(Exit::kNotARecordFile, fmt::format("{}: the record at offset {} is damaged: {}",
-                                                         Quoted(arguments.file), node->offset, node->problem));
+        throw Failure(Exit::kNotARecordFile,
+                      fmt::format("{}: the record at offset {} is damaged: {}", Quoted(arguments.file),
+                                  node->offset, node->problem));
     if (!tree.problem.empty())
         throw Failure(Exit::kNotARecordFile, fmt::format("{}: {}", Quoted(arguments.file), tree.problem));
 }
@@ -118,10 +121,12 @@ void Run(Common const& common, Arguments const& arguments)
 
 void AddTreeCommand(CLI::App& app, Common const& common)
 {
-    CLI::App* const command = app.add_subcommand("tree", "Show every record of a file with offset and length");
+    CLI::App* const command =
+        app.add_subcommand("tree", "Show every record of a file with offset and length");
     auto const arguments = std::make_shared<Arguments>();
     command->add_option("FILE", arguments->file, "The record file")->required();
-    command->add_flag("--big-endian", arguments->bigEndian, "Take the file as big-endian; found out when not given");
+    command->add_flag("--big-endian", arguments->bigEndian,
+                      "Take the file as big-endian; found out when not given");
     command->callback([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

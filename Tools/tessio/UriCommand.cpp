@@ -57,7 +57,8 @@ void Run(Common const& common, std::vector<std::string> const& locations)
 
 void AddUriCommand(CLI::App& app, Common const& common)
 {
-    CLI::App* const command = app.add_subcommand("uri", "Show the parts of locations: URLs, POSIX, Windows and colon paths");
+    CLI::App* const command =
+        app.add_subcommand("uri", "Show the parts of locations: URLs, POSIX, Windows and colon paths");
     auto const locations = std::make_shared<std::vector<std::string>>();
     command->add_option("LOCATION", *locations, "Anything that names a resource")->required();
     command->callback([&common, locations] { Run(common, *locations); });

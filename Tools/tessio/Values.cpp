@@ -1,7 +1,7 @@
 #include "Values.h"
 
-#include "CoreString/CoreString.h"
 #include "CoreRegistry/CoreRegistry.h"
+#include "CoreString/CoreString.h"
 #include "Failure.h"
 #include "ObjectModel/GUIDText.h"
 #include "Output.h"
@@ -34,7 +34,10 @@ std::optional<uint64> Magnitude(std::string_view text)
     if (text.size() > 2 && text[0] == '0')
     {
         char const mark = text[1];
-        base = mark == 'x' || mark == 'X' ? 16 : mark == 'o' || mark == 'O' ? 8 : mark == 'b' || mark == 'B' ? 2 : 10;
+        base = mark == 'x' || mark == 'X'   ? 16
+               : mark == 'o' || mark == 'O' ? 8
+               : mark == 'b' || mark == 'B' ? 2
+                                            : 10;
         if (base != 10)
             text.remove_prefix(2);
     }
@@ -206,17 +209,15 @@ struct Show
 };
 } // namespace
 
-std::string Shown(Value const& value)
-{
-    return std::visit(Show(), value.content);
-}
+std::string Shown(Value const& value) { return std::visit(Show(), value.content); }
 
 void PutValue(IDictionary& dictionary, unsigned int key, std::string const& type, std::string const& text)
 {
     for (TypeRow const& row : kTypes)
         if (type == row.name)
             return row.put(dictionary, key, type, text);
-    throw Failure(Exit::kUsage, Quoted(type) + " is no type; the types are " + fmt::format("{}", fmt::join(ValueTypes(), " ")));
+    throw Failure(Exit::kUsage, Quoted(type) + " is no type; the types are " +
+                                    fmt::format("{}", fmt::join(ValueTypes(), " ")));
 }
 
 std::vector<std::string> const& ValueTypes()
@@ -230,8 +231,5 @@ std::vector<std::string> const& ValueTypes()
     return sNames;
 }
 
-unsigned int KeyOf(std::string const& text)
-{
-    return Whole<unsigned int>(text, "key");
-}
+unsigned int KeyOf(std::string const& text) { return Whole<unsigned int>(text, "key"); }
 } // namespace TOOL

@@ -14,8 +14,8 @@ namespace TOOL
 /// A plain value of a dictionary.
 struct Value
 {
-    /// int8 uint8 int16 uint16 int32 uint32 int64 uint64 float double guid bytes text, "none" for a value that
-    /// never got one, "unknown" for a tag that nobody knows.
+    /// int8 uint8 int16 uint16 int32 uint32 int64 uint64 float double guid bytes text, "none" for a value
+    /// that never got one, "unknown" for a tag that nobody knows.
     std::string type;
     std::variant<std::monostate, KORVA::int64, KORVA::uint64, float, double, GUID, std::vector<unsigned char>,
                  std::u16string>
@@ -26,10 +26,11 @@ struct Value
 std::string Shown(Value const& value);
 
 /// Puts `text`, read as `type`, under `key`. Numbers in any base (10, 0x1F, 0o17, 0b101, -3), floating-point
-/// numbers in any form of the C language, identifiers in registry form, `bytes` in hexadecimal, `file` the bytes
-/// of the file so named, `text`, `dict` a new empty dictionary (no text). Ends the command when the text does
-/// not fit the type.
-void PutValue(KORVA::IDictionary& dictionary, unsigned int key, std::string const& type, std::string const& text);
+/// numbers in any form of the C language, identifiers in registry form, `bytes` in hexadecimal, `file` the
+/// bytes of the file so named, `text`, `dict` a new empty dictionary (no text). Ends the command when the
+/// text does not fit the type.
+void PutValue(KORVA::IDictionary& dictionary, unsigned int key, std::string const& type,
+              std::string const& text);
 
 /// Every name that `PutValue` takes.
 std::vector<std::string> const& ValueTypes();

@@ -9,8 +9,9 @@ namespace
 {
 using namespace TOOL;
 
-constexpr char kAbout[] = "Reads, writes and names data through the TessIO library.\n"
-                          "Exit codes: 0 done, 1 not found or differs, 2 usage, 3 input/output, 4 not a record file.";
+constexpr char kAbout[] =
+    "Reads, writes and names data through the TessIO library.\n"
+    "Exit codes: 0 done, 1 not found or differs, 2 usage, 3 input/output, 4 not a record file.";
 
 int Report(Exit code, std::string const& message)
 {
@@ -31,7 +32,8 @@ std::string WhyNot(CLI::App const& app, CLI::ParseError const& error)
     if (command->get_require_subcommand_min() == 0)
         return error.what();
     std::string const place = command == &app ? "" : " of " + command->get_name();
-    for (std::string const& argument : command->remaining())
+    // What a command does not know falls through to those above it.
+    for (std::string const& argument : app.remaining(true))
         if (!argument.starts_with('-'))
             return "there is no command " + Quoted(argument) + place;
     return "a command" + place + " is missing";

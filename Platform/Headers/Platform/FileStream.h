@@ -46,8 +46,8 @@ enum class OpenResult
     kFailed
 };
 
-/// Opens an existing file without waiting, neither for a lock nor for a peer, and takes the lock, which is held
-/// until the descriptor is closed. `descriptor` is set on `kOpened` only; the caller owns it.
+/// Opens an existing file without waiting, neither for a lock nor for a peer, and takes the lock, which is
+/// held until the descriptor is closed. `descriptor` is set on `kOpened` only; the caller owns it.
 OpenResult OpenFile(PathString const& path, Access access, Lock lock, int& descriptor);
 
 void CloseFile(int descriptor);

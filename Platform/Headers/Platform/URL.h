@@ -29,8 +29,8 @@ public:
     /// The `file` URL of a POSIX path. Null for an empty path or one that is not well-formed.
     static URLRef FromFilePath(std::u16string_view path, bool isDirectory);
 
-    /// The `file` URL of a colon-separated path, which begins with the name of a volume. Volumes have no names
-    /// in paths on this system, so this is null for any path.
+    /// The `file` URL of a colon-separated path, which begins with the name of a volume. Volumes have no
+    /// names in paths on this system, so this is null for any path.
     static URLRef FromColonPath(std::u16string_view path);
 
     // Parts are absent when the URL has none, or when a part that is decoded can't be.

@@ -11,7 +11,8 @@ constexpr int32 kStep = 1024 * 1024;
 /// One read at `done`; what a provider claims to have delivered beyond the request does not count.
 int32 ReadAt(IDataProvider& provider, GrowingBuffer& buffer, int32 done, int32 count)
 {
-    unsigned char* const address = buffer.Grow(static_cast<std::size_t>(done) + static_cast<std::size_t>(count));
+    unsigned char* const address =
+        buffer.Grow(static_cast<std::size_t>(done) + static_cast<std::size_t>(count));
     int32 delivered = count;
     static_cast<void>(provider.Read(address + done, delivered));
     return std::clamp(delivered, 0, count);

@@ -12,20 +12,23 @@ namespace KORVA::IO
 namespace
 {
 constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/DataProvider";
-constexpr char kInitReadOnlyMem[] = "virtual ErrCode KORVA::IO::DataProvider::InitReadOnlyMem(const void *, int32)";
+constexpr char kInitReadOnlyMem[] =
+    "virtual ErrCode KORVA::IO::DataProvider::InitReadOnlyMem(const void *, int32)";
 
 constexpr LogSite kSiteNullMemory{kSource, kInitReadOnlyMem, 149};
 constexpr LogSite kSiteIllegalSize{kSource, kInitReadOnlyMem, 153};
 constexpr LogSite kSiteInitFailed{
     kSource, "virtual HRESULT KORVA::IO::DataProvider::Init(KORVA::IO::IURI &, KORVA::IO::IReporter *)", 164};
-constexpr LogSite kSiteWrite{kSource, "virtual OperationId KORVA::IO::DataProvider::Write(const void *, size_t)",
-                             180};
-constexpr LogSite kSiteRead{kSource, "virtual OperationId KORVA::IO::DataProvider::Read(void *, int32 &)", 189};
+constexpr LogSite kSiteWrite{kSource,
+                             "virtual OperationId KORVA::IO::DataProvider::Write(const void *, size_t)", 180};
+constexpr LogSite kSiteRead{kSource, "virtual OperationId KORVA::IO::DataProvider::Read(void *, int32 &)",
+                            189};
 constexpr LogSite kSiteSize{kSource, "virtual int64 KORVA::IO::DataProvider::Size() const", 201};
 constexpr LogSite kSiteSetSize{kSource, "virtual ErrCode KORVA::IO::DataProvider::SetSize(int64)", 210};
 constexpr LogSite kSiteSetPosition{
     kSource, "virtual ErrCode KORVA::IO::DataProvider::SetPosition(int64, IDataProvider::Offset)", 220};
-constexpr LogSite kSiteGetPosition{kSource, "virtual int64 KORVA::IO::DataProvider::GetPosition() const", 230};
+constexpr LogSite kSiteGetPosition{kSource, "virtual int64 KORVA::IO::DataProvider::GetPosition() const",
+                                   230};
 
 /// Logs under `site` that there is no provider yet, and answers what the operation then answers.
 ErrCode NotInitialized(LogSite const& site)
@@ -34,13 +37,11 @@ ErrCode NotInitialized(LogSite const& site)
     return kNotInitialized;
 }
 
-IObject* NewNativeDataProvider()
-{
-    return new DataProvider(IDataProvider::kLittleEndian);
-}
+IObject* NewNativeDataProvider() { return new DataProvider(IDataProvider::kLittleEndian); }
 
-class DataProviderFactory final : public TClassFactory<Makes<&NewNativeDataProvider, IID_IDATAPROVIDER>,
-                                                       Makes<&New<DataProviderStream>, IID_DATAPROVIDERSTREAM>>
+class DataProviderFactory final
+    : public TClassFactory<Makes<&NewNativeDataProvider, IID_IDATAPROVIDER>,
+                           Makes<&New<DataProviderStream>, IID_DATAPROVIDERSTREAM>>
 {
 };
 } // namespace
@@ -52,15 +53,9 @@ int RegisterDataProviderFactory(COREREGISTRY::ICoreRegistry* registry)
 
 DataProvider::DataProvider(Endian endian) : mEndian(endian == kNativeEndian ? kLittleEndian : endian) {}
 
-DataProvider::~DataProvider()
-{
-    delete mImpl;
-}
+DataProvider::~DataProvider() { delete mImpl; }
 
-void DataProvider::InitHandleBased(int mode)
-{
-    mImpl = CreateHandleDataProvider(mode);
-}
+void DataProvider::InitHandleBased(int mode) { mImpl = CreateHandleDataProvider(mode); }
 
 ErrCode DataProvider::InitReadOnlyMem(void const* data, int32 size)
 {
@@ -132,35 +127,17 @@ int64 DataProvider::GetPosition() const
     return 0;
 }
 
-IDataProvider::Endian DataProvider::GetEndian() const
-{
-    return mEndian;
-}
+IDataProvider::Endian DataProvider::GetEndian() const { return mEndian; }
 
-bool DataProvider::IsNative() const
-{
-    return mEndian == kLittleEndian;
-}
+bool DataProvider::IsNative() const { return mEndian == kLittleEndian; }
 
-void DataProvider::SetEndian(Endian endian)
-{
-    mEndian = endian;
-}
+void DataProvider::SetEndian(Endian endian) { mEndian = endian; }
 
-bool DataProvider::AtEnd()
-{
-    return GetPosition() >= Size();
-}
+bool DataProvider::AtEnd() { return GetPosition() >= Size(); }
 
-ErrCode DataProvider::Flush()
-{
-    return kNoError;
-}
+ErrCode DataProvider::Flush() { return kNoError; }
 
-bool DataProvider::GetAutoFlush()
-{
-    return true;
-}
+bool DataProvider::GetAutoFlush() { return true; }
 
 void DataProvider::SetAutoFlush(bool) {}
 } // namespace KORVA::IO

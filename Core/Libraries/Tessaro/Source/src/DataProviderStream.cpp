@@ -28,16 +28,10 @@ private:
     std::vector<UniChar> mUnits;
 };
 
-UniChar SwapBytes(UniChar unit)
-{
-    return static_cast<UniChar>((unit << 8) | (unit >> 8));
-}
+UniChar SwapBytes(UniChar unit) { return static_cast<UniChar>((unit << 8) | (unit >> 8)); }
 } // namespace
 
-DataProviderStream::DataProviderStream(IDataProvider& provider)
-{
-    mProvider.Share(&provider);
-}
+DataProviderStream::DataProviderStream(IDataProvider& provider) { mProvider.Share(&provider); }
 
 ErrCode DataProviderStream::Init(IDataProvider& provider)
 {
@@ -46,10 +40,7 @@ ErrCode DataProviderStream::Init(IDataProvider& provider)
     return kNoError;
 }
 
-TInterfacePtr<IDataProvider> DataProviderStream::GetDataProvider() const
-{
-    return mProvider;
-}
+TInterfacePtr<IDataProvider> DataProviderStream::GetDataProvider() const { return mProvider; }
 
 OperationId DataProviderStream::Write(void const* data, int count)
 {
@@ -94,45 +85,21 @@ DataProviderStream& DataProviderStream::ReadNumber(Number& value)
     return *this;
 }
 
-DataProviderStream& DataProviderStream::operator>>(signed char& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(signed char& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(unsigned char& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(unsigned char& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(short& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(short& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(unsigned short& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(unsigned short& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(int& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(int& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(unsigned int& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(unsigned int& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(long long& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(long long& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(unsigned long long& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(unsigned long long& value) { return ReadNumber(value); }
 
 DataProviderStream& DataProviderStream::operator>>(bool& value)
 {
@@ -144,15 +111,9 @@ DataProviderStream& DataProviderStream::operator>>(bool& value)
     return *this;
 }
 
-DataProviderStream& DataProviderStream::operator>>(float& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(float& value) { return ReadNumber(value); }
 
-DataProviderStream& DataProviderStream::operator>>(double& value)
-{
-    return ReadNumber(value);
-}
+DataProviderStream& DataProviderStream::operator>>(double& value) { return ReadNumber(value); }
 
 DataProviderStream& DataProviderStream::operator>>(STRING::CoreString& value)
 {
@@ -185,15 +146,9 @@ DataProviderStream& DataProviderStream::operator>>(GUID& value)
     return *this;
 }
 
-DataProviderStream& DataProviderStream::operator<<(signed char value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(signed char value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(unsigned char value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(unsigned char value) { return WriteNumber(value); }
 
 DataProviderStream& DataProviderStream::operator<<(STRING::CoreString const& value)
 {
@@ -211,45 +166,21 @@ DataProviderStream& DataProviderStream::operator<<(STRING::CoreString const& val
     return *this;
 }
 
-DataProviderStream& DataProviderStream::operator<<(short value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(short value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(unsigned short value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(unsigned short value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(int value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(int value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(unsigned int value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(unsigned int value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(long long value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(long long value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(unsigned long long value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(unsigned long long value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(float value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(float value) { return WriteNumber(value); }
 
-DataProviderStream& DataProviderStream::operator<<(double value)
-{
-    return WriteNumber(value);
-}
+DataProviderStream& DataProviderStream::operator<<(double value) { return WriteNumber(value); }
 
 DataProviderStream& DataProviderStream::operator<<(bool value)
 {

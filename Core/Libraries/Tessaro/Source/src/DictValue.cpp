@@ -28,10 +28,7 @@ uint64 ToInteger(double value)
 }
 
 /// Integers widen with their own sign.
-uint64 Widen(int64 value)
-{
-    return static_cast<uint64>(value);
-}
+uint64 Widen(int64 value) { return static_cast<uint64>(value); }
 
 /// At least one byte, so that an empty buffer still has an address.
 void* Allocate(std::size_t size)
@@ -86,21 +83,23 @@ DictValue::DictValue(short value) : DictValue(ValueTag::kInt16, Widen(value), va
 DictValue::DictValue(unsigned short value) : DictValue(ValueTag::kUInt16, value, value) {}
 DictValue::DictValue(int value) : DictValue(ValueTag::kInt32, Widen(value), value) {}
 DictValue::DictValue(unsigned int value) : DictValue(ValueTag::kUInt32, value, value) {}
-DictValue::DictValue(long long value) : DictValue(ValueTag::kInt64, Widen(value), static_cast<double>(value)) {}
-DictValue::DictValue(unsigned long long value) : DictValue(ValueTag::kUInt64, value, static_cast<double>(value)) {}
-DictValue::DictValue(float value) : DictValue(ValueTag::kFloat, ToInteger(static_cast<double>(value)), static_cast<double>(value)) {}
+DictValue::DictValue(long long value) : DictValue(ValueTag::kInt64, Widen(value), static_cast<double>(value))
+{}
+DictValue::DictValue(unsigned long long value)
+    : DictValue(ValueTag::kUInt64, value, static_cast<double>(value))
+{}
+DictValue::DictValue(float value)
+    : DictValue(ValueTag::kFloat, ToInteger(static_cast<double>(value)), static_cast<double>(value))
+{}
 DictValue::DictValue(double value) : DictValue(ValueTag::kDouble, ToInteger(value), value) {}
-DictValue::DictValue(GUID const& value) : DictValue(ValueTag::kGUID, &value, static_cast<int>(sizeof value)) {}
+DictValue::DictValue(GUID const& value) : DictValue(ValueTag::kGUID, &value, static_cast<int>(sizeof value))
+{}
 DictValue::DictValue(unsigned char const* data, int length) : DictValue(ValueTag::kBytes, data, length) {}
 DictValue::DictValue(UniChar const* data, int count)
     : DictValue(ValueTag::kUnits, data, static_cast<int>(static_cast<uint32>(count) * sizeof(UniChar)))
-{
-}
+{}
 
-DictValue::~DictValue()
-{
-    std::free(mBuffer);
-}
+DictValue::~DictValue() { std::free(mBuffer); }
 
 ErrCode DictValue::QueryInterface(GUID const& iid, IObject** out) const
 {

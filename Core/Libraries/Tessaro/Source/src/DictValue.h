@@ -27,8 +27,8 @@ enum class ValueTag : uint32
     kUnits = 0x554E4943   // UNIC
 };
 
-/// Immutable but for `Read`. A number is kept both as an integer and as a double, so that it can be fetched as
-/// any number type; identifiers and buffers are kept as bytes.
+/// Immutable but for `Read`. A number is kept both as an integer and as a double, so that it can be fetched
+/// as any number type; identifiers and buffers are kept as bytes.
 class DictValue final : public TObject<IObject>
 {
 public:
@@ -66,7 +66,8 @@ private:
     ~DictValue() override;
 
     bool IsNumber() const;
-    /// Replaces the buffer with `length` bytes read from the stream's provider, or with those that were there.
+    /// Replaces the buffer with `length` bytes read from the stream's provider, or with those that were
+    /// there.
     void ReadBuffer(IDataProviderStream& stream, int length);
 
     ValueTag mTag;

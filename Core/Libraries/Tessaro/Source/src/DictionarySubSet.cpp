@@ -11,7 +11,8 @@ namespace KORVA::IO
 namespace
 {
 constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/PersistentDictionary";
-constexpr char kSubSet[] = "virtual bool8 KORVA::IO::PersistentDictionary::SubSet(const KORVA::IDictionary &) const";
+constexpr char kSubSet[] =
+    "virtual bool8 KORVA::IO::PersistentDictionary::SubSet(const KORVA::IDictionary &) const";
 
 constexpr LogSite kSitePersistentObject{kSource, kSubSet, 623};
 constexpr LogSite kSiteArbitraryObject{kSource, kSubSet, 626};

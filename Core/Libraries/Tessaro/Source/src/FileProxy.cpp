@@ -38,10 +38,7 @@ bool HasPermission(uchar const (&permissions)[3], FileAttribute attribute)
 }
 } // namespace
 
-IURIFile* CreateFileProxy()
-{
-    return new FileProxy;
-}
+IURIFile* CreateFileProxy() { return new FileProxy; }
 
 FileProxy::~FileProxy()
 {
@@ -56,10 +53,7 @@ ErrCode FileProxy::Init(IURI& uri, IReporter* reporter)
     return kNoError;
 }
 
-CoreString FileProxy::Path() const
-{
-    return mURI ? mURI->GetPath() : CoreString();
-}
+CoreString FileProxy::Path() const { return mURI ? mURI->GetPath() : CoreString(); }
 
 bool FileProxy::GetIFilePtr(IFilePtr& file) const
 {
@@ -158,10 +152,7 @@ ErrCode FileProxy::Copy(IURIFile const& source)
     return file->CopyTo(Path()) == FILE_SYS::kDone ? kNoError : kCopyFailed;
 }
 
-TInterfacePtr<IURI> FileProxy::GetURI() const
-{
-    return mURI;
-}
+TInterfacePtr<IURI> FileProxy::GetURI() const { return mURI; }
 
 ErrCode FileProxy::Ask(FILE_SYS::ErrCode (IFile::*operation)(uint64&), uint64& value) const
 {
@@ -169,30 +160,15 @@ ErrCode FileProxy::Ask(FILE_SYS::ErrCode (IFile::*operation)(uint64&), uint64& v
     return GetIFilePtr(file) && (file.Get()->*operation)(value) == FILE_SYS::kDone ? kNoError : kFileNotFound;
 }
 
-ErrCode FileProxy::GetModificationDate(uint64& date) const
-{
-    return Ask(&IFile::GetModificationDate, date);
-}
+ErrCode FileProxy::GetModificationDate(uint64& date) const { return Ask(&IFile::GetModificationDate, date); }
 
-ErrCode FileProxy::SetModificationDate(uint64& date)
-{
-    return Ask(&IFile::SetModificationDate, date);
-}
+ErrCode FileProxy::SetModificationDate(uint64& date) { return Ask(&IFile::SetModificationDate, date); }
 
-ErrCode FileProxy::GetCreationDate(uint64& date) const
-{
-    return Ask(&IFile::GetCreationDate, date);
-}
+ErrCode FileProxy::GetCreationDate(uint64& date) const { return Ask(&IFile::GetCreationDate, date); }
 
-ErrCode FileProxy::SetCreationDate(uint64& date)
-{
-    return Ask(&IFile::SetCreationDate, date);
-}
+ErrCode FileProxy::SetCreationDate(uint64& date) { return Ask(&IFile::SetCreationDate, date); }
 
-ErrCode FileProxy::GetSize(uint64& size) const
-{
-    return Ask(&IFile::GetSize, size);
-}
+ErrCode FileProxy::GetSize(uint64& size) const { return Ask(&IFile::GetSize, size); }
 
 ErrCode FileProxy::GetAttribute(FileAttribute attribute, bool& value) const
 {

@@ -28,8 +28,8 @@ public:
     ErrCode SetAttribute(FileAttribute attribute, bool value) override;
     ErrCode GetSize(uint64& size) const override;
 
-    /// Puts a new file object, bound to the URI's path, into `file`, which adopts it; empties `file` when none
-    /// can be created. Whether `file` holds one.
+    /// Puts a new file object, bound to the URI's path, into `file`, which adopts it; empties `file` when
+    /// none can be created. Whether `file` holds one.
     bool GetIFilePtr(FILE_SYS::IFilePtr& file) const;
 
     /// 0 → 0, 15 → 26, 21 → 33, anything else → 35.

@@ -16,8 +16,8 @@ namespace
 constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/DataProviderStream";
 constexpr char kReading[] =
     "virtual KORVA::IO::DataProviderStream &KORVA::IO::DataProviderStream::operator>>(KORVA::IObject **)";
-constexpr char kWriting[] =
-    "virtual KORVA::IO::DataProviderStream &KORVA::IO::DataProviderStream::operator<<(const KORVA::IObject &)";
+constexpr char kWriting[] = "virtual KORVA::IO::DataProviderStream "
+                            "&KORVA::IO::DataProviderStream::operator<<(const KORVA::IObject &)";
 
 constexpr LogSite kSiteSuspectLength{kSource, kReading, 300};
 constexpr LogSite kSiteReadThrew{kSource, kReading, 341};
@@ -83,10 +83,7 @@ void WriteAggregates(IDataProviderStream& stream, IDataProvider& provider, IObje
 
 /// The interfaces that records themselves are read and written through. No writer puts them into a file as
 /// aggregates; taking them from one would put an object of any class in their place.
-bool IsPersistenceId(GUID const& iid)
-{
-    return iid == IPERSISTENT_DATA || iid == IPERSISTENT_DATA_EX;
-}
+bool IsPersistenceId(GUID const& iid) { return iid == IPERSISTENT_DATA || iid == IPERSISTENT_DATA_EX; }
 
 void ReadAggregates(IDataProviderStream& stream, IDataProvider& provider, IObject& object)
 {
@@ -158,7 +155,8 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
     *result = nullptr;
     if (static_cast<uint64>(length) >= kLengthLimit)
     {
-        Log(kSiteSuspectLength, L"serializedLength of this object (", length, L" bytes) looks suspect. Bailing.");
+        Log(kSiteSuspectLength, L"serializedLength of this object (", length,
+            L" bytes) looks suspect. Bailing.");
         return *this;
     }
     int64 const end = mProvider->GetPosition() + length;

@@ -14,8 +14,10 @@ namespace KORVA::IO
 namespace
 {
 constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/PersistentDictionary";
-constexpr char kPutBytes[] = "virtual void KORVA::IO::PersistentDictionary::Put(uint32, const uchar *, int32)";
-constexpr char kPutUnits[] = "virtual void KORVA::IO::PersistentDictionary::Put(uint32, const UniChar *, int32)";
+constexpr char kPutBytes[] =
+    "virtual void KORVA::IO::PersistentDictionary::Put(uint32, const uchar *, int32)";
+constexpr char kPutUnits[] =
+    "virtual void KORVA::IO::PersistentDictionary::Put(uint32, const UniChar *, int32)";
 
 constexpr LogSite kSiteSameValue{
     kSource, "virtual void KORVA::IO::PersistentDictionary::Put(uint32, KORVA::IObject *)", 354};
@@ -54,15 +56,9 @@ int RegisterPersisentDictionaryFactory(COREREGISTRY::ICoreRegistry* registry)
     return COREREGISTRY::RegisterNewFactory<PersisentDictionaryFactory>(registry);
 }
 
-PersistentDictionary::PersistentDictionary()
-{
-    SetupPersistence(*this);
-}
+PersistentDictionary::PersistentDictionary() { SetupPersistence(*this); }
 
-PersistentDictionary::~PersistentDictionary()
-{
-    PersistentDictionary::Clear();
-}
+PersistentDictionary::~PersistentDictionary() { PersistentDictionary::Clear(); }
 
 ErrCode PersistentDictionary::QueryInterface(GUID const& iid, IObject** out) const
 {
@@ -137,60 +133,30 @@ void PersistentDictionary::Wrap(unsigned int key, DictValue* value)
     value->Release();
 }
 
-void PersistentDictionary::Put(unsigned int key, signed char value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, signed char value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, unsigned char value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, unsigned char value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, short value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, short value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, unsigned short value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, unsigned short value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, int value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, int value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, unsigned int value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, unsigned int value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, long long value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, long long value) { Wrap(key, new DictValue(value)); }
 
 void PersistentDictionary::Put(unsigned int key, unsigned long long value)
 {
     Wrap(key, new DictValue(value));
 }
 
-void PersistentDictionary::Put(unsigned int key, float value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, float value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, double value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, double value) { Wrap(key, new DictValue(value)); }
 
-void PersistentDictionary::Put(unsigned int key, GUID value)
-{
-    Wrap(key, new DictValue(value));
-}
+void PersistentDictionary::Put(unsigned int key, GUID value) { Wrap(key, new DictValue(value)); }
 
 void PersistentDictionary::Put(unsigned int key, unsigned char const* data, int length)
 {
@@ -246,45 +212,30 @@ ErrCode PersistentDictionary::Get(unsigned int key, unsigned char& value) const
     return GetInteger(key, value);
 }
 
-ErrCode PersistentDictionary::Get(unsigned int key, short& value) const
-{
-    return GetInteger(key, value);
-}
+ErrCode PersistentDictionary::Get(unsigned int key, short& value) const { return GetInteger(key, value); }
 
 ErrCode PersistentDictionary::Get(unsigned int key, unsigned short& value) const
 {
     return GetInteger(key, value);
 }
 
-ErrCode PersistentDictionary::Get(unsigned int key, int& value) const
-{
-    return GetInteger(key, value);
-}
+ErrCode PersistentDictionary::Get(unsigned int key, int& value) const { return GetInteger(key, value); }
 
 ErrCode PersistentDictionary::Get(unsigned int key, unsigned int& value) const
 {
     return GetInteger(key, value);
 }
 
-ErrCode PersistentDictionary::Get(unsigned int key, long long& value) const
-{
-    return GetInteger(key, value);
-}
+ErrCode PersistentDictionary::Get(unsigned int key, long long& value) const { return GetInteger(key, value); }
 
 ErrCode PersistentDictionary::Get(unsigned int key, unsigned long long& value) const
 {
     return GetInteger(key, value);
 }
 
-ErrCode PersistentDictionary::Get(unsigned int key, float& value) const
-{
-    return GetFloating(key, value);
-}
+ErrCode PersistentDictionary::Get(unsigned int key, float& value) const { return GetFloating(key, value); }
 
-ErrCode PersistentDictionary::Get(unsigned int key, double& value) const
-{
-    return GetFloating(key, value);
-}
+ErrCode PersistentDictionary::Get(unsigned int key, double& value) const { return GetFloating(key, value); }
 
 ErrCode PersistentDictionary::Get(unsigned int key, GUID& value) const
 {
@@ -330,10 +281,7 @@ IObject* PersistentDictionary::Get(unsigned int key) const
     return found == mEntries.end() ? nullptr : found->second;
 }
 
-uint32 PersistentDictionary::Size() const
-{
-    return static_cast<uint32>(mEntries.size());
-}
+uint32 PersistentDictionary::Size() const { return static_cast<uint32>(mEntries.size()); }
 
 void PersistentDictionary::ForEach(IDictionaryFunctor& functor) const
 {

@@ -16,8 +16,8 @@ constexpr char kSetPosition[] =
 
 constexpr LogSite kSiteWrite{
     kSource, "virtual OperationId KORVA::IO::ReadOnlyDataProvider::Write(const void *, size_t)", 45};
-constexpr LogSite kSiteReadNull{kSource,
-                                "virtual OperationId KORVA::IO::ReadOnlyDataProvider::Read(void *, int32 &)", 51};
+constexpr LogSite kSiteReadNull{
+    kSource, "virtual OperationId KORVA::IO::ReadOnlyDataProvider::Read(void *, int32 &)", 51};
 constexpr LogSite kSiteUnknownOrigin{kSource, kSetPosition, 86};
 constexpr LogSite kSiteBeyondFromStart{kSource, kSetPosition, 97};
 constexpr LogSite kSiteBeyondFromEnd{kSource, kSetPosition, 100};
@@ -25,21 +25,14 @@ constexpr LogSite kSiteBeyondFromCurrent{kSource, kSetPosition, 103};
 constexpr LogSite kSiteNegative{kSource, kSetPosition, 109};
 
 /// Sums of what a caller passes may pass the ends of the range; they wrap around and are then refused.
-int64 Plus(int64 a, int64 b)
-{
-    return static_cast<int64>(static_cast<uint64>(a) + static_cast<uint64>(b));
-}
+int64 Plus(int64 a, int64 b) { return static_cast<int64>(static_cast<uint64>(a) + static_cast<uint64>(b)); }
 
-int64 Minus(int64 a, int64 b)
-{
-    return static_cast<int64>(static_cast<uint64>(a) - static_cast<uint64>(b));
-}
+int64 Minus(int64 a, int64 b) { return static_cast<int64>(static_cast<uint64>(a) - static_cast<uint64>(b)); }
 } // namespace
 
 ReadOnlyDataProvider::ReadOnlyDataProvider(void const* data, int32 size)
     : mData(static_cast<unsigned char const*>(data)), mSize(size)
-{
-}
+{}
 
 OperationId ReadOnlyDataProvider::Write(void const*, std::size_t)
 {
@@ -68,10 +61,7 @@ ErrCode ReadOnlyDataProvider::GetSize(int64& size) const
     return kNoError;
 }
 
-ErrCode ReadOnlyDataProvider::SetSize(int64)
-{
-    return kNotAllowed;
-}
+ErrCode ReadOnlyDataProvider::SetSize(int64) { return kNotAllowed; }
 
 ErrCode ReadOnlyDataProvider::SetPosition(int64 offset, IDataProvider::Offset origin)
 {
@@ -104,19 +94,16 @@ ErrCode ReadOnlyDataProvider::SetPosition(int64 offset, IDataProvider::Offset or
     }
     constexpr wchar_t kBeyond[] = L" but this would set the offset beyond the size of the data provider (";
     if (origin == IDataProvider::kFromStart)
-        Log(kSiteBeyondFromStart, L"The offset supplied is ", offset, L" from the start of file", kBeyond, mSize,
-            L").");
+        Log(kSiteBeyondFromStart, L"The offset supplied is ", offset, L" from the start of file", kBeyond,
+            mSize, L").");
     else if (origin == IDataProvider::kFromEnd)
         Log(kSiteBeyondFromEnd, L"The offset supplied is ", offset, L" from the end of file", kBeyond, mSize,
             L").");
     else
-        Log(kSiteBeyondFromCurrent, L"The offset supplied is ", offset, L" from the marker ", mPosition, kBeyond,
-            mSize, L").");
+        Log(kSiteBeyondFromCurrent, L"The offset supplied is ", offset, L" from the marker ", mPosition,
+            kBeyond, mSize, L").");
     return kBadArgument;
 }
 
-int64 ReadOnlyDataProvider::GetPosition() const
-{
-    return mPosition;
-}
+int64 ReadOnlyDataProvider::GetPosition() const { return mPosition; }
 } // namespace KORVA::IO

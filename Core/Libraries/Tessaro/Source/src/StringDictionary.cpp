@@ -10,7 +10,8 @@ namespace
 {
 using STRING::CoreString;
 
-class StringDictionaryFactory final : public TClassFactory<Makes<&New<StringDictionary>, IID_STRING_DICTIONARY>>
+class StringDictionaryFactory final
+    : public TClassFactory<Makes<&New<StringDictionary>, IID_STRING_DICTIONARY>>
 {
 };
 } // namespace
@@ -20,10 +21,7 @@ int RegisterStringDictionaryFactory(COREREGISTRY::ICoreRegistry* registry)
     return COREREGISTRY::RegisterNewFactory<StringDictionaryFactory>(registry);
 }
 
-StringDictionary::StringDictionary()
-{
-    SetupPersistence(*this);
-}
+StringDictionary::StringDictionary() { SetupPersistence(*this); }
 
 void StringDictionary::Put(CoreString const& key, CoreString const& value)
 {
@@ -39,25 +37,13 @@ bool StringDictionary::Get(CoreString const& key, CoreString& value) const
     return true;
 }
 
-bool StringDictionary::Has(CoreString const& key) const
-{
-    return mEntries.find(key) != mEntries.end();
-}
+bool StringDictionary::Has(CoreString const& key) const { return mEntries.find(key) != mEntries.end(); }
 
-void StringDictionary::Remove(CoreString const& key)
-{
-    mEntries.erase(key);
-}
+void StringDictionary::Remove(CoreString const& key) { mEntries.erase(key); }
 
-void StringDictionary::Clear()
-{
-    mEntries.clear();
-}
+void StringDictionary::Clear() { mEntries.clear(); }
 
-uint32 StringDictionary::Size() const
-{
-    return static_cast<uint32>(mEntries.size());
-}
+uint32 StringDictionary::Size() const { return static_cast<uint32>(mEntries.size()); }
 
 void StringDictionary::ForEach(IForEachFunctor& functor) const
 {

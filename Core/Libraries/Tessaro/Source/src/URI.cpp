@@ -39,10 +39,7 @@ int RegisterURIFactory(COREREGISTRY::ICoreRegistry* registry)
     return COREREGISTRY::RegisterNewFactory<URIFactory>(registry);
 }
 
-URI::URI()
-{
-    SetupPersistence(*this);
-}
+URI::URI() { SetupPersistence(*this); }
 
 void URI::Init(CoreString const& location)
 {
@@ -63,20 +60,11 @@ void URI::InitRelative(IURI const& base, CoreString const& relative)
     mURL = PLATFORM::URL::FromString(relative.view(), baseURI->mURL);
 }
 
-CoreString URI::GetScheme() const
-{
-    return mURL ? TextOf(mURL->Scheme()) : CoreString();
-}
+CoreString URI::GetScheme() const { return mURL ? TextOf(mURL->Scheme()) : CoreString(); }
 
-CoreString URI::GetHost() const
-{
-    return mURL ? TextOf(mURL->Host()) : CoreString();
-}
+CoreString URI::GetHost() const { return mURL ? TextOf(mURL->Host()) : CoreString(); }
 
-uint32 URI::GetPortNumber() const
-{
-    return mURL ? static_cast<uint32>(mURL->Port().value_or(0)) : 0;
-}
+uint32 URI::GetPortNumber() const { return mURL ? static_cast<uint32>(mURL->Port().value_or(0)) : 0; }
 
 CoreString URI::GetPath() const
 {
@@ -144,10 +132,7 @@ bool URI::operator==(IURI const& other) const
     return mURL->IsEqual(*otherURI->mURL);
 }
 
-IDataProviderStream& URI::Write(IDataProviderStream& stream) const
-{
-    return stream << GetAbsoluteString();
-}
+IDataProviderStream& URI::Write(IDataProviderStream& stream) const { return stream << GetAbsoluteString(); }
 
 IDataProviderStream& URI::Read(IDataProviderStream& stream)
 {

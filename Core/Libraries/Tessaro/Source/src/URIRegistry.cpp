@@ -21,16 +21,18 @@ namespace
 using STRING::CoreString;
 
 constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/URIRegistry";
-constexpr char kRegister[] = "virtual HRESULT KORVA::IO::URIRegistry::Register(const STRING::CoreString &, REFIID)";
+constexpr char kRegister[] =
+    "virtual HRESULT KORVA::IO::URIRegistry::Register(const STRING::CoreString &, REFIID)";
 constexpr int kNotice = 1;
 constexpr int kInformative = 2;
 
 constexpr LogSite kSiteOtherClass{kSource, kRegister, 46, kNotice, kInformative};
 constexpr LogSite kSiteUntranslatable{kSource, kRegister, 50, kNotice, kInformative};
-constexpr LogSite kSiteCreateFailed{kSource,
-                                    "virtual HRESULT KORVA::IO::URIRegistry::Create(KORVA::IO::IURI &, IURIFilePtr "
-                                    "&, KORVA::IO::IReporter *)",
-                                    75};
+constexpr LogSite kSiteCreateFailed{
+    kSource,
+    "virtual HRESULT KORVA::IO::URIRegistry::Create(KORVA::IO::IURI &, IURIFilePtr "
+    "&, KORVA::IO::IReporter *)",
+    75};
 
 class URIRegistryFactory final : public TClassFactory<Makes<&New<URIRegistry>, IID_URI_REGISTRY>>
 {
@@ -85,7 +87,8 @@ HRESULT URIRegistry::Register(CoreString const& scheme, REFIID classId)
     if (name.empty())
         Log(kSiteUntranslatable, L"There is already an untranslatable  URI scheme registered.");
     else if (!(entry->second == classId))
-        Log(kSiteOtherClass, L"There is already a URI scheme for \"", name, L"\" registered with a different UID");
+        Log(kSiteOtherClass, L"There is already a URI scheme for \"", name,
+            L"\" registered with a different UID");
     return kNoError;
 }
 

@@ -8,10 +8,7 @@ namespace KORVA::IO
 {
 namespace
 {
-IObject* NewFileProxy()
-{
-    return CreateFileProxy();
-}
+IObject* NewFileProxy() { return CreateFileProxy(); }
 
 class URISchemeFactory final : public TClassFactory<Makes<&NewFileProxy, IID_FILEPROXY>>
 {

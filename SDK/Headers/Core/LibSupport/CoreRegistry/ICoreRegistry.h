@@ -16,11 +16,11 @@ class [[gnu::visibility("default")]] ICoreRegistry : public IClassFactory
 public:
     /// Shares `factory` and asks it from now on. Result 0, also when it is registered already (it stays
     /// registered once); -50 for null.
-    virtual int RegisterFactory(IClassFactory* factory) = 0;
+    virtual int RegisterFactory(IClassFactory * factory) = 0;
 
     /// Releases `factory` and asks it no more; the classes of other factories are not touched.
     /// Result 0; -1004 when it is not registered; -50 for null.
-    virtual int UnregisterFactory(IClassFactory* factory) = 0;
+    virtual int UnregisterFactory(IClassFactory * factory) = 0;
 };
 
 /// Creates a factory, registers it and drops the creating reference. The registry's result.

@@ -41,10 +41,10 @@ public:
     virtual bool Exists() = 0;
 
     /// Sets `flag` to 1 for a hidden file (one whose name begins with a dot), else to 0.
-    virtual ErrCode QueryFlag(uchar& flag) = 0;
+    virtual ErrCode QueryFlag(uchar & flag) = 0;
 
     /// Owner, group and others, each read 4, write 2, execute 1. Unchanged on failure.
-    virtual ErrCode ReadPermissions(uchar (&permissions)[3]) = 0;
+    virtual ErrCode ReadPermissions(uchar(&permissions)[3]) = 0;
 
     /// Makes an empty file. 9 when it is there already, 15 when its directory is not.
     virtual ErrCode Create() = 0;
@@ -54,12 +54,12 @@ public:
 
     /// Each getter leaves its argument unchanged on failure. The creation date is there only where the file
     /// system keeps one; a date before 1970 is a failure.
-    virtual ErrCode GetSize(uint64& size) = 0;
-    virtual ErrCode GetModificationDate(uint64& date) = 0;
-    virtual ErrCode SetModificationDate(uint64& date) = 0;
-    virtual ErrCode GetCreationDate(uint64& date) = 0;
+    virtual ErrCode GetSize(uint64 & size) = 0;
+    virtual ErrCode GetModificationDate(uint64 & date) = 0;
+    virtual ErrCode SetModificationDate(uint64 & date) = 0;
+    virtual ErrCode GetCreationDate(uint64 & date) = 0;
     /// Always a failure: no interface of this system sets a creation date.
-    virtual ErrCode SetCreationDate(uint64& date) = 0;
+    virtual ErrCode SetCreationDate(uint64 & date) = 0;
 
     /// Copies content, permissions and modification date to `target`, replacing a file of that name at once
     /// and whole: a failure or a crash leaves the old one. A symbolic link at `target` is followed. Copying

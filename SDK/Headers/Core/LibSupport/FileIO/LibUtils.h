@@ -9,13 +9,15 @@ namespace KORVA::FILE_SYS
 {
 inline constexpr LogSite kSiteCreateSystemFileNoFactory{
     "../../../../SDK/Headers/Core/LibSupport/FileIO/LibUtils",
-    "ErrCode KORVA::FILE_SYS::CreateSystemFile(KORVA::IClassFactory *, IFilePtr &, const STRING::CoreString &)",
+    "ErrCode KORVA::FILE_SYS::CreateSystemFile(KORVA::IClassFactory *, IFilePtr &, const STRING::CoreString "
+    "&)",
     147};
 
 /// Creates a file object through `factory` and binds it to `path`.
 /// Result 0 and the object in `file`, which adopts it (releasing what it held), also when the path could
 /// not be bound; 1 and `file` unchanged when `factory` is null (logged) or creates nothing.
-inline ErrCode CreateSystemFile(IClassFactory* factory, TInterfacePtr<IFile>& file, STRING::CoreString const& path)
+inline ErrCode CreateSystemFile(IClassFactory* factory, TInterfacePtr<IFile>& file,
+                                STRING::CoreString const& path)
 {
     if (!factory)
     {

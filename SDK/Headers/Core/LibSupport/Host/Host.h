@@ -22,9 +22,10 @@ public:
     };
 
     /// Installs a registry, loads the file-system companion and the library and initialises them. The caller
-    /// owns the host; null and the reason in `error` when something can't be loaded or a host is there already.
+    /// owns the host; null and the reason in `error` when something can't be loaded or a host is there
+    /// already.
     static std::unique_ptr<Host> Boot(Options const& options, std::string& error);
-    static std::unique_ptr<Host> Boot(std::string& error) { return Boot(Options(), error); }
+    static std::unique_ptr<Host> Boot(std::string & error) { return Boot(Options(), error); }
 
     /// Shuts down plug-ins in reverse order, then the library and the companions, and clears the registry.
     /// Code stays loaded, so that objects that are still held can be released afterwards.

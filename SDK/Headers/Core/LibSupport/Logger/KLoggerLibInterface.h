@@ -40,7 +40,7 @@ public:
     static KLoggerLibInterface* InitInstance(wchar_t const* logFileName);
 
     /// Installs a sink, borrowed until the next call; null removes it. Gives the sink installed before.
-    static KLogSink* InstallSink(KLogSink* sink);
+    static KLogSink* InstallSink(KLogSink * sink);
 
     /// Logs one message. Types: 1 notice, 2 failure. Levels: 1 normal, 2 informative.
     virtual void KLogMessage(int logType, char const* sourcePath, char const* functionSignature, int line,

@@ -22,15 +22,9 @@ struct LogSite
 
 namespace LOGGING
 {
-inline void Append(std::wstring& message, wchar_t const* text)
-{
-    message += text;
-}
+inline void Append(std::wstring& message, wchar_t const* text) { message += text; }
 
-inline void Append(std::wstring& message, STRING::CoreString const& text)
-{
-    message += text.ToWide();
-}
+inline void Append(std::wstring& message, STRING::CoreString const& text) { message += text.ToWide(); }
 
 /// Plain decimal, whatever the process's locale.
 template <std::integral Number>

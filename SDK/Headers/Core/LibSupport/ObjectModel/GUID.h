@@ -28,10 +28,7 @@ constexpr std::array<std::uint32_t, 4> GUIDWords(GUID const& id)
 }
 } // namespace KORVA
 
-constexpr bool operator==(GUID const& a, GUID const& b)
-{
-    return KORVA::GUIDWords(a) == KORVA::GUIDWords(b);
-}
+constexpr bool operator==(GUID const& a, GUID const& b) { return KORVA::GUIDWords(a) == KORVA::GUIDWords(b); }
 
 /// Orders identifiers by their four host-order words, the first unequal word deciding. On a little-endian
 /// host this is neither the order of the bytes nor that of the registry text: `Data3` weighs more than

@@ -64,7 +64,9 @@ inline std::optional<GUID> GUIDFromText(std::string_view text)
         bytes[digits / 2] = static_cast<std::uint8_t>((bytes[digits / 2] << 4) | value);
         ++digits;
     }
-    auto word = [&bytes](std::size_t at) { return static_cast<std::uint16_t>((bytes[at] << 8) | bytes[at + 1]); };
+    auto word = [&bytes](std::size_t at) {
+        return static_cast<std::uint16_t>((bytes[at] << 8) | bytes[at + 1]);
+    };
     GUID id{(static_cast<std::uint32_t>(word(0)) << 16) | word(2), word(4), word(6), {}};
     for (std::size_t i = 0; i < 8; ++i)
         id.Data4[i] = bytes[8 + i];

@@ -33,7 +33,7 @@ public:
     /// Shares `object` and makes it answer `iid`, replacing (and releasing) another object known under that
     /// id. Null, or the object already known there, changes nothing. Not thread-safe: set up aggregates
     /// before an object is shared between threads.
-    virtual void Aggregate(IObject* object, GUID iid) = 0;
+    virtual void Aggregate(IObject * object, GUID iid) = 0;
 
     /// Releases and forgets the object known under `iid`, if any.
     virtual void UnAggregate(GUID const& iid) = 0;

@@ -12,10 +12,10 @@
 
 namespace KORVA::IO
 {
-/// Names a local file by its path, made absolute against the working directory. Unlike `IURI::Init` this keeps
-/// every character as it is (`?`, `;`, `:`, `%`, decomposed letters), so that the URI's path is that file.
-/// 0 and the URI in `uri`, which adopts it (releasing what it held); 12 when `factory` is null or creates
-/// nothing; 13 when the path is empty or not valid UTF-8. `uri` is unchanged on failure.
+/// Names a local file by its path, made absolute against the working directory. Unlike `IURI::Init` this
+/// keeps every character as it is (`?`, `;`, `:`, `%`, decomposed letters), so that the URI's path is that
+/// file. 0 and the URI in `uri`, which adopts it (releasing what it held); 12 when `factory` is null or
+/// creates nothing; 13 when the path is empty or not valid UTF-8. `uri` is unchanged on failure.
 inline ErrCode CreateFileURI(IClassFactory* factory, IURIPtr& uri, std::filesystem::path const& path)
 {
     std::error_code error;
@@ -35,8 +35,8 @@ inline ErrCode CreateFileURI(IClassFactory* factory, IURIPtr& uri, std::filesyst
     std::string url = "file://";
     for (char const c : text)
     {
-        bool const plain = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '/' ||
-                           c == '-' || c == '.' || c == '_' || c == '~';
+        bool const plain = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+                           c == '/' || c == '-' || c == '.' || c == '_' || c == '~';
         auto const byte = static_cast<unsigned char>(c);
         if (plain)
             url += c;

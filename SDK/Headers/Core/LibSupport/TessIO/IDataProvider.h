@@ -63,7 +63,7 @@ public:
     /// a descriptor that makes no stream; 36 the system refuses (mode 2: also when the check fails, a
     /// missing file included); 40 mode 2 and somebody holds a lock; 1 no file-system library.
     /// On success the provider answers `IID_IURI` and `FILE_SYS::IID_IFILE`.
-    virtual ErrCode InitURIBased(IURI& uri, int mode, IReporter* reporter) = 0;
+    virtual ErrCode InitURIBased(IURI & uri, int mode, IReporter* reporter) = 0;
 
     /// Writes `count` bytes at the position and advances it. 0; 13 null data; 30 the mode or kind forbids it;
     /// 27 memory could not grow; 29 not initialised. A file opened for reading only (modes 0 and 3) must not

@@ -24,7 +24,7 @@ class [[gnu::visibility("default")]] IDataProviderStream : public IObject
 public:
     /// Releases the provider held, then shares `provider`: re-initialising with a provider that only the
     /// stream keeps alive destroys it. Always 0.
-    virtual ErrCode Init(IDataProvider& provider) = 0;
+    virtual ErrCode Init(IDataProvider & provider) = 0;
     /// The provider, with a reference of its own; empty when there is none.
     virtual TInterfacePtr<IDataProvider> GetDataProvider() const = 0;
 

@@ -24,7 +24,7 @@ public:
 
     /// Copies the entries to `target`, sharing the values. An empty pointer gets a new dictionary; one that
     /// holds a dictionary has it cleared first, and filled only when it is of this class. Always 0.
-    virtual ErrCode Clone(TInterfacePtr<IDictionary>& target) const = 0;
+    virtual ErrCode Clone(TInterfacePtr<IDictionary> & target) const = 0;
     virtual void Clear() = 0;
     virtual void Remove(unsigned int key) = 0;
 
@@ -77,6 +77,6 @@ public:
     /// Entries that are no plain values are logged and pass. A value read with no type never is equal.
     virtual bool8 SubSet(IDictionary const& other) const = 0;
     /// Calls the functor with each entry in ascending key order until it answers true.
-    virtual void ForEach(IDictionaryFunctor& functor) const = 0;
+    virtual void ForEach(IDictionaryFunctor & functor) const = 0;
 };
 } // namespace KORVA

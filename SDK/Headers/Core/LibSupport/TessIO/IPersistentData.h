@@ -15,9 +15,9 @@ public:
     virtual IObject* GetObj() const = 0;
     /// Reads the body of a record. It need not end exactly at the record's end; the stream sees to that.
     /// An exception makes the stream drop the object and skip the record.
-    virtual IDataProviderStream& Read(IDataProviderStream& stream) = 0;
+    virtual IDataProviderStream& Read(IDataProviderStream & stream) = 0;
     /// Writes the body of a record.
-    virtual IDataProviderStream& Write(IDataProviderStream& stream) const = 0;
+    virtual IDataProviderStream& Write(IDataProviderStream & stream) const = 0;
     /// The class id under which the object is written, and by which the registry creates it again.
     virtual GUID const& GetUID() const = 0;
 };
@@ -27,6 +27,6 @@ public:
 class [[gnu::visibility("default")]] IPersistentDataEx : public IPersistentData
 {
 public:
-    virtual GUID GetUIDFor(IDataProviderStream& stream) = 0;
+    virtual GUID GetUIDFor(IDataProviderStream & stream) = 0;
 };
 } // namespace KORVA::IO

@@ -12,6 +12,6 @@ class [[gnu::visibility("default")]] IReporter : public IObject
 public:
     /// A read of the resource `uri` (borrowed) ended with `result`; `detail` is 13 for a null buffer, 0 when
     /// there was no data. Called on the reading thread.
-    virtual void Report(IURI* uri, OperationId result, ErrCode detail) = 0;
+    virtual void Report(IURI * uri, OperationId result, ErrCode detail) = 0;
 };
 } // namespace KORVA::IO

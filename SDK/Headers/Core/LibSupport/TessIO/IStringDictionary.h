@@ -28,6 +28,6 @@ public:
     virtual void Clear() = 0;
     virtual uint32 Size() const = 0;
     /// Calls the functor with each entry in ascending key order.
-    virtual void ForEach(IForEachFunctor& functor) const = 0;
+    virtual void ForEach(IForEachFunctor & functor) const = 0;
 };
 } // namespace KORVA

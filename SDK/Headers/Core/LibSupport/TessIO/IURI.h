@@ -37,7 +37,7 @@ public:
     /// The whole resolved text, unescaped; empty for a class that has none.
     virtual STRING::CoreString GetAbsoluteString() const = 0;
     /// The last component of the path, with `/` for each `:`. A trailing separator of the path stays.
-    virtual void GetName(STRING::CoreString& name) const = 0;
+    virtual void GetName(STRING::CoreString & name) const = 0;
     /// Same class, same URL text and same base. Case and escapes matter.
     virtual bool operator==(IURI const& other) const = 0;
 };

@@ -9,6 +9,6 @@ class [[gnu::visibility("default")]] IURIDataProvider : public IDataProvider
 {
 public:
     /// Opens the resource for reading. 0, or -1000 (logged) whatever the cause.
-    virtual HRESULT Init(IURI& uri, IReporter* reporter) = 0;
+    virtual HRESULT Init(IURI & uri, IReporter * reporter) = 0;
 };
 } // namespace KORVA::IO

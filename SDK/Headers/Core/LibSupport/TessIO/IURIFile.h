@@ -28,13 +28,13 @@ class [[gnu::visibility("default")]] IURIFile : public IObject
 {
 public:
     /// Shares both (the reporter may be null) and releases what was held. Always 0.
-    virtual ErrCode Init(IURI& uri, IReporter* reporter) = 0;
+    virtual ErrCode Init(IURI & uri, IReporter * reporter) = 0;
 
     /// Opens a stream for reading (mode 0) or for reading and writing (mode 2) on the existing file;
     /// `stream` adopts it. 0; 12 nothing could be created; 13 no URI; else the code of
     /// `IDataProvider::InitURIBased`.
-    virtual ErrCode Read(TInterfacePtr<IDataProviderStream>& stream) const = 0;
-    virtual ErrCode Write(TInterfacePtr<IDataProviderStream>& stream) const = 0;
+    virtual ErrCode Read(TInterfacePtr<IDataProviderStream> & stream) const = 0;
+    virtual ErrCode Write(TInterfacePtr<IDataProviderStream> & stream) const = 0;
 
     virtual bool Exists() const = 0;
     /// Makes an empty file. 0, also when it is there already; 12 no file-system library; 13 no usable path;
@@ -48,10 +48,10 @@ public:
     virtual TInterfacePtr<IURI> GetURI() const = 0;
 
     /// 0 or 26.
-    virtual ErrCode GetModificationDate(uint64& date) const = 0;
-    virtual ErrCode SetModificationDate(uint64& date) = 0;
-    virtual ErrCode GetCreationDate(uint64& date) const = 0;
-    virtual ErrCode SetCreationDate(uint64& date) = 0;
+    virtual ErrCode GetModificationDate(uint64 & date) const = 0;
+    virtual ErrCode SetModificationDate(uint64 & date) = 0;
+    virtual ErrCode GetCreationDate(uint64 & date) const = 0;
+    virtual ErrCode SetCreationDate(uint64 & date) = 0;
 
     /// 0; 26 no such file; 32 (logged) no such attribute.
     virtual ErrCode GetAttribute(FileAttribute attribute, bool& value) const = 0;
@@ -60,7 +60,7 @@ public:
     virtual ErrCode SetAttribute(FileAttribute attribute, bool value) = 0;
 
     /// 0 or 26.
-    virtual ErrCode GetSize(uint64& size) const = 0;
+    virtual ErrCode GetSize(uint64 & size) const = 0;
 };
 
 using IURIFilePtr = TInterfacePtr<IURIFile>;

@@ -34,10 +34,7 @@ bool MayWrite(StreamMode mode)
     return mode == kStreamWrite || mode == kStreamReadWrite || mode == kStreamMode3;
 }
 
-bool MayRead(StreamMode mode)
-{
-    return mode == kStreamRead || mode == kStreamReadWrite;
-}
+bool MayRead(StreamMode mode) { return mode == kStreamRead || mode == kStreamReadWrite; }
 
 ErrCode OutOfRange(LogSite const& site, int64 target, uint32 capacity)
 {
@@ -46,20 +43,13 @@ ErrCode OutOfRange(LogSite const& site, int64 target, uint32 capacity)
 }
 } // namespace
 
-DataProviderImpl* CreateHandleDataProvider(int mode)
-{
-    return new HandleDataProvider(mode);
-}
+DataProviderImpl* CreateHandleDataProvider(int mode) { return new HandleDataProvider(mode); }
 
 HandleDataProvider::HandleDataProvider(int mode)
     : mHandle(PLATFORM::NewHandle(kGrowth)), mMode(mode), mCapacity(kGrowth)
-{
-}
+{}
 
-HandleDataProvider::~HandleDataProvider()
-{
-    PLATFORM::DisposeHandle(mHandle);
-}
+HandleDataProvider::~HandleDataProvider() { PLATFORM::DisposeHandle(mHandle); }
 
 OperationId HandleDataProvider::Write(void const* data, std::size_t count)
 {
@@ -165,8 +155,5 @@ ErrCode HandleDataProvider::SetPosition(int64 offset, IDataProvider::Offset orig
     return kNoError;
 }
 
-int64 HandleDataProvider::GetPosition() const
-{
-    return mPosition;
-}
+int64 HandleDataProvider::GetPosition() const { return mPosition; }
 } // namespace KORVA::IO

@@ -28,8 +28,8 @@ constexpr LogSite kSiteOpenFailed{kSource, kOpenFile, 367};
 constexpr LogSite kSiteNoPath{kSource, kOpenFile, 373};
 constexpr LogSite kSiteWriteNull{
     kSource, "virtual OperationId KORVA::IO::FileDataProvider::Write(const void *, size_t)", 440};
-constexpr LogSite kSiteReadNull{kSource, "virtual OperationId KORVA::IO::FileDataProvider::Read(void *, int32 &)",
-                                480};
+constexpr LogSite kSiteReadNull{
+    kSource, "virtual OperationId KORVA::IO::FileDataProvider::Read(void *, int32 &)", 480};
 
 /// What `fwrite` would have to answer for the write to count as failed.
 constexpr std::size_t kWriteError = std::numeric_limits<std::size_t>::max();
@@ -70,10 +70,7 @@ ErrCode CreateFileBasedDataProvider(IURI& uri, int mode, IDataProvider* outer, D
     return code;
 }
 
-FileDataProvider::FileDataProvider(IReporter* reporter)
-{
-    mReporter.Share(reporter);
-}
+FileDataProvider::FileDataProvider(IReporter* reporter) { mReporter.Share(reporter); }
 
 FileDataProvider::~FileDataProvider()
 {
@@ -88,7 +85,8 @@ ErrCode FileDataProvider::Init(IURI& uri, StreamMode mode, IDataProvider* outer)
 {
     mURI.Share(&uri);
     FILE_SYS::IFilePtr file;
-    ErrCode const created = FILE_SYS::CreateSystemFile(COREREGISTRY::GetCoreRegistry(), file, mURI->GetPath());
+    ErrCode const created =
+        FILE_SYS::CreateSystemFile(COREREGISTRY::GetCoreRegistry(), file, mURI->GetPath());
     if (created != kNoError)
     {
         Log(kSiteCreateFailed, L"CreateSystemFile failed. Error = ", created);
@@ -222,8 +220,5 @@ ErrCode FileDataProvider::SetPosition(int64 offset, IDataProvider::Offset from)
     return kNoError;
 }
 
-int64 FileDataProvider::GetPosition() const
-{
-    return PLATFORM::Tell(mFile);
-}
+int64 FileDataProvider::GetPosition() const { return PLATFORM::Tell(mFile); }
 } // namespace KORVA::IO

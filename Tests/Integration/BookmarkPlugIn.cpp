@@ -1,0 +1,57 @@
+// A plug-in with one persistent class, for the tests of plug-ins.
+#include "CoreRegistry/ICoreRegistry.h"
+#include "CoreString/CoreString.h"
+#include "Integration/IBookmark.h"
+#include "ObjectModel/ClassFactory.h"
+#include "TessIO/IDataProviderStream.h"
+#include "TessIO/PersistentData.h"
+
+namespace
+{
+using namespace KORVA;
+using TESTS::IBookmark;
+using TESTS::IID_BOOKMARK;
+
+class Bookmark final : public TObject<IBookmark>
+{
+public:
+    Bookmark() { IO::SetupPersistence(*this); }
+
+    void Set(STRING::CoreString const& title, int32 page) override
+    {
+        mTitle = title;
+        mPage = page;
+    }
+    STRING::CoreString Title() const override { return mTitle; }
+    int32 Page() const override { return mPage; }
+
+    static GUID const& GetClassId() { return IID_BOOKMARK; }
+    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream) { return stream >> mTitle >> mPage; }
+    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const
+    {
+        return stream << mTitle << mPage;
+    }
+
+private:
+    STRING::CoreString mTitle;
+    int32 mPage = 0;
+};
+
+using BookmarkFactory = TClassFactory<Makes<&New<Bookmark>, IID_BOOKMARK>>;
+
+IClassFactory* sFactory = nullptr;
+} // namespace
+
+extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+{
+    sFactory = new BookmarkFactory;
+    return registry->RegisterFactory(sFactory);
+}
+
+extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+{
+    int const result = registry->UnregisterFactory(sFactory);
+    sFactory->Release();
+    sFactory = nullptr;
+    return result;
+}

@@ -1,0 +1,20 @@
+// Running programs and looking at what they say.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace KORVA::TESTS
+{
+struct Outcome
+{
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+/// Runs a program with exactly these arguments and waits for it. `input` is its standard input; `directory`
+/// its working directory.
+Outcome Run(std::vector<std::string> const& command, std::string const& directory,
+            std::string const& input = {});
+} // namespace KORVA::TESTS
