@@ -18,7 +18,7 @@ namespace KORVA::FILE_SYS
 namespace
 {
 /// Small enough to hear of progress, large enough not to count.
-constexpr std::size_t kPiece = 8 * 1024 * 1024;
+constexpr std::size_t kPiece = std::size_t{8} << 20;
 
 /// Moves up to `count` bytes between the descriptors' positions without passing them through user memory.
 /// Pairs of file systems that can't share blocks are served by the page cache.

@@ -28,7 +28,7 @@ std::string ToUTF8(wchar_t const* text)
     std::string utf8;
     for (; *text; ++text)
     {
-        auto c = static_cast<unsigned long>(*text);
+        auto c = static_cast<char32_t>(*text);
         if (c > 0x10FFFF || (c >= 0xD800 && c < 0xE000))
             c = 0xFFFD;
         // A message is one line of the log, whatever is in it.

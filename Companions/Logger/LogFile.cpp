@@ -15,7 +15,7 @@ namespace KORVA
 {
 namespace
 {
-constexpr std::size_t kMaxFileSize = 1024 * 1024;
+constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;
 constexpr std::size_t kOldFiles = 3;
 constexpr std::size_t kMaxQueued = 4096;
 constexpr std::chrono::milliseconds kPatience{500};

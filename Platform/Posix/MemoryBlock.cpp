@@ -21,7 +21,7 @@ struct MemoryBlock
 namespace
 {
 /// What the allocator serves; larger blocks have pages of their own.
-constexpr std::size_t kMapFrom = 64 * 1024;
+constexpr std::size_t kMapFrom = std::size_t{64} << 10;
 constexpr std::int16_t kMemFull = -108;
 
 thread_local std::int16_t sError = 0;

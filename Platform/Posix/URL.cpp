@@ -299,7 +299,7 @@ URLRef URL::FromString(std::u16string_view wide, URLRef const& base)
     Parts const own = Split(text);
 
     URL* const url = new URL;
-    URLRef const result(url);
+    URLRef result(url);
     // What does not begin with a letter is a scheme, but not one that makes the text absolute.
     bool const isAbsolute = own.scheme && !own.scheme->empty() && IsLetter(own.scheme->front());
     url->Take(text, own);
@@ -339,7 +339,7 @@ URLRef URL::FromFilePath(std::u16string_view path, bool isDirectory)
         return {};
     string const text = "file://" + *escaped;
     URL* const url = new URL;
-    URLRef const result(url);
+    URLRef result(url);
     url->Take(text, Split(text));
     url->mNamesDirectory = isDirectory;
     return result;

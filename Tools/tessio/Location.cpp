@@ -18,7 +18,7 @@ using namespace KORVA;
 using IO::IDataProvider;
 using IO::IDataProviderStream;
 
-constexpr std::size_t kPiece = 1024 * 1024;
+constexpr std::size_t kPiece = std::size_t{1} << 20;
 
 bool IsForeign(std::string const& location)
 {

@@ -57,7 +57,7 @@ void Print(std::string_view text)
                       std::string("cannot write to standard output: ") + std::strerror(errno));
 }
 
-void PrintJson(Json document)
+void PrintJson(Json const& document)
 {
     Json whole = {{"schema", kSchema}};
     whole.update(document);

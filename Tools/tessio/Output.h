@@ -16,7 +16,7 @@ using Json = nlohmann::ordered_json;
 void Print(std::string_view text);
 
 /// One JSON document, with the version of its schema in front.
-void PrintJson(Json document);
+void PrintJson(Json const& document);
 
 /// Text that may come from a file, fit for a terminal: control characters as \n, \t or \u{...}. Malformed
 /// text shows U+FFFD.

@@ -90,7 +90,7 @@ void PrintTree(RecordTree const& tree, Common const& common)
         Json document = {{"order", order}, {"records", records}};
         if (!tree.problem.empty())
             document["problem"] = {{"offset", tree.end}, {"what", tree.problem}};
-        PrintJson(std::move(document));
+        PrintJson(document);
         return;
     }
     std::string text = fmt::format("{:>8} {:>8}  {}\n", "offset", "length", order);

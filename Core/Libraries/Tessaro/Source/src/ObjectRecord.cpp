@@ -111,9 +111,9 @@ DataProviderStream& DataProviderStream::operator<<(IObject const& object)
     IObject* found = nullptr;
     IPersistentDataEx* extended = nullptr;
     IPersistentData* persistence = nullptr;
-    if (object.QueryInterface(IPERSISTENT_DATA_EX, &found) == kNoError)
+    if (object.QueryInterface(IPERSISTENT_DATA_EX, &found) == kNoError && found)
         persistence = extended = static_cast<IPersistentDataEx*>(found);
-    else if (object.QueryInterface(IPERSISTENT_DATA, &found) == kNoError)
+    else if (object.QueryInterface(IPERSISTENT_DATA, &found) == kNoError && found)
         persistence = static_cast<IPersistentData*>(found);
     else
     {
@@ -164,7 +164,7 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
     auto object = COREREGISTRY::CreateObject<IObject>(classId);
     IObject* found = nullptr;
     bool complete = false;
-    if (object && object->QueryInterface(IPERSISTENT_DATA, &found) == kNoError)
+    if (object && object->QueryInterface(IPERSISTENT_DATA, &found) == kNoError && found)
     {
         if (length == 0)
             complete = true;

@@ -42,28 +42,27 @@ CoreString FromColonPath(CoreString const& in)
         return CoreString(kAbsolutePathPrefix) + CoreString(*path);
     return WithSeparators(kEmptyHostPrefix, in, u':');
 }
+
+CoreString URLStringOf(CoreString const& in)
+{
+    std::size_t const slash = in.find(u'/');
+    std::size_t const colon = in.find(u':');
+    if (Holds(in, schemeSeparator))
+        return in;
+    if ((Holds(in, winLocalPathWithReverseSolidusCheck) && slash == CoreString::npos) ||
+        Holds(in, winLocalPathWithSolidusCheck))
+        return WithSeparators(kEmptyHostPrefix, in, u'\\');
+    if (in.find(CoreString(winNetworkPath)) == 0)
+        return WithSeparators(kNetworkPrefix, in, u'\\');
+    if (slash == CoreString::npos && colon == CoreString::npos)
+        return in;
+    if (slash < colon)
+        return CoreString(slash == 0 ? kAbsolutePathPrefix : kEmptyHostPrefix) + in;
+    return FromColonPath(in);
+}
 } // namespace
 
-void CreateValidURLString(CoreString const& in, CoreString& out)
-{
-    CoreString const location = in;
-    out.clear();
-    std::size_t const slash = location.find(u'/');
-    std::size_t const colon = location.find(u':');
-    if (Holds(location, schemeSeparator))
-        out = location;
-    else if ((Holds(location, winLocalPathWithReverseSolidusCheck) && slash == CoreString::npos) ||
-             Holds(location, winLocalPathWithSolidusCheck))
-        out = WithSeparators(kEmptyHostPrefix, location, u'\\');
-    else if (location.find(CoreString(winNetworkPath)) == 0)
-        out = WithSeparators(kNetworkPrefix, location, u'\\');
-    else if (slash == CoreString::npos && colon == CoreString::npos)
-        out = location;
-    else if (slash < colon)
-        out = CoreString(slash == 0 ? kAbsolutePathPrefix : kEmptyHostPrefix) + location;
-    else
-        out = FromColonPath(location);
-}
+void CreateValidURLString(CoreString const& in, CoreString& out) { out = URLStringOf(in); }
 
 void FindAndReplaceUniChar(CoreString& s, int start, UniChar find, UniChar)
 {

@@ -20,7 +20,8 @@ public:
 
     TInterfacePtr& operator=(TInterfacePtr const& other)
     {
-        Share(other.mInterface);
+        if (this != &other)
+            Share(other.mInterface);
         return *this;
     }
 

@@ -84,6 +84,8 @@ FileDataProvider::~FileDataProvider()
 ErrCode FileDataProvider::Init(IURI& uri, StreamMode mode, IDataProvider* outer)
 {
     mURI.Share(&uri);
+    mFile = nullptr;
+    mPathUrl.reset();
     FILE_SYS::IFilePtr file;
     ErrCode const created =
         FILE_SYS::CreateSystemFile(COREREGISTRY::GetCoreRegistry(), file, mURI->GetPath());
