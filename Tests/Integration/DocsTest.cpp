@@ -130,7 +130,7 @@ TEST(Readme, ShowsWhatTheToolPrints)
         else
             expected += line + "\n";
     }
-    Outcome const outcome = Run({"/bin/sh", "-c", script}, directory.Path().string());
+    Outcome const outcome = RunProgram({"/bin/sh", "-c", script}, directory.Path().string());
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.out, expected);
     EXPECT_EQ(outcome.err, "");

@@ -51,8 +51,8 @@ TEST_F(EndToEnd, AnotherProcessReadsWhatThisOneWrote)
     strings->Put(u"greeting", u"good morning");
     Save("shared.tess", {strings.Get()});
     Outcome const outcome =
-        Run({TESSIO_BINARY_DIR "/bin/tessio", "strings", "get", "shared.tess", "greeting"},
-            directory.Path().string());
+        RunProgram({TESSIO_BINARY_DIR "/bin/tessio", "strings", "get", "shared.tess", "greeting"},
+                   directory.Path().string());
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "good morning\n");
 }
@@ -72,10 +72,10 @@ TEST(Example, TheHostOfTheReadmeSavesAndLoads)
     TemporaryDirectory const directory;
     std::string const program = TESSIO_BINARY_DIR "/bin/example_host";
     Outcome const outcome =
-        Run({program, (directory.Path() / "settings.tess").string()}, directory.Path().string());
+        RunProgram({program, (directory.Path() / "settings.tess").string()}, directory.Path().string());
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "2 entries, width 640\n");
-    Outcome const refused = Run({program, "/no/such/place"}, directory.Path().string());
+    Outcome const refused = RunProgram({program, "/no/such/place"}, directory.Path().string());
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_EQ(refused.err, "cannot write /no/such/place\n");
 }

@@ -1,5 +1,6 @@
 // The tool's dictionaries and trees.
 #include "Support/Process.h"
+#include "Support/RowName.h"
 #include "Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +15,7 @@ protected:
     Outcome Do(std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), TESSIO_BINARY_DIR "/bin/tessio");
-        return Run(arguments, directory.Path().string());
+        return RunProgram(arguments, directory.Path().string());
     }
 
     void Set(std::vector<std::string> arguments) const
@@ -84,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(
                       ValueRow{"File", {"file", "blob"}, "bytes 00 ff"},
                       ValueRow{"Text", {"text", "a\tb"}, "text \"a\\tb\""},
                       ValueRow{"Dictionary", {"dict"}, "PersistentDictionary, 0 entries"}),
-    [](auto const& info) { return info.param.name; });
+    RowName());
 
 TEST_F(ToolDict, NestedDictionariesAreReachedByKeyPath)
 {
@@ -109,10 +110,10 @@ TEST_F(ToolDict, TreeShowsEveryRecordWithOffsetAndLength)
     Set({"1", "int32", "7"});
     Set({"2/5", "text", "hi"});
     Succeeds({"tree", "d"}, "  offset   length  little-endian\n"
-                            "       0      198  PersistentDictionary, 2 entries\n"
+                            "       0      164  PersistentDictionary, 2 entries\n"
                             "      32       48    1: DictValue int32 7\n"
-                            "      84      110    2: PersistentDictionary, 1 entry\n"
-                            "     116       74      5: DictValue text \"hi\"\n");
+                            "      84       76    2: PersistentDictionary, 1 entry\n"
+                            "     116       40      5: DictValue text \"hi\"\n");
 }
 
 /// Two entries of one dictionary: 1 is the int32 7; 2 a record of a class that nobody knows, with two bytes.

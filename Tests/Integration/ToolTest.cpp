@@ -1,5 +1,6 @@
 // The command-line tool: what it prints, what it answers, what it leaves behind.
 #include "Support/Process.h"
+#include "Support/RowName.h"
 #include "Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ protected:
     Outcome Do(std::vector<std::string> arguments, std::string const& input = {}) const
     {
         arguments.insert(arguments.begin(), kTool);
-        return Run(arguments, directory.Path().string(), input);
+        return RunProgram(arguments, directory.Path().string(), input);
     }
 
     void Succeeds(std::vector<std::string> const& arguments, std::string const& out = {}) const
@@ -112,7 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
             "NoDate",
             {"touch", "x", "--date", "yesterday"},
             "\"yesterday\" is no date: write YYYY-MM-DDTHH:MM:SS[.fraction]Z, or nanoseconds since 1970\n"}),
-    [](auto const& info) { return info.param.name; });
+    RowName());
 
 TEST_F(Tool, EveryLevelHasHelp)
 {
@@ -261,7 +262,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, ToolImport,
                                            ImportRow{"BareDollar", "A=1\nB=$x\n", "'$' must be quoted"},
                                            ImportRow{"ExpandedDollar", "A=1\nB=\"$x\"\n",
                                                      "'$' must be escaped: nothing is expanded"}),
-                         [](auto const& info) { return info.param.name; });
+                         RowName());
 
 TEST_F(Tool, FilesAreCopiedDatedShownPrintedAndRemoved)
 {
@@ -337,7 +338,7 @@ TEST_F(Tool, AFullDeviceForTheOutputIsAnError)
     directory.File("a", std::string(100000, 'x'));
     std::string const command =
         std::string("cd ") + directory.Path().string() + " && " + kTool + " cat a > /dev/full";
-    Outcome const outcome = Run({"/bin/sh", "-c", command}, directory.Path().string());
+    Outcome const outcome = RunProgram({"/bin/sh", "-c", command}, directory.Path().string());
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.err, "tessio: cannot write to standard output: No space left on device\n");
 }

@@ -4,6 +4,7 @@
 #include "CoreRegistry/CoreRegistry.h"
 #include "Support/Bytes.h"
 #include "Support/LogCapture.h"
+#include "Support/RowName.h"
 #include "TessIO/IDataProvider.h"
 #include "TessIO/IDataProviderStream.h"
 #include "TessIO/IURI.h"
@@ -46,15 +47,5 @@ private:
 template <class Row>
 class LibraryTestWith : public LibraryTest, public ::testing::WithParamInterface<Row>
 {
-};
-
-/// Names the tests of a table by the rows' `name` (letters, digits and underscores).
-struct RowName
-{
-    template <class Info>
-    std::string operator()(Info const& info) const
-    {
-        return info.param.name;
-    }
 };
 } // namespace KORVA::TESTS

@@ -15,6 +15,6 @@ struct Outcome
 
 /// Runs a program with exactly these arguments and waits for it. `input` is its standard input; `directory`
 /// its working directory.
-Outcome Run(std::vector<std::string> const& command, std::string const& directory,
-            std::string const& input = {});
+Outcome RunProgram(std::vector<std::string> const& command, std::string const& directory,
+                   std::string const& input = {});
 } // namespace KORVA::TESTS
