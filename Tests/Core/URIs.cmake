@@ -1,0 +1,12 @@
+tessio_add_tests(uri_tests
+    Libraries/Tessaro/Source/src/ValidURLStringTest.cpp
+    Libraries/Tessaro/Source/src/URITest.cpp
+    Libraries/Tessaro/Source/src/URIRelativeTest.cpp
+    Libraries/Tessaro/Source/src/URIEqualityAndPersistenceTest.cpp
+    Libraries/Tessaro/Source/src/URIRegistryTest.cpp
+    Libraries/Tessaro/Source/src/URIRegistryCreateTest.cpp
+    Libraries/Tessaro/Source/src/FileProxyTest.cpp
+    Libraries/Tessaro/Source/src/FileProxyStatusTest.cpp
+    Libraries/Tessaro/Source/src/FileProxyStreamTest.cpp
+    Libraries/Tessaro/Source/src/FileProxyPiecesTest.cpp
+    Libraries/Tessaro/Source/src/FileProxyAttributesTest.cpp)
