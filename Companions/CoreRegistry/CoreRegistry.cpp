@@ -73,8 +73,9 @@ private:
         auto const server = mServers.find(classId);
         if (server != mServers.end())
             candidates.emplace_back().Share(server->second);
-        else
-            candidates = mFactories;
+        for (TInterfacePtr<IClassFactory> const& factory : mFactories)
+            if (server == mServers.end() || factory.Get() != server->second)
+                candidates.push_back(factory);
         return candidates;
     }
 
@@ -83,7 +84,7 @@ private:
         std::lock_guard const lock(mMutex);
         // It may have been unregistered while it ran.
         if (Find(factory) != mFactories.end())
-            mServers.try_emplace(classId, factory);
+            mServers.insert_or_assign(classId, factory);
     }
 
     std::mutex mMutex;

@@ -6,9 +6,8 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <random>
 
 namespace KORVA::FILE_SYS
@@ -16,21 +15,7 @@ namespace KORVA::FILE_SYS
 namespace
 {
 constexpr int kNameAttempts = 100;
-
-struct Free
-{
-    void operator()(char* text) const { std::free(text); }
-};
-
-/// The file behind a symbolic link, or the path itself.
-std::string Followed(std::string const& path)
-{
-    struct stat status;
-    if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode))
-        return path;
-    std::unique_ptr<char, Free> const resolved(realpath(path.c_str(), nullptr));
-    return resolved ? resolved.get() : path;
-}
+constexpr int kMostLinks = 40;
 
 std::string DirectoryOf(std::string const& path)
 {
@@ -38,6 +23,21 @@ std::string DirectoryOf(std::string const& path)
     if (slash == std::string::npos)
         return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+/// The path behind symbolic links, whether a file is there or not.
+std::string Followed(std::string path)
+{
+    char target[PATH_MAX];
+    for (int links = 0; links < kMostLinks; ++links)
+    {
+        ssize_t const length = readlink(path.c_str(), target, sizeof target);
+        if (length <= 0)
+            break;
+        std::string const next(target, static_cast<std::size_t>(length));
+        path = next.starts_with('/') ? next : DirectoryOf(path) + "/" + next;
+    }
+    return path;
 }
 } // namespace
 

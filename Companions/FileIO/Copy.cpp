@@ -20,17 +20,33 @@ namespace
 /// Small enough to hear of progress, large enough not to count.
 constexpr std::size_t kPiece = std::size_t{8} << 20;
 
-/// Moves up to `count` bytes between the descriptors' positions without passing them through user memory.
-/// Pairs of file systems that can't share blocks are served by the page cache.
+/// Where the kernel copies nothing itself. Small pieces: such files are small.
+ssize_t CopyByHand(int from, int to)
+{
+    char piece[65536];
+    ssize_t const count = read(from, piece, sizeof piece);
+    for (ssize_t done = 0; done < count;)
+    {
+        ssize_t const written = write(to, piece + done, static_cast<std::size_t>(count - done));
+        if (written < 0)
+            return written;
+        done += written;
+    }
+    return count;
+}
+
+/// Moves up to `count` bytes between the descriptors' positions, in the kernel where it can: sharing blocks,
+/// or else through the page cache.
 ssize_t CopyPiece(int from, int to, std::size_t count)
 {
     ssize_t const copied = copy_file_range(from, nullptr, to, nullptr, count, 0);
     bool const unsupported = copied < 0 && (errno == EXDEV || errno == EINVAL || errno == ENOSYS ||
                                             errno == EOPNOTSUPP || errno == EPERM || errno == EBADF);
     // Files of the kernel's own (under /proc, say) claim the size 0 and copy nothing this way.
-    if (unsupported || copied == 0)
-        return sendfile(to, from, nullptr, count);
-    return copied;
+    if (!unsupported && copied != 0)
+        return copied;
+    ssize_t const sent = sendfile(to, from, nullptr, count);
+    return sent < 0 && (errno == EINVAL || errno == ENOSYS) ? CopyByHand(from, to) : sent;
 }
 } // namespace
 

@@ -1,0 +1,290 @@
+// Which folder may include which.
+#include "Hygiene/Source.h"
+#include "Support/Library.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace KORVA::TESTS
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+std::string const kSDK = "SDK/Headers/Core/LibSupport/";
+std::string const kLibrary = "Core/Libraries/Tessaro/Source/src";
+
+struct Area
+{
+    std::string folder;
+    std::set<std::string> mayInclude;
+    /// Whether it may use the system and packaged libraries.
+    bool system = false;
+};
+
+std::set<std::string> SDK(std::set<std::string> const& folders)
+{
+    std::set<std::string> paths;
+    for (std::string const& folder : folders)
+        paths.insert(kSDK + folder);
+    return paths;
+}
+
+std::set<std::string> With(std::set<std::string> folders, std::string const& further)
+{
+    folders.insert(further);
+    return folders;
+}
+
+std::set<std::string> const kBasis = SDK({"ObjectModel", "CoreString", "Logger"});
+std::set<std::string> const kCompanions =
+    SDK({"ObjectModel", "CoreRegistry", "CoreString", "FileIO", "Logger"});
+std::set<std::string> const kWholeSDK = With(With(kCompanions, kSDK + "TessIO"), kSDK + "Host");
+
+// What a folder includes of itself is its own business.
+std::vector<Area> const kAreas = {
+    {kSDK + "ObjectModel", {}},
+    {kSDK + "CoreRegistry", kBasis},
+    {kSDK + "CoreString", kBasis},
+    {kSDK + "FileIO", kBasis},
+    {kSDK + "Logger", kBasis},
+    {kSDK + "Host", SDK({"ObjectModel", "CoreRegistry"})},
+    {kSDK + "TessIO", kCompanions},
+    {kLibrary, With(With(kCompanions, kSDK + "TessIO"), "Platform/Headers")},
+    {"Core/Common/Constructs/UniCharUtils", With(SDK({"ObjectModel", "Logger"}), "Platform/Headers")},
+    {"Platform/Headers", {}},
+    {"Platform/Posix", {"Platform/Headers"}, true},
+    {"Companions/CoreRegistry", With(kCompanions, kSDK + "Host"), true},
+    {"Companions/CoreString", With(kCompanions, kSDK + "Host"), true},
+    {"Companions/FileIO", With(kCompanions, kSDK + "Host"), true},
+    {"Companions/Logger", With(kCompanions, kSDK + "Host"), true},
+    {"Companions/Host", kWholeSDK, true},
+    {"Tools", kWholeSDK, true},
+    {"Examples", kWholeSDK, true},
+};
+
+/// The headers of the language's own library.
+bool IsStandard(std::string const& header)
+{
+    static std::set<std::string> const kHeaders = {"algorithm",
+                                                   "any",
+                                                   "array",
+                                                   "atomic",
+                                                   "barrier",
+                                                   "bit",
+                                                   "bitset",
+                                                   "cassert",
+                                                   "cctype",
+                                                   "cerrno",
+                                                   "cfenv",
+                                                   "cfloat",
+                                                   "charconv",
+                                                   "chrono",
+                                                   "cinttypes",
+                                                   "climits",
+                                                   "clocale",
+                                                   "cmath",
+                                                   "codecvt",
+                                                   "compare",
+                                                   "complex",
+                                                   "concepts",
+                                                   "condition_variable",
+                                                   "coroutine",
+                                                   "csetjmp",
+                                                   "csignal",
+                                                   "cstdarg",
+                                                   "cstddef",
+                                                   "cstdint",
+                                                   "cstdio",
+                                                   "cstdlib",
+                                                   "cstring",
+                                                   "ctime",
+                                                   "cuchar",
+                                                   "cwchar",
+                                                   "cwctype",
+                                                   "deque",
+                                                   "exception",
+                                                   "execution",
+                                                   "filesystem",
+                                                   "format",
+                                                   "forward_list",
+                                                   "fstream",
+                                                   "functional",
+                                                   "future",
+                                                   "initializer_list",
+                                                   "iomanip",
+                                                   "ios",
+                                                   "iosfwd",
+                                                   "iostream",
+                                                   "istream",
+                                                   "iterator",
+                                                   "latch",
+                                                   "limits",
+                                                   "list",
+                                                   "locale",
+                                                   "map",
+                                                   "memory",
+                                                   "memory_resource",
+                                                   "mutex",
+                                                   "new",
+                                                   "numbers",
+                                                   "numeric",
+                                                   "optional",
+                                                   "ostream",
+                                                   "queue",
+                                                   "random",
+                                                   "ranges",
+                                                   "ratio",
+                                                   "regex",
+                                                   "scoped_allocator",
+                                                   "semaphore",
+                                                   "set",
+                                                   "shared_mutex",
+                                                   "source_location",
+                                                   "span",
+                                                   "sstream",
+                                                   "stack",
+                                                   "stdexcept",
+                                                   "stop_token",
+                                                   "streambuf",
+                                                   "string",
+                                                   "string_view",
+                                                   "syncstream",
+                                                   "system_error",
+                                                   "thread",
+                                                   "tuple",
+                                                   "type_traits",
+                                                   "typeindex",
+                                                   "typeinfo",
+                                                   "unordered_map",
+                                                   "unordered_set",
+                                                   "utility",
+                                                   "valarray",
+                                                   "variant",
+                                                   "vector",
+                                                   "version"};
+    return kHeaders.contains(header);
+}
+
+Area const* AreaOf(std::string const& file)
+{
+    for (Area const& area : kAreas)
+        if (file.starts_with(area.folder + "/"))
+            return &area;
+    return nullptr;
+}
+
+/// The file of the project that the include names, or "" for none. Searched as the build does: beside the
+/// including file, then at the include roots.
+std::string Resolve(std::string const& file, std::string const& header)
+{
+    fs::path const root = TESSIO_SOURCE_DIR;
+    std::string const beside = fs::path(file).parent_path().string();
+    std::vector<std::string> roots{beside, kSDK, "Platform/Headers", kLibrary, "Tools/tessio"};
+    for (std::string const& start : roots)
+    {
+        fs::path const candidate = (fs::path(start) / header).lexically_normal();
+        if (fs::exists(root / candidate))
+            return candidate.string();
+    }
+    return "";
+}
+
+/// Why `file` must not include `header`, or "".
+std::string Objection(std::string const& file, std::string const& header)
+{
+    Area const* const area = AreaOf(file);
+    if (!area)
+        return "a folder without a rule";
+    if (IsStandard(header))
+        return "";
+    std::string const target = Resolve(file, header);
+    if (target.empty())
+        return area->system ? "" : "neither the standard library's nor the project's";
+    Area const* const other = AreaOf(target);
+    if (!other)
+        return "outside every folder with a rule";
+    return other == area || area->mayInclude.contains(other->folder) ? "" : "not an arrow: " + other->folder;
+}
+
+TEST(Includes, FollowTheArrows)
+{
+    static std::regex const kInclude(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
+    std::map<std::string, int> seen;
+    for (char const* const folder : {"SDK", "Core", "Platform", "Companions", "Tools", "Examples"})
+        for (fs::path const& file : SourcesBelow(folder))
+            for (std::string const& line : LinesOf(file))
+            {
+                std::smatch match;
+                if (!std::regex_search(line, match, kInclude))
+                    continue;
+                ++seen[folder];
+                EXPECT_EQ(Objection(file.string(), match[2]), "") << file << ": " << line;
+            }
+    for (char const* const folder : {"SDK", "Core", "Platform", "Companions"})
+        EXPECT_GE(seen[folder], 10) << folder;
+}
+
+struct Row
+{
+    char const* name;
+    std::string file;
+    char const* header;
+    bool allowed;
+};
+
+Row const kRows[] = {
+    {"StandardFromTheBottom", kSDK + "ObjectModel/X.h", "map", true},
+    {"SystemFromTheBottom", kSDK + "ObjectModel/X.h", "unistd.h", false},
+    {"LoggerFromTheBottom", kSDK + "ObjectModel/X.h", "Logger/LogSite.h", false},
+    {"BottomFromACompanion", kSDK + "FileIO/X.h", "ObjectModel/IObject.h", true},
+    {"ItselfFromACompanion", kSDK + "FileIO/X.h", "FileIO/IFile.h", true},
+    {"RegistryFromAnotherCompanion", kSDK + "FileIO/X.h", "CoreRegistry/CoreRegistry.h", false},
+    {"LibraryFromACompanion", kSDK + "Logger/X.h", "TessIO/IURI.h", false},
+    {"CompanionFromTheLibrarysHeaders", kSDK + "TessIO/X.h", "CoreRegistry/CoreRegistry.h", true},
+    {"PlatformFromTheLibrarysHeaders", kSDK + "TessIO/X.h", "Platform/URL.h", false},
+    {"HostFromTheLibrarysHeaders", kSDK + "TessIO/X.h", "Host/Host.h", false},
+    {"RegistryFromTheHostsHeader", kSDK + "Host/X.h", "CoreRegistry/CoreRegistry.h", true},
+    {"StringsFromTheHostsHeader", kSDK + "Host/X.h", "CoreString/CoreString.h", false},
+    {"PlatformFromTheLibrary", kLibrary + "/X.cpp", "Platform/URL.h", true},
+    {"PrivateFromTheLibrarysSubfolder", kLibrary + "/Mac/X.cpp", "DataProviderImpl.h", true},
+    {"SystemFromTheLibrary", kLibrary + "/X.cpp", "unistd.h", false},
+    {"SystemInAFolderFromTheLibrary", kLibrary + "/Mac/X.cpp", "sys/stat.h", false},
+    {"IcuFromTheLibrary", kLibrary + "/X.cpp", "unicode/ustring.h", false},
+    {"CompanionsSourceFromTheLibrary", kLibrary + "/X.cpp", "../../../../../Companions/FileIO/File.h", false},
+    {"LibraryFromTheStringUtilities", "Core/Common/Constructs/UniCharUtils/X.cpp", "TessIO/IURI.h", false},
+    {"LoggerFromTheStringUtilities", "Core/Common/Constructs/UniCharUtils/X.cpp", "Logger/LogSite.h", true},
+    {"SDKFromThePlatform", "Platform/Headers/Platform/X.h", "ObjectModel/Types.h", false},
+    {"SystemFromThePlatformsContract", "Platform/Headers/Platform/X.h", "dirent.h", false},
+    {"SystemFromThePlatform", "Platform/Posix/X.cpp", "dirent.h", true},
+    {"SDKFromThePlatformsImplementation", "Platform/Posix/X.cpp", "ObjectModel/Types.h", false},
+    {"LibraryFromACompanionsSource", "Companions/FileIO/X.cpp", "TessIO/IURI.h", false},
+    {"PlatformFromACompanionsSource", "Companions/FileIO/X.cpp", "Platform/URL.h", false},
+    {"AnotherCompanionsSource", "Companions/FileIO/X.cpp", "../Logger/LogFile.h", false},
+    {"PackagedLibraryFromACompanion", "Companions/Logger/X.cpp", "spdlog/logger.h", true},
+    {"SDKFromATool", "Tools/tessio/X.cpp", "TessIO/IURI.h", true},
+    {"PlatformFromATool", "Tools/tessio/X.cpp", "Platform/URL.h", false},
+    {"PrivateHeaderFromATool", "Tools/tessio/X.cpp", "DataProviderImpl.h", false},
+    {"UnknownFolder", "Elsewhere/X.cpp", "map", false},
+};
+
+class IncludeRule : public ::testing::TestWithParam<Row>
+{
+};
+
+TEST_P(IncludeRule, IsKept)
+{
+    Row const& row = GetParam();
+    std::string const objection = Objection(row.file, row.header);
+    EXPECT_EQ(objection.empty(), row.allowed) << objection;
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, IncludeRule, ::testing::ValuesIn(kRows), RowName());
+} // namespace
+} // namespace KORVA::TESTS

@@ -1,0 +1,181 @@
+// Order, offsets and sizes of the fields on x86-64. A derived class begins in the tail of its base.
+#include "DataProvider.h"
+#include "DataProviderStream.h"
+#include "DictValue.h"
+#include "FileProxy.h"
+#include "Mac/HandleDataProvider.h"
+#include "Mac/MFileDataProvider.h"
+#include "PersistentDictionary.h"
+#include "ReadOnlyDataProvider.h"
+#include "StringDictionary.h"
+#include "Support/Library.h"
+#include "TessIO/PersistentData.h"
+#include "URI.h"
+#include "URIRegistry.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+#include <type_traits>
+
+namespace KORVA
+{
+/// The one friend that may look at fields.
+struct LayoutProbe
+{
+    using Object = TObject<IObject>;
+    static constexpr std::size_t kObjectAggregates = offsetof(Object, mAggregates);
+    static constexpr std::size_t kObjectRefCount = offsetof(Object, mRefCount);
+    static_assert(std::is_same_v<decltype(Object::mAggregates), std::map<GUID, IObject*>>);
+    static_assert(std::is_same_v<decltype(Object::mRefCount), std::atomic<int32>>);
+
+    using Pointer = TInterfacePtr<IObject>;
+    static constexpr std::size_t kPointerInterface = offsetof(Pointer, mInterface);
+
+    static constexpr std::size_t kProviderEndian = offsetof(IO::DataProvider, mEndian);
+    static constexpr std::size_t kProviderImpl = offsetof(IO::DataProvider, mImpl);
+    static_assert(sizeof(IO::IDataProvider::Endian) == 4 && sizeof(IO::IDataProvider::Offset) == 4);
+
+    static constexpr std::size_t kReadOnlyData = offsetof(IO::ReadOnlyDataProvider, mData);
+    static constexpr std::size_t kReadOnlySize = offsetof(IO::ReadOnlyDataProvider, mSize);
+    static constexpr std::size_t kReadOnlyPosition = offsetof(IO::ReadOnlyDataProvider, mPosition);
+    static_assert(std::is_same_v<decltype(IO::ReadOnlyDataProvider::mSize), int32>);
+    static_assert(std::is_same_v<decltype(IO::ReadOnlyDataProvider::mPosition), int64>);
+
+    static constexpr std::size_t kHandleHandle = offsetof(IO::HandleDataProvider, mHandle);
+    static constexpr std::size_t kHandleMode = offsetof(IO::HandleDataProvider, mMode);
+    static constexpr std::size_t kHandlePosition = offsetof(IO::HandleDataProvider, mPosition);
+    static constexpr std::size_t kHandleCapacity = offsetof(IO::HandleDataProvider, mCapacity);
+    static constexpr std::size_t kHandleSize = offsetof(IO::HandleDataProvider, mSize);
+    static_assert(std::is_same_v<decltype(IO::HandleDataProvider::mMode), int32>);
+    static_assert(std::is_same_v<decltype(IO::HandleDataProvider::mPosition), uint32>);
+    static_assert(std::is_same_v<decltype(IO::HandleDataProvider::mCapacity), uint32>);
+    static_assert(std::is_same_v<decltype(IO::HandleDataProvider::mSize), uint32>);
+
+    static constexpr std::size_t kFilePathUrl = offsetof(IO::FileDataProvider, mPathUrl);
+    static constexpr std::size_t kFileFile = offsetof(IO::FileDataProvider, mFile);
+    static constexpr std::size_t kFileReporter = offsetof(IO::FileDataProvider, mReporter);
+    static constexpr std::size_t kFileURI = offsetof(IO::FileDataProvider, mURI);
+    static_assert(std::is_same_v<decltype(IO::FileDataProvider::mFile), std::FILE*>);
+    static_assert(std::is_same_v<decltype(IO::FileDataProvider::mReporter), TInterfacePtr<IO::IReporter>>);
+    static_assert(std::is_same_v<decltype(IO::FileDataProvider::mURI), TInterfacePtr<IO::IURI>>);
+
+    static constexpr std::size_t kStreamProvider = offsetof(IO::DataProviderStream, mProvider);
+    static_assert(
+        std::is_same_v<decltype(IO::DataProviderStream::mProvider), TInterfacePtr<IO::IDataProvider>>);
+
+    static constexpr std::size_t kValueTag = offsetof(IO::DictValue, mTag);
+    static constexpr std::size_t kValueInteger = offsetof(IO::DictValue, mInteger);
+    static constexpr std::size_t kValueFloating = offsetof(IO::DictValue, mFloating);
+    static constexpr std::size_t kValueBuffer = offsetof(IO::DictValue, mBuffer);
+    static constexpr std::size_t kValueBufferLength = offsetof(IO::DictValue, mBufferLength);
+    static_assert(std::is_same_v<std::underlying_type_t<decltype(IO::DictValue::mTag)>, uint32>);
+    static_assert(sizeof(IO::DictValue::mInteger) == 8);
+    static_assert(std::is_same_v<decltype(IO::DictValue::mFloating), double>);
+    static_assert(std::is_same_v<decltype(IO::DictValue::mBufferLength), int32>);
+
+    static constexpr std::size_t kDictionaryEntries = offsetof(IO::PersistentDictionary, mEntries);
+    static_assert(
+        std::is_same_v<decltype(IO::PersistentDictionary::mEntries), std::map<unsigned int, IObject*>>);
+
+    static constexpr std::size_t kStringsEntries = offsetof(IO::StringDictionary, mEntries);
+    static_assert(std::is_same_v<decltype(IO::StringDictionary::mEntries),
+                                 std::map<STRING::CoreString, STRING::CoreString>>);
+
+    static constexpr std::size_t kURIURL = offsetof(IO::URI, mURL);
+
+    static constexpr std::size_t kProxyURI = offsetof(IO::FileProxy, mURI);
+    static constexpr std::size_t kProxyReporter = offsetof(IO::FileProxy, mReporter);
+    static_assert(std::is_same_v<decltype(IO::FileProxy::mURI), TInterfacePtr<IO::IURI>>);
+    static_assert(std::is_same_v<decltype(IO::FileProxy::mReporter), TInterfacePtr<IO::IReporter>>);
+
+    using Adapter = IO::PersistentData<IO::StringDictionary>;
+    static constexpr std::size_t kAdapterObject = offsetof(Adapter, mObject);
+    static_assert(std::is_same_v<decltype(Adapter::mObject), IO::StringDictionary*>, "an uncounted pointer");
+};
+
+namespace TESTS
+{
+namespace
+{
+using Probe = LayoutProbe;
+
+// The base, which every class without fields of its own equals in size.
+constexpr std::size_t kBaseSize = 64;
+
+struct Row
+{
+    char const* name;
+    std::size_t actual;
+    std::size_t expected;
+};
+
+Row const kRows[] = {
+    {"TObjectAggregates", Probe::kObjectAggregates, 8},
+    {"TObjectRefCount", Probe::kObjectRefCount, 56},
+    {"TObjectSize", sizeof(TObject<IObject>), 64},
+    {"TObjectOfAnotherInterfaceSize", sizeof(TObject<IO::IURIFile>), 64},
+    {"TInterfacePtrInterface", Probe::kPointerInterface, 8},
+    {"TInterfacePtrSize", sizeof(TInterfacePtr<IObject>), 16},
+    {"DataProviderEndian", Probe::kProviderEndian, 60},
+    {"DataProviderImpl", Probe::kProviderImpl, 64},
+    {"DataProviderSize", sizeof(IO::DataProvider), 72},
+    {"DataProviderImplHasNoFields", sizeof(IO::DataProviderImpl), 8},
+    {"ReadOnlyData", Probe::kReadOnlyData, 8},
+    {"ReadOnlySize", Probe::kReadOnlySize, 16},
+    {"ReadOnlyPosition", Probe::kReadOnlyPosition, 24},
+    {"ReadOnlyDataProviderSize", sizeof(IO::ReadOnlyDataProvider), 32},
+    {"HandleHandle", Probe::kHandleHandle, 8},
+    {"HandleMode", Probe::kHandleMode, 16},
+    {"HandlePosition", Probe::kHandlePosition, 20},
+    {"HandleCapacity", Probe::kHandleCapacity, 24},
+    {"HandleSize", Probe::kHandleSize, 28},
+    {"HandleDataProviderSize", sizeof(IO::HandleDataProvider), 32},
+    {"FilePathUrl", Probe::kFilePathUrl, 8},
+    {"FileFile", Probe::kFileFile, 16},
+    {"FileReporter", Probe::kFileReporter, 24},
+    {"FileURI", Probe::kFileURI, 40},
+    {"FileDataProviderSize", sizeof(IO::FileDataProvider), 56},
+    {"StreamProvider", Probe::kStreamProvider, 64},
+    {"DataProviderStreamSize", sizeof(IO::DataProviderStream), 80},
+    {"ValueTag", Probe::kValueTag, 60},
+    {"ValueInteger", Probe::kValueInteger, 64},
+    {"ValueFloating", Probe::kValueFloating, 72},
+    {"ValueBuffer", Probe::kValueBuffer, 80},
+    {"ValueBufferLength", Probe::kValueBufferLength, 88},
+    {"DictValueSize", sizeof(IO::DictValue), 96},
+    {"DictionaryEntries", Probe::kDictionaryEntries, 64},
+    {"PersistentDictionarySize", sizeof(IO::PersistentDictionary), 112},
+    {"StringsEntries", Probe::kStringsEntries, 64},
+    {"StringDictionarySize", sizeof(IO::StringDictionary), 112},
+    {"URIURL", Probe::kURIURL, 64},
+    {"URISize", sizeof(IO::URI), 72},
+    {"ProxyURI", Probe::kProxyURI, 64},
+    {"ProxyReporter", Probe::kProxyReporter, 80},
+    {"FileProxySize", sizeof(IO::FileProxy), 96},
+    {"URIRegistryHasNoFields", sizeof(IO::URIRegistry), kBaseSize},
+    {"AdapterObject", Probe::kAdapterObject, 64},
+    {"PersistentDataSize", sizeof(Probe::Adapter), 72},
+};
+
+class Layout : public ::testing::TestWithParam<Row>
+{
+};
+
+TEST_P(Layout, IsFixed) { EXPECT_EQ(GetParam().actual, GetParam().expected); }
+
+INSTANTIATE_TEST_SUITE_P(Fields, Layout, ::testing::ValuesIn(kRows), RowName());
+
+TEST(LayoutOfBases, TheInterfaceLiesAtTheObjectsStart)
+{
+    TInterfacePtr<IO::IURIDataProvider> provider;
+    provider.Adopt(new IO::DataProvider(IO::IDataProvider::kLittleEndian));
+    void const* const start = dynamic_cast<void*>(provider.Get());
+    EXPECT_EQ(start, static_cast<void*>(provider.Get()));
+    EXPECT_EQ(start, static_cast<void*>(static_cast<IO::IDataProvider*>(provider.Get())));
+    EXPECT_EQ(start, static_cast<void*>(static_cast<IObject*>(provider.Get())));
+}
+} // namespace
+} // namespace TESTS
+} // namespace KORVA

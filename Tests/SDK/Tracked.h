@@ -1,0 +1,55 @@
+// A component that tells what happens to it.
+#pragma once
+
+#include "ObjectModel/TObject.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace KORVA::TESTS
+{
+/// What happened, in order: "+a" a reference to `a` was taken, "-a" dropped, "~a" the object died.
+using Events = std::vector<std::string>;
+
+/// Records its references. `onDeath` runs while the object is destroyed.
+class Tracked final : public TObject<IObject>
+{
+public:
+    Tracked(std::string name, Events& events, std::function<void()> onDeath = {})
+        : mName(std::move(name)), mEvents(events), mOnDeath(std::move(onDeath))
+    {}
+
+    ~Tracked() override
+    {
+        mEvents.push_back("~" + mName);
+        if (mOnDeath)
+            mOnDeath();
+    }
+
+    int32 AddRef() override
+    {
+        mEvents.push_back("+" + mName);
+        return TObject::AddRef();
+    }
+
+    int32 Release() override
+    {
+        mEvents.push_back("-" + mName);
+        return TObject::Release();
+    }
+
+private:
+    std::string mName;
+    Events& mEvents;
+    std::function<void()> mOnDeath;
+};
+
+/// The count, read by taking a reference and dropping it again.
+inline int32 CountOf(IObject& object)
+{
+    object.AddRef();
+    return object.Release();
+}
+} // namespace KORVA::TESTS
