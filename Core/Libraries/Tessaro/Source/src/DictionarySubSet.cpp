@@ -3,6 +3,7 @@
 #include "Logger/LogSite.h"
 #include "PersistentDictionary.h"
 #include "TessIO/IPersistentData.h"
+#include "TessIO/ResultCodes.h"
 
 #include <cstring>
 
@@ -82,7 +83,7 @@ private:
         GUID own{};
         GUID fetched{};
         std::memcpy(&own, value.mBuffer, static_cast<std::size_t>(value.mBufferLength));
-        return mOther.Get(key, fetched) == kNoError && own == fetched;
+        return IsFetched(mOther.Get(key, fetched)) && own == fetched;
     }
 
     template <class Element>
@@ -91,11 +92,17 @@ private:
         Element const* fetched = nullptr;
         int count = 0;
         int const own = value.mBufferLength / static_cast<int>(sizeof(Element));
-        return mOther.Get(key, &fetched, count) == kNoError && count == own &&
-               std::memcmp(value.mBuffer, fetched, static_cast<std::size_t>(own) * sizeof(Element)) == 0;
+        if (!IsFetched(mOther.Get(key, &fetched, count)) || count != own)
+            return false;
+        return own == 0 || (fetched && std::memcmp(value.mBuffer, fetched,
+                                                   static_cast<std::size_t>(own) * sizeof(Element)) == 0);
     }
 
     static constexpr ErrCode kAbsent = -1;
+
+    /// Whether a getter of identifiers or buffers has something to compare. Numbers of another type are
+    /// converted; these are not.
+    static bool IsFetched(ErrCode code) { return code != kAbsent && code != kWrongType; }
 
     IDictionary const& mOther;
 };

@@ -65,14 +65,16 @@ public:
     /// On success the provider answers `IID_IURI` and `FILE_SYS::IID_IFILE`.
     virtual ErrCode InitURIBased(IURI & uri, int mode, IReporter* reporter) = 0;
 
-    /// Writes `count` bytes at the position and advances it. 0; 13 null data; 30 the mode or kind forbids it;
+    /// Writes `count` bytes at the position and advances it. 0; 13 null data (a file; memory blocks don't
+    /// look); 30 the mode or kind forbids it;
     /// 27 memory could not grow; 29 not initialised. A file opened for reading only (modes 0 and 3) must not
     /// be written to, nor one on a full device: its `Write` repeats until it succeeds and never returns.
     virtual OperationId Write(void const* data, std::size_t count) = 0;
 
     /// Reads up to `count` bytes to `buffer`; `count` becomes the number delivered and the position advances
     /// by it. At the end of the data: read-only memory answers 0, a memory block 28 when it delivers less
-    /// than asked, a file 3 when it delivers nothing. 13 null buffer (a file: 3 when bytes were asked for);
+    /// than asked, a file 3 when it delivers nothing. 13 null buffer (a file: 3 when bytes were asked for;
+    /// memory blocks don't look);
     /// 30 the mode forbids it; 29 not initialised.
     virtual OperationId Read(void* buffer, int32& count) = 0;
 

@@ -16,7 +16,8 @@ public:
 
     /// Creates the file object for the scheme of `uri` and initialises it with `reporter`, or with the
     /// default reporter when that is null. 0 and `file` adopts the object; -1004 for a scheme that nobody
-    /// serves, else the code of the registry or of the object's `Init` (logged): `file` is then unchanged.
+    /// serves, 12 without a component registry, else its code or that of the object's `Init` (logged): `file`
+    /// is then unchanged.
     virtual HRESULT Create(IURI & uri, IURIFilePtr & file, IReporter * reporter) = 0;
 
     /// Shares `reporter` for the files created from now on without one; null clears it. Always 0.

@@ -91,7 +91,8 @@ OperationId HandleDataProvider::Read(void* buffer, int32& count)
     int64 const left = std::max<int64>(0, static_cast<int64>(mSize) - mPosition);
     bool const cutShort = count < 0 || count > left;
     count = static_cast<int32>(std::clamp<int64>(count, 0, left));
-    std::memcpy(buffer, PLATFORM::HandleAddress(mHandle) + mPosition, static_cast<std::size_t>(count));
+    if (count > 0)
+        std::memcpy(buffer, PLATFORM::HandleAddress(mHandle) + mPosition, static_cast<std::size_t>(count));
     mPosition += static_cast<uint32>(count);
     return cutShort ? kEndOfData : kNoError;
 }
