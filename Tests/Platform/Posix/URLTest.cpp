@@ -1,6 +1,6 @@
 // Measured behaviour of the URL object and the text services around it, line by line.
-#include "Platform/StringServices.h"
 #include "Platform/URL.h"
+#include "Platform/StringServices.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -16,18 +16,13 @@ using KORVA::PLATFORM::URLRef;
 using Json = nlohmann::json;
 namespace PLATFORM = KORVA::PLATFORM;
 
-/// JSON can't carry a lone surrogate: \ud800 to \udfff stand as U+E800 to U+EFFF, which the data does not use.
+/// JSON can't carry a lone surrogate: \ud800 to \udfff stand as U+E800 to U+EFFF, which the data does not
+/// use.
 constexpr int kMarkerOffset = 0xE800 - 0xD800;
 
-bool IsLead(int unit)
-{
-    return unit >= 0xD800 && unit < 0xDC00;
-}
+bool IsLead(int unit) { return unit >= 0xD800 && unit < 0xDC00; }
 
-bool IsTrail(int unit)
-{
-    return unit >= 0xDC00 && unit < 0xE000;
-}
+bool IsTrail(int unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 /// The line with lone surrogates marked.
 std::string Parseable(std::string line)
@@ -183,7 +178,8 @@ TEST(URLVectors, Resolutions)
     for (Json const& row : rows)
     {
         SCOPED_TRACE(row["base"].dump() + " + " + row["relative"].dump());
-        EXPECT_EQ(Describe(URL::FromString(Wide(row["relative"]), URL::FromString(Wide(row["base"])))), row["url"]);
+        EXPECT_EQ(Describe(URL::FromString(Wide(row["relative"]), URL::FromString(Wide(row["base"])))),
+                  row["url"]);
     }
 }
 
