@@ -36,22 +36,69 @@ constexpr int kMaxDepth = 1000;
 class Nesting
 {
 public:
-    Nesting() { ++sDepth; }
+    Nesting()
+    {
+        if (++sDepth > kMaxDepth)
+        {
+            --sDepth;
+            throw std::length_error("records nested too deep");
+        }
+    }
     Nesting(Nesting const&) = delete;
     Nesting& operator=(Nesting const&) = delete;
     ~Nesting() { --sDepth; }
-
-    void Check() const
-    {
-        if (sDepth > kMaxDepth)
-            throw std::length_error("records nested too deep");
-    }
 
 private:
     static thread_local int sDepth;
 };
 
 thread_local int Nesting::sDepth = 0;
+
+/// Counts the records that are read within one outermost record of a provider. A body that reads too much is
+/// set back, so bodies with false counts, nested in each other, would have the same bytes read without end. A
+/// record beyond what the bytes passed so far could hold several times over counts as a body that threw.
+class ReadingEffort
+{
+public:
+    explicit ReadingEffort(IDataProvider const& provider) : mIsOutermost(sCurrent.provider != &provider)
+    {
+        // Bodies may read from other providers meanwhile; those have counts of their own.
+        if (mIsOutermost)
+        {
+            mAround = sCurrent;
+            sCurrent = {&provider, provider.GetPosition(), 0};
+        }
+        ++sCurrent.records;
+        int64 const passed = provider.GetPosition() - sCurrent.start;
+        if (sCurrent.records > kFreeRecords + kTimesOver * passed / kRecordHeader)
+            throw std::length_error("the same bytes read over and over");
+    }
+    ReadingEffort(ReadingEffort const&) = delete;
+    ReadingEffort& operator=(ReadingEffort const&) = delete;
+    ~ReadingEffort()
+    {
+        if (mIsOutermost)
+            sCurrent = mAround;
+    }
+
+private:
+    struct Count
+    {
+        IDataProvider const* provider;
+        int64 start;
+        int64 records;
+    };
+
+    static constexpr int64 kFreeRecords = 4096;
+    static constexpr int64 kTimesOver = 4;
+    static constexpr int64 kRecordHeader = 24;
+    static thread_local Count sCurrent;
+
+    bool const mIsOutermost;
+    Count mAround{};
+};
+
+thread_local ReadingEffort::Count ReadingEffort::sCurrent{};
 
 /// Overwrites a number laid down at `at` and comes back.
 template <class Number>
@@ -130,7 +177,6 @@ DataProviderStream& DataProviderStream::operator<<(IObject const& object)
     try
     {
         Nesting const nesting;
-        nesting.Check();
         persistence->Write(self);
         WriteAggregates(self, *mProvider, object);
     }
@@ -173,7 +219,7 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
             try
             {
                 Nesting const nesting;
-                nesting.Check();
+                ReadingEffort const effort(*mProvider);
                 static_cast<IPersistentData*>(found)->Read(self);
                 ReadAggregates(self, *mProvider, *object);
                 complete = true;

@@ -60,7 +60,9 @@ public:
     virtual IDataProviderStream& operator<<(double value) = 0;
     virtual IDataProviderStream& operator<<(bool value) = 0;
     /// Writes the object's record, its persistent aggregates included. An object without a persistence
-    /// interface writes nothing and is logged; a body that throws leaves the record cut short but whole.
+    /// interface writes nothing and is logged; a body that throws leaves the record cut short but whole. An
+    /// object is written wherever it stands, so one that contains itself is written 1,000 levels deep; one
+    /// that does so twice would never end.
     virtual IDataProviderStream& operator<<(IObject const& object) = 0;
     virtual IDataProviderStream& operator<<(GUID const& value) = 0;
 

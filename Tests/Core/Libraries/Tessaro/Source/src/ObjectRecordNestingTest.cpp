@@ -174,5 +174,39 @@ TEST_F(ObjectRecordNestingTest, AggregatesCountAsLevels)
     ASSERT_TRUE(loaded);
     EXPECT_EQ(Scripted::sAlive, 1002 + 1001);
 }
+// Each dictionary says that it is 4 bytes long and has two entries, so each is read twice by the one before
+// it.
+TEST_F(ObjectRecordNestingTest, FalseCountsInEachOtherDoNotMultiply)
+{
+    Bytes bytes;
+    for (int i = 0; i < 200; ++i)
+    {
+        Bytes const level = Hex("D5 0C E9 73 C6 BB 26 43 82 41 9B B4 25 0B 1B 05 04 00 00 00 00 00 00 00 "
+                                "02 00 00 00 01 00 00 00");
+        bytes.insert(bytes.end(), level.begin(), level.end());
+    }
+    auto const provider = MakeMemory(bytes);
+    auto const stream = MakeStream(*provider);
+    TInterfacePtr<IObject> object;
+    *stream >> object.Out();
+    EXPECT_TRUE(object);
+    EXPECT_EQ(provider->GetPosition(), 28);
+    std::vector<Logged> const messages = log.Take();
+    EXPECT_NE(std::find(messages.begin(), messages.end(), ReadThrew()), messages.end());
+    // A few for each record that was tried; without a bound there would be no end of them.
+    EXPECT_LT(messages.size(), 100'000u);
+}
+
+// A great many records that stand beside each other are none too many.
+TEST_F(ObjectRecordNestingTest, ManyEntriesAreNoEffort)
+{
+    auto const dictionary = MakeDictionary();
+    for (unsigned int key = 0; key < 20'000; ++key)
+        dictionary->Put(key, static_cast<int>(key));
+    auto const loaded = Load(kNative, RecordOf(kNative, *dictionary));
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(dynamic_cast<IDictionary&>(*loaded).Size(), 20'000u);
+    EXPECT_EQ(log.Take(), kNothing);
+}
 } // namespace
 } // namespace KORVA
