@@ -10,7 +10,8 @@
 
 namespace KORVA::TESTS
 {
-Outcome RunProgram(std::vector<std::string> const& command, std::string const& directory, std::string const& input)
+Outcome RunProgram(std::vector<std::string> const& command, std::string const& directory,
+                   std::string const& input)
 {
     TemporaryDirectory const pipes;
     std::string const in = pipes.File("in", input).string();

@@ -57,4 +57,6 @@ struct ProviderRow
 };
 
 std::vector<ProviderRow> ProviderRows();
+/// Those of them that can be written to.
+std::vector<ProviderRow> WritableProviderRows();
 } // namespace KORVA::TESTS
