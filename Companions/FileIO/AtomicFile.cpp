@@ -47,6 +47,11 @@ AtomicFile::AtomicFile(std::string const& target) : mTarget(Followed(target))
     std::size_t const nameAt = slash == std::string::npos ? 0 : slash + 1;
     struct stat status;
     bool const replaces = stat(mTarget.c_str(), &status) == 0;
+    if (!replaces && errno == ELOOP)
+    {
+        mStatus = kFailed;
+        return;
+    }
     if (nameAt == mTarget.size() || (replaces && !S_ISREG(status.st_mode)))
     {
         mStatus = kNotPermitted;

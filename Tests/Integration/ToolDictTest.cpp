@@ -231,5 +231,50 @@ TEST_F(ToolDict, BothByteOrdersAreFoundOut)
              "  ]\n"
              "}\n");
 }
+
+/// Key 1 is a number that claims to be a dictionary too: it aggregates a string dictionary under that id.
+std::string const kFalseDictionary("\xD5\x0C\xE9\x73\xC6\xBB\x26\x43\x82\x41\x9B\xB4\x25\x0B\x1B\x05"
+                                   "\x6C\0\0\0\0\0\0\0\1\0\0\0\1\0\0\0"
+                                   "\x21\x0C\xE9\x73\xC6\xBB\x26\x43\x82\x41\x9B\xB4\x25\x0B\x1B\x05"
+                                   "\x48\0\0\0\0\0\0\0"
+                                   "\x56\x32\x33\x53\7\0\0\0\0\0\0\0\0\0\0\0\0\0\x1C\x40\1\0\0\0"
+                                   "\xD5\x0C\xE9\x73\xC6\xBB\x26\x43\x82\x41\x9B\xB4\x25\x0B\x1B\x05"
+                                   "\x56\x0A\x21\xCD\x4C\x28\x7C\x4B\x81\x3F\x42\xAD\xDF\x77\x48\x53"
+                                   "\x08\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
+                                   "\0\0\0\0",
+                                   132);
+
+TEST_F(ToolDict, WhatOnlyClaimsToBeADictionaryIsNone)
+{
+    directory.File("d", kFalseDictionary);
+    Succeeds({"dict", "get", "d", "1"}, "7\n");
+    Fails({"dict", "get", "d", "1/2"}, 1, "", "tessio: 1 is no dictionary\n");
+    Fails({"dict", "set", "d", "1/2", "int8", "1"}, 1, "", "tessio: 1 is no dictionary\n");
+    Fails({"dict", "list", "d", "1"}, 1, "", "tessio: 1 is no dictionary\n");
+}
+
+TEST_F(ToolDict, AKeyThatIsThereTwiceIsNotEditedAway)
+{
+    Set({"1", "uint8", "1"});
+    std::string content = Content(directory.Path() / "d");
+    std::string const entry = content.substr(28, 52);
+    content[16] = static_cast<char>(content[16] + 52);
+    content[24] = 2;
+    content.insert(28, entry);
+    directory.File("d", content);
+    Fails({"dict", "set", "d", "2", "uint8", "1"}, 4, "",
+          "tessio: \"d\": the first record would not survive editing; nothing is changed\n");
+    EXPECT_EQ(Content(directory.Path() / "d"), content);
+}
+
+TEST_F(ToolDict, AKeyPathIsNoDeeperThanRecordsMayBe)
+{
+    std::string path = "1";
+    for (int i = 1; i < 999; ++i)
+        path += "/1";
+    Set({path, "int8", "5"});
+    Succeeds({"dict", "get", "d", path}, "5\n");
+    Fails({"dict", "set", "d", path + "/1", "int8", "5"}, 2, "", "tessio: a key path has 999 keys at most\n");
+}
 } // namespace
 } // namespace KORVA::TESTS

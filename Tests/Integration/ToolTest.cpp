@@ -6,9 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <fcntl.h>
+
+#include <sstream>
 
 namespace KORVA::TESTS
 {
@@ -254,7 +257,8 @@ TEST_P(ToolImport, NamesTheLineThatIsWrongAndChangesNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, ToolImport,
-                         ::testing::Values(ImportRow{"NoAssignment", "A=1\nnonsense\n",
+                         ::testing::Values(ImportRow{"NotUTF8", "A=1\nB=\xFF\n", "not valid UTF-8"},
+                                           ImportRow{"NoAssignment", "A=1\nnonsense\n",
                                                      "not of the form KEY=value"},
                                            ImportRow{"BadName", "A=1\n2B=x\n", "not of the form KEY=value"},
                                            ImportRow{"OpenQuote", "A=1\nB=\"x\n", "a quote is not closed"},
@@ -341,6 +345,80 @@ TEST_F(Tool, AFullDeviceForTheOutputIsAnError)
     Outcome const outcome = RunProgram({"/bin/sh", "-c", command}, directory.Path().string());
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_EQ(outcome.err, "tessio: cannot write to standard output: No space left on device\n");
+}
+
+TEST_F(Tool, ANameWithAColonIsAName)
+{
+    directory.File("a", "content\n");
+    for (std::string const name : {"a:b", "file:", ":y", "C:\\x", "\\\\server\\x", "12:30"})
+    {
+        Succeeds({"cp", "a", name});
+        EXPECT_EQ(Content(directory.Path() / name), "content\n") << name;
+        Succeeds({"rm", name});
+    }
+    EXPECT_EQ(FilesInDirectory(), 1u);
+}
+
+TEST_F(Tool, ATargetThatEndsInASlashIsADirectory)
+{
+    directory.File("a", "content\n");
+    Fails({"cp", "a", "d/"}, 3, "tessio: cannot copy \"a\" to \"d/\": no such directory\n");
+    EXPECT_EQ(FilesInDirectory(), 1u);
+}
+
+TEST_F(Tool, WhatIsNoRegularFileIsNotRead)
+{
+    ASSERT_EQ(mkfifo((directory.Path() / "pipe").c_str(), 0600), 0);
+    Fails({"cat", "pipe"}, 3, "tessio: cannot open \"pipe\": is not a regular file\n");
+    Fails({"tree", "/dev/zero"}, 3, "tessio: cannot open \"/dev/zero\": is not a regular file\n");
+}
+
+TEST_F(Tool, ALoopOfLinksIsNotReplaced)
+{
+    std::filesystem::create_symlink("loop", directory.Path() / "loop");
+    EXPECT_EQ(Do({"strings", "set", "loop", "a", "b"}).exitCode, 3);
+    EXPECT_TRUE(std::filesystem::is_symlink(directory.Path() / "loop"));
+}
+
+TEST_F(Tool, AnInputThatCantBeReadIsNotAnEmptyOne)
+{
+    std::string const command =
+        std::string("cd ") + directory.Path().string() + " && " + kTool + " strings import s - <&-";
+    Outcome const outcome = RunProgram({"/bin/sh", "-c", command}, directory.Path().string());
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.err, "tessio: cannot read standard input\n");
+    EXPECT_EQ(FilesInDirectory(), 0u);
+}
+
+TEST_F(Tool, HelpThatCantBePrintedIsAnError)
+{
+    Outcome const outcome =
+        RunProgram({"/bin/sh", "-c", std::string(kTool) + " --help > /dev/full"}, directory.Path().string());
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.err, "tessio: cannot write to standard output\n");
+}
+
+TEST_F(Tool, ArgumentsAreShownWithoutTheirControlCharacters)
+{
+    Fails({"tree", "a", "\x1B[31mred"}, 2,
+          "tessio: The following argument was not expected: \\u{1B}[31mred\nRun it with --help for more "
+          "information.\n");
+}
+
+TEST_F(Tool, EditsOfManyProcessesAreKeptOrRefused)
+{
+    // Each process counts the edits that the tool said were done.
+    std::string const script = "cd " + directory.Path().string() +
+                               "\nfor p in 1 2 3 4; do\n(for i in 1 2 3 4 5 6 7 8; do " + kTool +
+                               " strings set s k$p-$i v 2>/dev/null && echo k$p-$i; done; :) &\ndone\nwait\n";
+    Outcome const outcome = RunProgram({"/bin/sh", "-c", script}, directory.Path().string());
+    EXPECT_EQ(outcome.exitCode, 0);
+    Outcome const listed = Do({"strings", "list", "s"});
+    std::istringstream done(outcome.out);
+    int edits = 0;
+    for (std::string key; done >> key; ++edits)
+        EXPECT_NE(listed.out.find(key + "=\"v\"\n"), std::string::npos) << key << " was lost";
+    EXPECT_GE(edits, 1);
 }
 } // namespace
 } // namespace KORVA::TESTS

@@ -74,7 +74,12 @@ public:
     InterruptGuard()
     {
         for (std::size_t i = 0; i < std::size(kSignals); ++i)
+        {
             mBefore[i] = std::signal(kSignals[i], [](int) { sInterrupted = true; });
+            // Who started the tool may want it to go on all the same.
+            if (mBefore[i] == SIG_IGN)
+                std::signal(kSignals[i], SIG_IGN);
+        }
     }
     InterruptGuard(InterruptGuard const&) = delete;
     InterruptGuard& operator=(InterruptGuard const&) = delete;
@@ -95,7 +100,13 @@ std::string TargetOf(Session const& session, Arguments const& arguments)
     std::filesystem::path const path = URIOf(session, arguments.target)->GetPath().ToUTF8();
     std::error_code error;
     if (!std::filesystem::is_directory(path, error))
+    {
+        if (arguments.target.ends_with('/'))
+            throw Failure(Exit::kInputOutput,
+                          fmt::format("cannot copy {} to {}: no such directory", Quoted(arguments.source),
+                                      Quoted(arguments.target)));
         return arguments.target;
+    }
     std::filesystem::path const source = URIOf(session, arguments.source)->GetPath().ToUTF8();
     return (path / source.filename()).string();
 }

@@ -29,7 +29,7 @@ constexpr uint64 kNanoseconds = 1'000'000'000;
 int Digits(std::string_view& rest, std::size_t count, std::string const& text)
 {
     int value = 0;
-    if (rest.size() < count)
+    if (rest.size() < count || rest.front() == '-')
         NoDate(text);
     auto const [end, error] = std::from_chars(rest.data(), rest.data() + count, value);
     if (error != std::errc() || end != rest.data() + count || value < 0)

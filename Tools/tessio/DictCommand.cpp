@@ -28,6 +28,9 @@ struct Arguments
     bool raw = false;
 };
 
+/// Records nested deeper than 1,000 are not written.
+constexpr std::size_t kLongestPath = 999;
+
 /// Keys separated by slashes: where the last one is, and in which dictionaries it lies.
 std::vector<unsigned int> PathOf(std::string const& text)
 {
@@ -38,6 +41,8 @@ std::vector<unsigned int> PathOf(std::string const& text)
         slash = text.find('/', from);
         path.push_back(KeyOf(text.substr(from, slash == std::string::npos ? slash : slash - from)));
     }
+    if (path.size() > kLongestPath)
+        throw Failure(Exit::kUsage, fmt::format("a key path has {} keys at most", kLongestPath));
     return path;
 }
 
@@ -46,7 +51,8 @@ IDictionary* AsDictionary(IObject* object)
     IObject* found = nullptr;
     if (!object || object->QueryInterface(KORVA::IO::IID_DICTIONARY, &found) != KORVA::kNoError)
         return nullptr;
-    return static_cast<IDictionary*>(found);
+    // A file can aggregate an object of any class under any id.
+    return dynamic_cast<IDictionary*>(found);
 }
 
 /// The dictionary that holds the last key of a path. Those on the way are made when `create` is set;

@@ -104,12 +104,17 @@ void Cat(Common const& common, Arguments const& arguments)
     for (std::string const& location : arguments.locations)
     {
         auto const stream = OpenToRead(session, location);
-        for (int count = kPiece; count > 0;)
+        int64 const size = stream->GetDataProvider()->Size();
+        int64 done = 0;
+        for (int count = kPiece; count > 0; done += count)
         {
             count = kPiece;
             static_cast<void>(stream->Read(piece.data(), count));
             Print({piece.data(), static_cast<std::size_t>(count)});
         }
+        if (done < size)
+            throw Failure(Exit::kInputOutput, fmt::format("cannot read {}: {} of {} bytes could be read",
+                                                          Quoted(location), done, size));
     }
 }
 

@@ -105,6 +105,8 @@ std::vector<std::pair<std::string, std::string>> ParseAssignments(std::string_vi
 {
     std::vector<std::pair<std::string, std::string>> assignments;
     int number = 0;
+    if (constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF"; text.starts_with(kByteOrderMark))
+        text.remove_prefix(kByteOrderMark.size());
     while (!text.empty())
     {
         ++number;
@@ -118,6 +120,8 @@ std::vector<std::pair<std::string, std::string>> ParseAssignments(std::string_vi
             continue;
         line.remove_prefix(start);
         std::string const where = fmt::format("{}:{}: ", Escaped(source), number);
+        if (!KORVA::STRING::CoreString::FromUTF8(line))
+            throw Failure(Exit::kInputOutput, where + "not valid UTF-8");
         std::size_t const equals = line.find('=');
         if (equals == std::string_view::npos || !IsName(line.substr(0, equals)))
             throw Failure(Exit::kInputOutput, where + "not of the form KEY=value");

@@ -8,6 +8,7 @@
 #include "TessIO/IURIRegistry.h"
 #include "TessIO/ResultCodes.h"
 
+#include <csignal>
 #include <filesystem>
 
 namespace TOOL
@@ -20,15 +21,14 @@ using IO::IDataProviderStream;
 
 constexpr std::size_t kPiece = std::size_t{1} << 20;
 
-bool IsForeign(std::string const& location)
+/// Whether a location is a URL. Everything else is a name of this system, whatever characters are in it: a
+/// command that writes must never take a name for something else.
+bool IsURL(std::string const& location)
 {
-    if (location.find("://") != std::string::npos)
-        return true;
-    if (location.starts_with('/'))
-        return false;
-    bool const looksForeign = location.starts_with("\\\\") || location.find(':') != std::string::npos;
-    std::error_code error;
-    return looksForeign && !std::filesystem::exists(std::filesystem::symlink_status(location, error));
+    std::size_t const separator = location.find("://");
+    std::size_t const notScheme =
+        location.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+-.");
+    return separator != std::string::npos && separator > 0 && notScheme == separator;
 }
 
 /// Why a file can't be opened, in words.
@@ -39,9 +39,12 @@ bool IsForeign(std::string const& location)
     bool const known = IO::FilePathOf(uri, path) == kNoError;
     std::string reason = "error " + std::to_string(code);
     Exit exit = Exit::kInputOutput;
-    if (known && std::filesystem::is_directory(path, error))
+    std::filesystem::file_status const status = std::filesystem::status(path, error);
+    if (error == std::errc::permission_denied)
+        reason = "permission denied";
+    else if (known && std::filesystem::is_directory(status))
         reason = "is a directory";
-    else if (!known || !std::filesystem::exists(path, error))
+    else if (!known || !std::filesystem::exists(status))
     {
         reason = "no such file";
         exit = Exit::kNotFound;
@@ -58,6 +61,14 @@ TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string cons
                                             const)
 {
     IO::IURIFilePtr const file = FileOf(session, location);
+    // A pipe without data looks like the end of a file, and a device may have none.
+    std::filesystem::path path;
+    std::error_code error;
+    std::filesystem::file_status status;
+    if (IO::FilePathOf(*file->GetURI(), path) == kNoError)
+        status = std::filesystem::status(path, error);
+    if (std::filesystem::is_other(status))
+        throw Failure(Exit::kInputOutput, "cannot open " + Quoted(location) + ": is not a regular file");
     TInterfacePtr<IDataProviderStream> stream;
     ErrCode const code = (file.Get()->*open)(stream);
     if (code != kNoError)
@@ -68,7 +79,7 @@ TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string cons
 
 IO::IURIPtr URIOf(Session const& session, std::string const& location)
 {
-    if (IsForeign(location))
+    if (IsURL(location))
     {
         auto uri = session.Create<IO::IURI>(IO::IID_IURI);
         uri->Init(TextArgument(location, "location"));
@@ -136,7 +147,17 @@ void ReplaceContent(Session const& session, std::string const& location,
     auto const file = session.Create<FILE_SYS::IFile>(FILE_SYS::IID_IFILE);
     FILE_SYS::ErrCode status = FILE_SYS::kNotFound;
     if (file->BindPath(URIOf(session, location)->GetPath()))
+    {
+        // An interrupt waits until the temporary file is gone.
+        sigset_t held;
+        sigset_t before;
+        sigemptyset(&held);
+        for (int const signal : {SIGINT, SIGTERM, SIGHUP})
+            sigaddset(&held, signal);
+        pthread_sigmask(SIG_BLOCK, &held, &before);
         status = file->Replace(content.data(), content.size());
+        pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    }
     std::string reason;
     switch (status)
     {

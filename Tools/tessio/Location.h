@@ -9,8 +9,8 @@
 
 namespace TOOL
 {
-/// The URI of a location: a URL; an absolute or relative path of this system, every character of it kept; or
-/// a Windows or colon path, unless a file of just that name is there.
+/// The URI of a location: a URL, or else a path of this system, absolute or relative, every character of it
+/// kept.
 KORVA::IO::IURIPtr URIOf(Session const& session, std::string const& location);
 
 /// The file object that serves the location's scheme.

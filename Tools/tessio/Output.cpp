@@ -31,8 +31,9 @@ std::string Escape(CoreString const& text, bool quotes)
         else if (c == U'"' && quotes)
             result += "\\\"";
         // Besides the control characters those that turn the direction of text, and half surrogates.
-        else if (c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x202A && c <= 0x202E) ||
-                 (c >= 0x2066 && c <= 0x2069) || (c >= 0xD800 && c < 0xE000))
+        else if (c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x202A && c <= 0x202E) || c == 0x061C ||
+                 c == 0x200E || c == 0x200F || c == 0x2028 || c == 0x2029 || (c >= 0x2066 && c <= 0x2069) ||
+                 (c >= 0xD800 && c < 0xE000))
             result += fmt::format("\\u{{{:X}}}", static_cast<unsigned>(c));
         else if (c < 0x10000)
         {

@@ -4,9 +4,19 @@
 #include "Location.h"
 #include "ObjectModel/GUIDText.h"
 #include "TessIO/ClassIds.h"
+#include "TessIO/FilePaths.h"
 #include "TessIO/IPersistentData.h"
 
 #include <fmt/format.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <thread>
 
 namespace TOOL
 {
@@ -14,9 +24,51 @@ using namespace KORVA;
 using IO::IDataProvider;
 using IO::IDataProviderStream;
 
+namespace
+{
+constexpr std::size_t kLargestFile = 2147483647;
+constexpr int kLockAttempts = 500;
+constexpr std::chrono::milliseconds kLockPause{20};
+} // namespace
+
+/// The lock on a file goes with the file, and saving puts a new one in its place; the directory stays.
+class RecordFile::DirectoryLock
+{
+public:
+    DirectoryLock(std::filesystem::path const& file, std::string const& location)
+    {
+        std::error_code error;
+        std::filesystem::path const directory = std::filesystem::weakly_canonical(file, error).parent_path();
+        mDescriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        for (int attempt = 0; mDescriptor >= 0 && flock(mDescriptor, LOCK_EX | LOCK_NB) != 0; ++attempt)
+        {
+            // Where directories can't be locked, the comparison before saving must do.
+            if (errno != EWOULDBLOCK)
+                return;
+            if (attempt == kLockAttempts)
+                throw Failure(Exit::kInputOutput, "cannot open " + Quoted(location) +
+                                                      ": its directory is locked by another process");
+            std::this_thread::sleep_for(kLockPause);
+        }
+    }
+    DirectoryLock(DirectoryLock const&) = delete;
+    DirectoryLock& operator=(DirectoryLock const&) = delete;
+    ~DirectoryLock()
+    {
+        if (mDescriptor >= 0)
+            close(mDescriptor);
+    }
+
+private:
+    int mDescriptor = -1;
+};
+
 RecordFile::RecordFile(Session const& session, std::string location, GUID const& classId, Use use)
     : mSession(session), mLocation(std::move(location))
 {
+    std::filesystem::path path;
+    if (use != Use::kRead && IO::FilePathOf(*URIOf(session, mLocation), path) == kNoError)
+        mDirectory = std::make_shared<DirectoryLock>(path, mLocation);
     mIsNew = use == Use::kEditOrCreate && !FileOf(session, mLocation)->Exists();
     if (mIsNew)
         mObject = session.Create<IObject>(classId);
@@ -56,12 +108,25 @@ void RecordFile::Load(GUID const& classId, Use use)
     *reader >> mObject.Out();
     if (!mObject)
         throw Failure(Exit::kNotARecordFile, Quoted(mLocation) + ": the first record can't be loaded");
+    // What the library would not write back as it stands (a key twice, say) an edit would lose.
+    std::vector<unsigned char> const original(mContent.begin() + first.offset, mContent.begin() + mFirstEnd);
+    if (use != Use::kRead && Serialized(mSession, *mObject, mOrder) != original)
+        throw Failure(Exit::kNotARecordFile,
+                      Quoted(mLocation) + ": the first record would not survive editing; nothing is changed");
 }
 
 void RecordFile::Save() const
 {
     std::vector<unsigned char> content = Serialized(mSession, *mObject, mOrder);
     content.insert(content.end(), mContent.begin() + mFirstEnd, mContent.end());
+    if (content.size() > kLargestFile)
+        throw Failure(Exit::kInputOutput,
+                      Quoted(mLocation) + " would be larger than 2 GiB; nothing is changed");
+    // The lock is on the file that was opened; another process may have put a new one in its place meanwhile.
+    bool const isThere = FileOf(mSession, mLocation)->Exists();
+    if (mIsNew ? isThere : !isThere || ReadWhole(*OpenToRead(mSession, mLocation), mLocation) != mContent)
+        throw Failure(Exit::kInputOutput,
+                      Quoted(mLocation) + " was changed by another process; nothing is changed by this one");
     ReplaceContent(mSession, mLocation, content);
 }
 
@@ -74,6 +139,8 @@ std::vector<unsigned char> Serialized(Session const& session, IObject const& obj
     auto const stream = session.Create<IDataProviderStream>(IO::IID_DATAPROVIDERSTREAM);
     stream->Init(*memory);
     *stream << object;
+    if (memory->Size() > static_cast<int64>(kLargestFile))
+        throw Failure(Exit::kInputOutput, "the object would be larger than 2 GiB");
     std::vector<unsigned char> bytes(static_cast<std::size_t>(memory->Size()));
     memory->SetPosition(0, IDataProvider::kFromStart);
     int count = static_cast<int>(bytes.size());

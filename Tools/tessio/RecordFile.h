@@ -5,6 +5,7 @@
 #include "Session.h"
 #include "TessIO/IDataProviderStream.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,7 +13,8 @@
 namespace TOOL
 {
 /// Loads the first record of a file as an object, and writes it back among the other records, which keep
-/// their bytes. While it is open for editing, others can't open the file for writing.
+/// their bytes. While it is open for editing, others can't open the file for writing, and other runs of the
+/// tool wait.
 class RecordFile
 {
 public:
@@ -41,8 +43,12 @@ public:
 private:
     void Load(GUID const& classId, Use use);
 
+    /// Keeps other runs of the tool from editing files of the same directory meanwhile.
+    class DirectoryLock;
+
     Session const& mSession;
     std::string mLocation;
+    std::shared_ptr<DirectoryLock> mDirectory;
     bool mIsNew = false;
     KORVA::IO::IDataProvider::Endian mOrder = KORVA::IO::IDataProvider::kLittleEndian;
     KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> mHeld;

@@ -8,8 +8,7 @@
 #include "TessIO/ClassIds.h"
 #include "TessIO/IStringDictionary.h"
 
-#include <iostream>
-#include <iterator>
+#include <cstdio>
 #include <memory>
 
 namespace TOOL
@@ -83,11 +82,11 @@ public:
     void OnEntry(CoreString const& key, CoreString const& value) override
     {
         text += Escaped(key) + "=" + Quoted(value) + "\n";
-        json[key.ToUTF8()] = value.ToUTF8();
+        json.push_back({{"key", key.ToUTF8()}, {"value", value.ToUTF8()}});
     }
 
     std::string text;
-    Json json = Json::object();
+    Json json = Json::array();
 };
 
 void List(Common const& common, Arguments const& arguments)
@@ -105,7 +104,15 @@ void List(Common const& common, Arguments const& arguments)
 std::string SourceText(Session const& session, std::string const& source)
 {
     if (source == "-")
-        return {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+    {
+        std::string text;
+        char piece[65536];
+        while (std::size_t const count = std::fread(piece, 1, sizeof piece, stdin))
+            text.append(piece, count);
+        if (std::ferror(stdin) != 0)
+            throw Failure(Exit::kInputOutput, "cannot read standard input");
+        return text;
+    }
     std::vector<unsigned char> const bytes = ReadWhole(*OpenToRead(session, source), source);
     return {bytes.begin(), bytes.end()};
 }

@@ -81,6 +81,8 @@ Number Floating(std::string const& text, std::string const& type)
         Unfit(text, type, "out of range");
     if (error != std::errc() || end != digits.data() + digits.size() || digits.starts_with('-'))
         Unfit(text, type, "not a number");
+    if (hex && !std::isfinite(value))
+        Unfit(text, type, "not a number");
     return negative ? -value : value;
 }
 
@@ -91,7 +93,7 @@ std::vector<unsigned char> HexBytes(std::string const& text)
     int high = 0;
     for (char const c : text)
     {
-        if (c == ' ' || c == ':' || c == '\n')
+        if (c == ' ' || c == ':' || c == '\n' || c == '\t')
             continue;
         std::size_t const value = std::string_view("0123456789abcdefABCDEF").find(c);
         if (value == std::string_view::npos)

@@ -61,11 +61,12 @@ int Run(int argc, char** argv)
     }
     catch (CLI::Success const& help)
     {
-        return app.exit(help);
+        app.exit(help);
     }
     catch (CLI::ParseError const& error)
     {
-        return Report(Exit::kUsage, WhyNot(app, error) + "\nRun it with --help for more information.");
+        return Report(Exit::kUsage,
+                      Escaped(WhyNot(app, error)) + "\nRun it with --help for more information.");
     }
     if (std::fflush(stdout) != 0)
         return Report(Exit::kInputOutput, "cannot write to standard output");
