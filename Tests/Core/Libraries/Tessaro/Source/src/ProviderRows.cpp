@@ -140,4 +140,11 @@ ProviderRow File()
 } // namespace
 
 std::vector<ProviderRow> ProviderRows() { return {ReadOnlyMemory(), MemoryHandle(), File()}; }
+
+std::vector<ProviderRow> WritableProviderRows()
+{
+    std::vector<ProviderRow> rows = ProviderRows();
+    std::erase_if(rows, [](ProviderRow const& row) { return !row.writable; });
+    return rows;
+}
 } // namespace KORVA::TESTS
