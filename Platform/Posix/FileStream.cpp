@@ -56,6 +56,12 @@ void CloseFile(int descriptor) { close(descriptor); }
 
 std::FILE* StreamOver(int descriptor, char const* mode) { return fdopen(descriptor, mode); }
 
+int SynchronizedDescriptor(std::FILE* stream)
+{
+    std::fflush(stream);
+    return fileno(stream);
+}
+
 bool TruncateUnder(std::FILE* stream, std::int64_t length) { return ftruncate(fileno(stream), length) == 0; }
 
 bool Seek(std::FILE* stream, std::int64_t offset, int whence) { return fseeko(stream, offset, whence) == 0; }

@@ -56,6 +56,10 @@ void CloseFile(int descriptor);
 /// fopen) does not match the access that the descriptor was opened with.
 std::FILE* StreamOver(int descriptor, char const* mode);
 
+/// The descriptor under a stream, standing where the stream stands: what the stream has buffered is written
+/// and what it has read ahead is given back. The stream keeps the descriptor.
+int SynchronizedDescriptor(std::FILE* stream);
+
 /// Cuts or extends the file under a stream, past what the stream buffers. False on failure.
 bool TruncateUnder(std::FILE* stream, std::int64_t length);
 

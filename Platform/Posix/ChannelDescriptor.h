@@ -1,0 +1,44 @@
+// The descriptor under an I/O channel.
+#pragma once
+
+#include "Platform/IOChannel.h"
+
+#include <sys/types.h>
+
+namespace KORVA::PLATFORM
+{
+/// Owns a descriptor and moves bytes at positions of its file. Blocks the calling thread.
+class ChannelDescriptor final : public Counted
+{
+public:
+    /// A duplicate of `descriptor`; null when there can't be one.
+    static Ref<ChannelDescriptor> Duplicate(int descriptor);
+
+    /// Why the file can't be used so; 0 when it can.
+    int Error() const { return mError; }
+
+    struct Outcome
+    {
+        std::size_t moved;
+        int error;
+    };
+
+    /// Until `length`, the end of the file or an error.
+    Outcome Read(std::int64_t offset, std::size_t length, std::byte* destination) const;
+    /// Until all is written or an error. The signal that a file's size limit raises is not let out.
+    Outcome Write(std::int64_t offset, std::byte const* source, std::size_t length) const;
+
+    /// The bytes that lie behind `offset`, at most `length`; of what has no size, a piece.
+    std::size_t Expected(std::int64_t offset, std::size_t length) const;
+
+private:
+    friend class Ref<ChannelDescriptor>;
+
+    ChannelDescriptor(int descriptor, int error, off_t origin);
+    ~ChannelDescriptor();
+
+    int mDescriptor;
+    int mError;
+    off_t mOrigin;
+};
+} // namespace KORVA::PLATFORM
