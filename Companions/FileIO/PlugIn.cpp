@@ -2,12 +2,15 @@
 #include "CoreRegistry/ICoreRegistry.h"
 #include "File.h"
 #include "ObjectModel/ClassFactory.h"
+#include "SystemDirContainer.h"
 
 namespace
 {
 using namespace KORVA;
 
-using FileFactory = TClassFactory<Makes<&New<FILE_SYS::File>, FILE_SYS::IID_IFILE>>;
+using FileFactory =
+    TClassFactory<Makes<&New<FILE_SYS::File>, FILE_SYS::IID_IFILE>,
+                  Makes<&New<FILE_SYS::SystemDirContainer>, FILE_SYS::IID_SYSTEM_DIR_CONTAINER>>;
 
 IClassFactory* sFactory = nullptr;
 } // namespace

@@ -27,8 +27,8 @@ inline constexpr StreamMode kStreamMode3 = 3;
 inline constexpr StreamMode kStreamMode4 = 4;
 
 /// Bytes with a position: caller memory, a growable memory block, or a file. Class id `IID_IDATAPROVIDER`
-/// (the facade over all three, to be initialised once). Used by one thread at a time. Counts, sizes and
-/// positions are bytes. Every failure is logged.
+/// (the facade over all three, to be initialised once); `IBufferedDataProvider` buffers any of them. Used by
+/// one thread at a time. Counts, sizes and positions are bytes. Every failure is logged.
 class [[gnu::visibility("default")]] IDataProvider : public IObject
 {
 public:
@@ -62,7 +62,8 @@ public:
     /// The file must exist. 0, or the provider is not initialised: 26 no path, no such file, a directory, or
     /// a descriptor that makes no stream; 36 the system refuses (mode 2: also when the check fails, a
     /// missing file included); 40 mode 2 and somebody holds a lock; 1 no file-system library.
-    /// On success the provider answers `IID_IURI` and `FILE_SYS::IID_IFILE`.
+    /// On success the provider answers `IID_IURI`, `FILE_SYS::IID_IFILE`, in modes 0, 2 and 4
+    /// `IID_ASYNC_READER`, and in modes 1 to 4 `IID_ASYNC_WRITER` (in mode 3 too, whose writes all fail).
     virtual ErrCode InitURIBased(IURI & uri, int mode, IReporter* reporter) = 0;
 
     /// Writes `count` bytes at the position and advances it. 0; 13 null data (a file; memory blocks don't

@@ -1,0 +1,21 @@
+// The file-system library's directory object.
+#pragma once
+
+#include "CoreString/CoreString.h"
+#include "FileIO/IFile.h"
+#include "ObjectModel/IObject.h"
+#include "ObjectModel/TInterfacePtr.h"
+
+namespace KORVA::FILE_SYS
+{
+/// A directory named by its path, whether it exists or not. Never changes; may be asked from any thread.
+class [[gnu::visibility("default")]] IDir : public IObject
+{
+public:
+    /// Sets `path` to the absolute path, `/` between components and none at the end (but for the root).
+    /// `flag` is 1; nothing else is defined. 0.
+    virtual ErrCode GetPath(int flag, STRING::CoreString& path) const = 0;
+};
+
+using IDirPtr = TInterfacePtr<IDir>;
+} // namespace KORVA::FILE_SYS

@@ -1,0 +1,25 @@
+// Who asks for a resource.
+#pragma once
+
+#include "CoreString/CoreString.h"
+#include "ObjectModel/IObject.h"
+#include "ObjectModel/TInterfacePtr.h"
+
+namespace KORVA::IO
+{
+/// A user name and a password. Class id `IID_URI_CREDENTIAL`. Nothing is checked and nothing persisted. The
+/// password is overwritten in memory when it is replaced and when the object dies; copies that a caller makes
+/// are the caller's to overwrite. Used by one thread at a time.
+class [[gnu::visibility("default")]] IURICredential : public IObject
+{
+public:
+    /// Copies both.
+    virtual void Init(STRING::CoreString const& username, STRING::CoreString const& password) = 0;
+
+    /// Empty before `Init`; valid until the next one.
+    virtual STRING::CoreString const& GetUsername() const = 0;
+    virtual STRING::CoreString const& GetPassword() const = 0;
+};
+
+using IURICredentialPtr = TInterfacePtr<IURICredential>;
+} // namespace KORVA::IO
