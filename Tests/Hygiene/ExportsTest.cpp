@@ -41,7 +41,9 @@ TEST(Exports, AreTheEntryPointsAndTheInterfacesTypeRecords)
     for (char const* const interface :
          {"7IObject", "13IClassFactory", "11IDictionary", "17IStringDictionary", "2IO13IDataProvider",
           "2IO19IDataProviderStream", "2IO15IPersistentData", "2IO4IURI", "2IO16IURIDataProvider",
-          "2IO8IURIFile", "2IO12IURIRegistry"})
+          "2IO8IURIFile", "2IO12IURIRegistry", "2IO12IAsyncReader", "2IO10IAsyncTask", "2IO12IAsyncWriter",
+          "2IO21IBufferedDataProvider", "2IO12IRelativeURI", "2IO27IURIAuthenticationChallenge",
+          "2IO14IURICredential"})
     {
         expected.insert(std::string("_ZTIN5KORVA") + interface + "E");
         expected.insert(std::string("_ZTSN5KORVA") + interface + "E");

@@ -1,17 +1,24 @@
 // Order, offsets and sizes of the fields on x86-64. A derived class begins in the tail of its base.
+#include "BufferedDataProvider.h"
 #include "DataProvider.h"
 #include "DataProviderStream.h"
 #include "DictValue.h"
 #include "FileProxy.h"
 #include "Mac/HandleDataProvider.h"
+#include "Mac/MAsyncAggregates.h"
+#include "Mac/MAsyncTask.h"
 #include "Mac/MFileDataProvider.h"
 #include "PersistentDictionary.h"
 #include "ReadOnlyDataProvider.h"
+#include "RelativeURI.h"
 #include "StringDictionary.h"
 #include "Support/Library.h"
 #include "TessIO/PersistentData.h"
 #include "URI.h"
+#include "URIAuthenticationChallenge.h"
+#include "URICredential.h"
 #include "URIRegistry.h"
+#include "UniCharUtils.h"
 
 #include <gtest/gtest.h>
 
@@ -61,6 +68,48 @@ struct LayoutProbe
     static_assert(std::is_same_v<decltype(IO::FileDataProvider::mReporter), TInterfacePtr<IO::IReporter>>);
     static_assert(std::is_same_v<decltype(IO::FileDataProvider::mURI), TInterfacePtr<IO::IURI>>);
 
+    static constexpr std::size_t kFileChannel = offsetof(IO::FileDataProvider, mChannel);
+    static constexpr std::size_t kFileAsyncEnabled = offsetof(IO::FileDataProvider, mAsyncEnabled);
+    static_assert(std::is_same_v<decltype(IO::FileDataProvider::mAsyncEnabled), std::atomic<bool8>>);
+
+    static constexpr std::size_t kTaskDone = offsetof(IO::MAsyncTask, mDone);
+    static constexpr std::size_t kTaskStatus = offsetof(IO::MAsyncTask, mStatus);
+    static constexpr std::size_t kTaskCompleted = offsetof(IO::MAsyncTask, mCompleted);
+    static_assert(sizeof(IO::MAsyncTask::mDone) == 8);
+    static_assert(std::is_same_v<decltype(IO::MAsyncTask::mStatus), std::atomic<int32>>);
+    static_assert(std::is_same_v<decltype(IO::MAsyncTask::mCompleted), std::atomic<bool8>>);
+
+    static constexpr std::size_t kReaderOwner = offsetof(IO::MAsyncReader, mOwner);
+    static constexpr std::size_t kReaderInitialized = offsetof(IO::MAsyncReader, mInitialized);
+    static constexpr std::size_t kReaderProc = offsetof(IO::MAsyncReader, mProc);
+    static constexpr std::size_t kWriterOwner = offsetof(IO::MAsyncWriter, mOwner);
+    static constexpr std::size_t kWriterInitialized = offsetof(IO::MAsyncWriter, mInitialized);
+    static constexpr std::size_t kWriterProc = offsetof(IO::MAsyncWriter, mProc);
+    static_assert(std::is_same_v<decltype(IO::MAsyncReader::mOwner), IO::FileDataProvider*>, "uncounted");
+    static_assert(std::is_same_v<decltype(IO::MAsyncWriter::mOwner), IO::FileDataProvider*>, "uncounted");
+    static_assert(sizeof(IO::MAsyncReader::mInitialized) == 1 && sizeof(IO::MAsyncWriter::mInitialized) == 1);
+    static_assert(sizeof(IO::MAsyncReader::mProc) == 8 && sizeof(IO::MAsyncWriter::mProc) == 8);
+    static_assert(!std::is_polymorphic_v<IO::BaseAsyncLockable>);
+
+    using Buffered = IO::BufferedDataProvider;
+    static constexpr std::size_t kBufferedProvider = offsetof(Buffered, mProvider);
+    static constexpr std::size_t kBufferedBufferSize = offsetof(Buffered, mBufferSize);
+    static constexpr std::size_t kBufferedMode = offsetof(Buffered, mMode);
+    static constexpr std::size_t kBufferedBuffer = offsetof(Buffered, mBuffer);
+    static constexpr std::size_t kBufferedDirty = offsetof(Buffered, mDirty);
+    static constexpr std::size_t kBufferedAutoFlush = offsetof(Buffered, mAutoFlush);
+    static constexpr std::size_t kBufferData = offsetof(Buffered::Buffer, mData);
+    static constexpr std::size_t kBufferCursor = offsetof(Buffered::Buffer, mCursor);
+    static constexpr std::size_t kBufferLength = offsetof(Buffered::Buffer, mLength);
+    static constexpr std::size_t kBufferStart = offsetof(Buffered::Buffer, mStart);
+    static_assert(std::is_same_v<decltype(Buffered::mProvider), TInterfacePtr<IO::IDataProvider>>);
+    static_assert(std::is_same_v<decltype(Buffered::mBufferSize), int32>);
+    static_assert(sizeof(Buffered::mMode) == 4 && sizeof(Buffered::mDirty) == 1 &&
+                  sizeof(Buffered::mAutoFlush) == 1);
+    static_assert(std::is_same_v<decltype(Buffered::Buffer::mCursor), int64>);
+    static_assert(std::is_same_v<decltype(Buffered::Buffer::mLength), int64>);
+    static_assert(std::is_same_v<decltype(Buffered::Buffer::mStart), int64>);
+
     static constexpr std::size_t kStreamProvider = offsetof(IO::DataProviderStream, mProvider);
     static_assert(
         std::is_same_v<decltype(IO::DataProviderStream::mProvider), TInterfacePtr<IO::IDataProvider>>);
@@ -84,6 +133,38 @@ struct LayoutProbe
                                  std::map<STRING::CoreString, STRING::CoreString>>);
 
     static constexpr std::size_t kURIURL = offsetof(IO::URI, mURL);
+
+    static constexpr std::size_t kRelativeScheme = offsetof(IO::RelativeURI, mScheme);
+    static constexpr std::size_t kRelativeHost = offsetof(IO::RelativeURI, mHost);
+    static constexpr std::size_t kRelativePort = offsetof(IO::RelativeURI, mPort);
+    static constexpr std::size_t kRelativeFullPath = offsetof(IO::RelativeURI, mFullPath);
+    static constexpr std::size_t kRelativeRelPath = offsetof(IO::RelativeURI, mRelPath);
+    static constexpr std::size_t kRelativeBaseDir = offsetof(IO::RelativeURI, mBaseDir);
+    static constexpr std::size_t kRelativeDirType = offsetof(IO::RelativeURI, mDirType);
+    static constexpr std::size_t kRelativeQuery = offsetof(IO::RelativeURI, mQuery);
+    static_assert(std::is_same_v<decltype(IO::RelativeURI::mPort), uint32>);
+    static_assert(std::is_same_v<decltype(IO::RelativeURI::mBaseDir), TInterfacePtr<FILE_SYS::IDir>>);
+    static_assert(std::is_same_v<std::underlying_type_t<FILE_SYS::DirType>, int32>);
+
+    static constexpr std::size_t kCredentialUsername = offsetof(IO::URICredential, mUsername);
+    static constexpr std::size_t kCredentialPassword = offsetof(IO::URICredential, mPassword);
+    static_assert(std::is_same_v<decltype(IO::URICredential::mUsername), STRING::CoreString>);
+    static_assert(std::is_same_v<decltype(IO::URICredential::mPassword), STRING::CoreString>);
+
+    using Challenge = IO::URIAuthenticationChallenge;
+    static constexpr std::size_t kChallengeCount = offsetof(Challenge, mPreviousFailureCount);
+    static constexpr std::size_t kChallengeError = offsetof(Challenge, mPreviousFailureError);
+    static constexpr std::size_t kChallengeCredential = offsetof(Challenge, mProposedCredential);
+    static_assert(std::is_same_v<decltype(Challenge::mPreviousFailureCount), uint32>);
+    static_assert(std::is_same_v<decltype(Challenge::mPreviousFailureError), int32>);
+    static_assert(
+        std::is_same_v<decltype(Challenge::mProposedCredential), TInterfacePtr<IO::IURICredential>>);
+
+    static constexpr std::size_t kWrapperString = offsetof(CFMutableStringWrapper, mString);
+    static constexpr std::size_t kWrapperUniCopy = offsetof(CFMutableStringWrapper, mUniCopy);
+    static constexpr std::size_t kWrapperCCopy = offsetof(CFMutableStringWrapper, mCCopy);
+    static constexpr std::size_t kWrapperDirty = offsetof(CFMutableStringWrapper, mDirty);
+    static_assert(sizeof(CFMutableStringWrapper::mDirty) == 1);
 
     static constexpr std::size_t kProxyURI = offsetof(IO::FileProxy, mURI);
     static constexpr std::size_t kProxyReporter = offsetof(IO::FileProxy, mReporter);
@@ -136,7 +217,34 @@ Row const kRows[] = {
     {"FileFile", Probe::kFileFile, 16},
     {"FileReporter", Probe::kFileReporter, 24},
     {"FileURI", Probe::kFileURI, 40},
-    {"FileDataProviderSize", sizeof(IO::FileDataProvider), 56},
+    {"FileChannel", Probe::kFileChannel, 56},
+    {"FileAsyncEnabled", Probe::kFileAsyncEnabled, 64},
+    {"FileDataProviderSize", sizeof(IO::FileDataProvider), 72},
+    {"TaskDone", Probe::kTaskDone, 64},
+    {"TaskStatus", Probe::kTaskStatus, 72},
+    {"TaskCompleted", Probe::kTaskCompleted, 76},
+    {"AsyncTaskSize", sizeof(IO::MAsyncTask), 80},
+    {"AsyncLockableSize", sizeof(IO::BaseAsyncLockable), 8},
+    {"ReaderOwner", Probe::kReaderOwner, 72},
+    {"ReaderInitialized", Probe::kReaderInitialized, 80},
+    {"ReaderProc", Probe::kReaderProc, 88},
+    {"AsyncReaderSize", sizeof(IO::MAsyncReader), 96},
+    {"WriterOwner", Probe::kWriterOwner, 72},
+    {"WriterInitialized", Probe::kWriterInitialized, 80},
+    {"WriterProc", Probe::kWriterProc, 88},
+    {"AsyncWriterSize", sizeof(IO::MAsyncWriter), 96},
+    {"BufferedProvider", Probe::kBufferedProvider, 64},
+    {"BufferedBufferSize", Probe::kBufferedBufferSize, 80},
+    {"BufferedMode", Probe::kBufferedMode, 84},
+    {"BufferedBuffer", Probe::kBufferedBuffer, 88},
+    {"BufferedDirty", Probe::kBufferedDirty, 120},
+    {"BufferedAutoFlush", Probe::kBufferedAutoFlush, 121},
+    {"BufferedDataProviderSize", sizeof(IO::BufferedDataProvider), 128},
+    {"BufferData", Probe::kBufferData, 0},
+    {"BufferCursor", Probe::kBufferCursor, 8},
+    {"BufferLength", Probe::kBufferLength, 16},
+    {"BufferStart", Probe::kBufferStart, 24},
+    {"BufferSize", sizeof(IO::BufferedDataProvider::Buffer), 32},
     {"StreamProvider", Probe::kStreamProvider, 64},
     {"DataProviderStreamSize", sizeof(IO::DataProviderStream), 80},
     {"ValueTag", Probe::kValueTag, 60},
@@ -151,6 +259,27 @@ Row const kRows[] = {
     {"StringDictionarySize", sizeof(IO::StringDictionary), 112},
     {"URIURL", Probe::kURIURL, 64},
     {"URISize", sizeof(IO::URI), 72},
+    {"RelativeScheme", Probe::kRelativeScheme, 64},
+    {"RelativeHost", Probe::kRelativeHost, 96},
+    {"RelativePort", Probe::kRelativePort, 128},
+    {"RelativeFullPath", Probe::kRelativeFullPath, 136},
+    {"RelativeRelPath", Probe::kRelativeRelPath, 168},
+    {"RelativeBaseDir", Probe::kRelativeBaseDir, 200},
+    {"RelativeDirType", Probe::kRelativeDirType, 216},
+    {"RelativeQuery", Probe::kRelativeQuery, 224},
+    {"RelativeURISize", sizeof(IO::RelativeURI), 256},
+    {"CredentialUsername", Probe::kCredentialUsername, 64},
+    {"CredentialPassword", Probe::kCredentialPassword, 96},
+    {"URICredentialSize", sizeof(IO::URICredential), 128},
+    {"ChallengeCount", Probe::kChallengeCount, 60},
+    {"ChallengeError", Probe::kChallengeError, 64},
+    {"ChallengeCredential", Probe::kChallengeCredential, 72},
+    {"URIAuthenticationChallengeSize", sizeof(IO::URIAuthenticationChallenge), 88},
+    {"WrapperString", Probe::kWrapperString, 0},
+    {"WrapperUniCopy", Probe::kWrapperUniCopy, 8},
+    {"WrapperCCopy", Probe::kWrapperCCopy, 16},
+    {"WrapperDirty", Probe::kWrapperDirty, 24},
+    {"MutableStringWrapperSize", sizeof(CFMutableStringWrapper), 32},
     {"ProxyURI", Probe::kProxyURI, 64},
     {"ProxyReporter", Probe::kProxyReporter, 80},
     {"FileProxySize", sizeof(IO::FileProxy), 96},

@@ -3,14 +3,22 @@
 #include "DataProviderImpl.h"
 #include "FileIO/ICopyProgress.h"
 #include "FileIO/IFile.h"
+#include "FileIO/ISystemDirContainer.h"
 #include "Logger/KLoggerLibInterface.h"
 #include "ObjectModel/TObject.h"
 #include "Support/Library.h"
+#include "TessIO/IAsyncReader.h"
+#include "TessIO/IAsyncTask.h"
+#include "TessIO/IAsyncWriter.h"
+#include "TessIO/IBufferedDataProvider.h"
 #include "TessIO/IDataProviderStream.h"
 #include "TessIO/IDictionary.h"
 #include "TessIO/IPersistentData.h"
+#include "TessIO/IRelativeURI.h"
 #include "TessIO/IReporter.h"
 #include "TessIO/IStringDictionary.h"
+#include "TessIO/IURIAuthenticationChallenge.h"
+#include "TessIO/IURICredential.h"
 #include "TessIO/IURIDataProvider.h"
 #include "TessIO/IURIFile.h"
 #include "TessIO/IURIRegistry.h"
@@ -25,10 +33,17 @@ namespace KORVA::TESTS
 {
 namespace
 {
+using IO::IAsyncReader;
+using IO::IAsyncTask;
+using IO::IAsyncWriter;
+using IO::IBufferedDataProvider;
 using IO::IDataProvider;
 using IO::IDataProviderStream;
 using IO::IPersistentData;
+using IO::IRelativeURI;
 using IO::IURI;
+using IO::IURIAuthenticationChallenge;
+using IO::IURICredential;
 using IO::IURIFile;
 using STRING::CoreString;
 
@@ -129,6 +144,16 @@ Row const kFileRows[] = {
 };
 INSTANTIATE_TEST_SUITE_P(IFile, Slots, ::testing::ValuesIn(kFileRows), RowName());
 
+Row const kDirRows[] = {
+    {"GetPath", SlotOf(&FILE_SYS::IDir::GetPath), 9},
+};
+INSTANTIATE_TEST_SUITE_P(IDir, Slots, ::testing::ValuesIn(kDirRows), RowName());
+
+Row const kSystemDirContainerRows[] = {
+    {"GetDir", SlotOf(&FILE_SYS::ISystemDirContainer::GetDir), 9},
+};
+INSTANTIATE_TEST_SUITE_P(ISystemDirContainer, Slots, ::testing::ValuesIn(kSystemDirContainerRows), RowName());
+
 Row const kDataProviderRows[] = {
     {"InitHandleBased", SlotOf(&IDataProvider::InitHandleBased), 9},
     {"InitReadOnlyMem", SlotOf(&IDataProvider::InitReadOnlyMem), 10},
@@ -151,6 +176,36 @@ INSTANTIATE_TEST_SUITE_P(IDataProvider, Slots, ::testing::ValuesIn(kDataProvider
 
 Row const kURIDataProviderRows[] = {{"Init", SlotOf(&IO::IURIDataProvider::Init), 25}};
 INSTANTIATE_TEST_SUITE_P(IURIDataProvider, Slots, ::testing::ValuesIn(kURIDataProviderRows), RowName());
+
+Row const kBufferedDataProviderRows[] = {
+    {"Write", SlotOf(&IBufferedDataProvider::Write), 12},
+    {"SetAutoFlush", SlotOf(&IBufferedDataProvider::SetAutoFlush), 24},
+    {"Init", SlotOf(&IBufferedDataProvider::Init), 25},
+    {"GetBufferSize", SlotOf(&IBufferedDataProvider::GetBufferSize), 26},
+    {"SetBufferSize", SlotOf(&IBufferedDataProvider::SetBufferSize), 27},
+};
+INSTANTIATE_TEST_SUITE_P(IBufferedDataProvider, Slots, ::testing::ValuesIn(kBufferedDataProviderRows),
+                         RowName());
+
+Row const kAsyncTaskRows[] = {
+    {"WaitForCompletion", SlotOf(&IAsyncTask::WaitForCompletion), 9},
+    {"IsCompleted", SlotOf(&IAsyncTask::IsCompleted), 10},
+    {"GetStatus", SlotOf(&IAsyncTask::GetStatus), 11},
+    {"CancelTask", SlotOf(&IAsyncTask::CancelTask), 12},
+};
+INSTANTIATE_TEST_SUITE_P(IAsyncTask, Slots, ::testing::ValuesIn(kAsyncTaskRows), RowName());
+
+Row const kAsyncReaderRows[] = {
+    {"ReadAsync", SlotOf(&IAsyncReader::ReadAsync), 9},
+    {"ReadSync", SlotOf(&IAsyncReader::ReadSync), 10},
+};
+INSTANTIATE_TEST_SUITE_P(IAsyncReader, Slots, ::testing::ValuesIn(kAsyncReaderRows), RowName());
+
+Row const kAsyncWriterRows[] = {
+    {"WriteAsync", SlotOf(&IAsyncWriter::WriteAsync), 9},
+    {"WriteSync", SlotOf(&IAsyncWriter::WriteSync), 10},
+};
+INSTANTIATE_TEST_SUITE_P(IAsyncWriter, Slots, ::testing::ValuesIn(kAsyncWriterRows), RowName());
 
 Row const kStreamRows[] = {
     {"Init", SlotOf(&Stream::Init), 9},
@@ -258,6 +313,22 @@ Row const kURIRows[] = {
 };
 INSTANTIATE_TEST_SUITE_P(IURI, Slots, ::testing::ValuesIn(kURIRows), RowName());
 
+using InitFromDirectory = FILE_SYS::ErrCode(FILE_SYS::DirType, CoreString const&, CoreString const&, uint32,
+                                            CoreString const&, bool8);
+
+// The inherited operations stay where they are.
+Row const kRelativeURIRows[] = {
+    {"InitFromText", Slot<void(CoreString const&)>(&IRelativeURI::Init), 9},
+    {"InitRelative", SlotOf(&IRelativeURI::InitRelative), 10},
+    {"GetName", SlotOf(&IRelativeURI::GetName), 17},
+    {"Equality", SlotOf(&IRelativeURI::operator==), 18},
+    {"InitFromDirectory", Slot<InitFromDirectory>(&IRelativeURI::Init), 19},
+    {"InitFromURI", Slot<void(IURI const&, int)>(&IRelativeURI::Init), 20},
+    {"GetRelPath", SlotOf(&IRelativeURI::GetRelPath), 21},
+    {"GetBaseDir", SlotOf(&IRelativeURI::GetBaseDir), 22},
+};
+INSTANTIATE_TEST_SUITE_P(IRelativeURI, Slots, ::testing::ValuesIn(kRelativeURIRows), RowName());
+
 Row const kURIFileRows[] = {
     {"Init", SlotOf(&IURIFile::Init), 9},
     {"Read", SlotOf(&IURIFile::Read), 10},
@@ -283,6 +354,22 @@ Row const kURIRegistryRows[] = {
     {"SetDefaultReporter", SlotOf(&IO::IURIRegistry::SetDefaultReporter), 11},
 };
 INSTANTIATE_TEST_SUITE_P(IURIRegistry, Slots, ::testing::ValuesIn(kURIRegistryRows), RowName());
+
+Row const kURICredentialRows[] = {
+    {"Init", SlotOf(&IURICredential::Init), 9},
+    {"GetUsername", SlotOf(&IURICredential::GetUsername), 10},
+    {"GetPassword", SlotOf(&IURICredential::GetPassword), 11},
+};
+INSTANTIATE_TEST_SUITE_P(IURICredential, Slots, ::testing::ValuesIn(kURICredentialRows), RowName());
+
+Row const kURIAuthenticationChallengeRows[] = {
+    {"Init", SlotOf(&IURIAuthenticationChallenge::Init), 9},
+    {"GetPreviousFailureCount", SlotOf(&IURIAuthenticationChallenge::GetPreviousFailureCount), 10},
+    {"GetPreviousFailureError", SlotOf(&IURIAuthenticationChallenge::GetPreviousFailureError), 11},
+    {"GetProposedCredential", SlotOf(&IURIAuthenticationChallenge::GetProposedCredential), 12},
+};
+INSTANTIATE_TEST_SUITE_P(IURIAuthenticationChallenge, Slots,
+                         ::testing::ValuesIn(kURIAuthenticationChallengeRows), RowName());
 
 // What hosts implement or call beside the interfaces above.
 Row const kHostRows[] = {
@@ -371,5 +458,12 @@ static_assert(kDerivesFromIObject<IDictionary> && kDerivesFromIObject<IStringDic
 static_assert(kDerivesFromIObject<IURI> && kDerivesFromIObject<IURIFile> &&
               kDerivesFromIObject<IO::IURIRegistry>);
 static_assert(kDerivesFromIObject<IO::IReporter>);
+static_assert(kDerivesFromIObject<IBufferedDataProvider> &&
+              std::is_base_of_v<IDataProvider, IBufferedDataProvider>);
+static_assert(kDerivesFromIObject<IRelativeURI> && std::is_base_of_v<IURI, IRelativeURI>);
+static_assert(kDerivesFromIObject<IAsyncTask> && kDerivesFromIObject<IAsyncReader> &&
+              kDerivesFromIObject<IAsyncWriter>);
+static_assert(kDerivesFromIObject<IURICredential> && kDerivesFromIObject<IURIAuthenticationChallenge>);
+static_assert(kDerivesFromIObject<FILE_SYS::IDir> && kDerivesFromIObject<FILE_SYS::ISystemDirContainer>);
 } // namespace
 } // namespace KORVA::TESTS

@@ -1,15 +1,20 @@
 // Which class each id makes, and how a new object looks.
+#include "BufferedDataProvider.h"
 #include "DataProvider.h"
 #include "DataProviderStream.h"
 #include "DictValue.h"
+#include "FileIO/ISystemDirContainer.h"
 #include "FileProxy.h"
 #include "PersistentDictionary.h"
+#include "RelativeURI.h"
 #include "SDK/TessIO/RecordingRegistry.h"
 #include "SDK/Tracked.h"
 #include "StringDictionary.h"
 #include "Support/Library.h"
 #include "TessIO/TessIO.h"
 #include "URI.h"
+#include "URIAuthenticationChallenge.h"
+#include "URICredential.h"
 #include "URIRegistry.h"
 
 #include <gtest/gtest.h>
@@ -41,45 +46,65 @@ Row const kRows[] = {
      {0x2517B49E, 0xBCE5, 0x404C, {0x85, 0x24, 0x3A, 0x6E, 0xC3, 0xC3, 0xB6, 0x33}},
      &Is<IO::URI>,
      true},
-    {"DataProvider",
+    {"RelativeURI",
      1,
+     {0x4E278406, 0x081C, 0x48E2, {0x97, 0xC3, 0xC6, 0xC6, 0xD8, 0x72, 0x80, 0xED}},
+     &Is<IO::RelativeURI>,
+     true},
+    {"BufferedDataProvider",
+     2,
+     {0xB314BCA1, 0x7409, 0x40EF, {0x92, 0xF9, 0x03, 0x66, 0x4D, 0x0D, 0x76, 0x62}},
+     &Is<IO::BufferedDataProvider>,
+     false},
+    {"DataProvider",
+     3,
      {0x2932BFBD, 0x9AA3, 0x454F, {0xBE, 0xFF, 0xEB, 0xC9, 0xBE, 0xEF, 0x0F, 0x0F}},
      &Is<IO::DataProvider>,
      false},
     {"DataProviderStream",
-     1,
+     3,
      {0xB775B78D, 0x0AC0, 0x4CE6, {0x8A, 0x59, 0x36, 0x34, 0xC5, 0xA5, 0x42, 0x59}},
      &Is<IO::DataProviderStream>,
      false},
     {"PersistentDictionary",
-     2,
+     4,
      {0x73E90C1F, 0xBBC6, 0x4326, {0x82, 0x41, 0x9B, 0xB4, 0x25, 0x0B, 0x1B, 0x05}},
      &Is<IO::PersistentDictionary>,
      true},
     {"Dictionary",
-     2,
+     4,
      {0x73E90CD5, 0xBBC6, 0x4326, {0x82, 0x41, 0x9B, 0xB4, 0x25, 0x0B, 0x1B, 0x05}},
      &Is<IO::PersistentDictionary>,
      true},
     {"DictionaryValue",
-     2,
+     4,
      {0x73E90C21, 0xBBC6, 0x4326, {0x82, 0x41, 0x9B, 0xB4, 0x25, 0x0B, 0x1B, 0x05}},
      &Is<IO::DictValue>,
      true},
     {"StringDictionary",
-     3,
+     5,
      {0xCD210A56, 0x284C, 0x4B7C, {0x81, 0x3F, 0x42, 0xAD, 0xDF, 0x77, 0x48, 0x53}},
      &Is<IO::StringDictionary>,
      true},
     {"URIRegistry",
-     4,
+     6,
      {0xF4D121D7, 0xC7AD, 0x494F, {0x8A, 0xF8, 0xE0, 0x87, 0x59, 0xD9, 0x6F, 0x64}},
      &Is<IO::URIRegistry>,
      false},
     {"FileProxy",
-     5,
+     7,
      {0x845E72C2, 0x6EE2, 0x4128, {0xA8, 0x76, 0xC4, 0x6F, 0x45, 0xA4, 0x3A, 0x8F}},
      &Is<IO::FileProxy>,
+     false},
+    {"URICredential",
+     8,
+     {0x5554EEC2, 0xD85B, 0x4276, {0x91, 0x97, 0x6E, 0x2A, 0x61, 0x00, 0x77, 0xE6}},
+     &Is<IO::URICredential>,
+     false},
+    {"URIAuthenticationChallenge",
+     9,
+     {0xF669429A, 0x9331, 0x4DBE, {0x89, 0xAA, 0x07, 0x43, 0x95, 0x95, 0x3D, 0x8B}},
+     &Is<IO::URIAuthenticationChallenge>,
      false},
 };
 
@@ -138,8 +163,8 @@ TEST_P(FactoryRow, MakesANewObjectEachTime)
 
 TEST_P(FactoryRow, IsServedByNoOtherFactory)
 {
-    ASSERT_EQ(Count(), 6u);
-    for (std::size_t place = 0; place < 6; ++place)
+    ASSERT_EQ(Count(), 10u);
+    for (std::size_t place = 0; place < 10; ++place)
     {
         if (place != GetParam().factory)
             ExpectRefused(place, GetParam().id);
@@ -186,8 +211,8 @@ class FactoriesTest : public Factories, public ::testing::Test
 TEST_F(FactoriesTest, TheNeighbourOfTheDictionaryIdsIsUnknown)
 {
     GUID const neighbour{0x73E90C22, 0xBBC6, 0x4326, {0x82, 0x41, 0x9B, 0xB4, 0x25, 0x0B, 0x1B, 0x05}};
-    IObject* out = &At(2);
-    EXPECT_EQ(At(2).CreateInstance(neighbour, &out), -1004);
+    IObject* out = &At(4);
+    EXPECT_EQ(At(4).CreateInstance(neighbour, &out), -1004);
     EXPECT_EQ(out, nullptr);
 }
 
@@ -195,7 +220,9 @@ TEST_F(FactoriesTest, InterfaceIdsAreNoClassIds)
 {
     for (std::size_t place = 0; place < Count(); ++place)
     {
-        for (GUID const& id : {IO::IPERSISTENT_DATA, IO::IPERSISTENT_DATA_EX, GUID{}})
+        for (GUID const& id :
+             {IO::IPERSISTENT_DATA, IO::IPERSISTENT_DATA_EX, IO::IID_ASYNC_READER, IO::IID_ASYNC_WRITER,
+              FILE_SYS::IID_IFILE, FILE_SYS::IID_SYSTEM_DIR_CONTAINER, GUID{}})
         {
             IObject* out = &At(place);
             EXPECT_EQ(At(place).CreateInstance(id, &out), -1004);
@@ -207,7 +234,7 @@ TEST_F(FactoriesTest, InterfaceIdsAreNoClassIds)
 TEST_F(FactoriesTest, ANewProviderIsNotInitialised)
 {
     TInterfacePtr<IO::IDataProvider> provider;
-    EXPECT_EQ(At(1).CreateInstance(IO::IID_IDATAPROVIDER, provider.Out()), 0);
+    EXPECT_EQ(At(3).CreateInstance(IO::IID_IDATAPROVIDER, provider.Out()), 0);
     EXPECT_EQ(provider->GetEndian(), 1);
     EXPECT_EQ(provider->Size(), 0);
     EXPECT_EQ(log.Take(), (std::vector<Logged>{{"Core/Libraries/Tessaro/Source/src/DataProvider",
@@ -218,7 +245,7 @@ TEST_F(FactoriesTest, ANewProviderIsNotInitialised)
 TEST_F(FactoriesTest, ANewStreamHasNoProvider)
 {
     TInterfacePtr<IO::IDataProviderStream> stream;
-    EXPECT_EQ(At(1).CreateInstance(IO::IID_DATAPROVIDERSTREAM, stream.Out()), 0);
+    EXPECT_EQ(At(3).CreateInstance(IO::IID_DATAPROVIDERSTREAM, stream.Out()), 0);
     EXPECT_FALSE(stream->GetDataProvider());
 }
 
@@ -227,7 +254,7 @@ TEST_F(FactoriesTest, ADictionaryAnswersItsInterfaceIdUnderBothClassIds)
     for (GUID const& id : {IO::IID_PERSISTENT_DICTIONARY, IO::IID_DICTIONARY})
     {
         TInterfacePtr<IObject> dictionary;
-        EXPECT_EQ(At(2).CreateInstance(id, dictionary.Out()), 0);
+        EXPECT_EQ(At(4).CreateInstance(id, dictionary.Out()), 0);
         IObject* out = nullptr;
         EXPECT_EQ(dictionary->QueryInterface(IO::IID_DICTIONARY, &out), 0);
         EXPECT_EQ(out, dictionary.Get());

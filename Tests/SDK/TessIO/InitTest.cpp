@@ -62,6 +62,8 @@ struct Named
 
 Named const kClasses[] = {
     {"URI", IO::IID_IURI},
+    {"RelativeURI", IO::IID_IRELATIVE_URI},
+    {"BufferedDataProvider", IO::IID_BUFFERED_DATAPROVIDER},
     {"DataProvider", IO::IID_IDATAPROVIDER},
     {"DataProviderStream", IO::IID_DATAPROVIDERSTREAM},
     {"PersistentDictionary", IO::IID_PERSISTENT_DICTIONARY},
@@ -70,6 +72,8 @@ Named const kClasses[] = {
     {"StringDictionary", IO::IID_STRING_DICTIONARY},
     {"URIRegistry", IO::IID_URI_REGISTRY},
     {"FileProxy", IO::IID_FILEPROXY},
+    {"URICredential", IO::IID_URI_CREDENTIAL},
+    {"URIAuthenticationChallenge", IO::IID_URI_AUTHENTICATION_CHALLENGE},
 };
 
 /// The classes that a factory makes, by name.
@@ -91,9 +95,10 @@ TEST_F(InitTest, RegistersTheFactoriesInTheirOrder)
     std::vector<std::string> served;
     for (auto const& factory : registry->factories)
         served.push_back(Served(*factory));
-    EXPECT_EQ(served, (std::vector<std::string>{"URI", "DataProvider DataProviderStream",
-                                                "PersistentDictionary Dictionary DictionaryValue",
-                                                "StringDictionary", "URIRegistry", "FileProxy"}));
+    EXPECT_EQ(served, (std::vector<std::string>{
+                          "URI", "RelativeURI", "BufferedDataProvider", "DataProvider DataProviderStream",
+                          "PersistentDictionary Dictionary DictionaryValue", "StringDictionary",
+                          "URIRegistry", "FileProxy", "URICredential", "URIAuthenticationChallenge"}));
     EXPECT_EQ(log.Take(), kNothing);
 }
 
@@ -108,7 +113,7 @@ TEST_F(InitTest, AnswersZeroWhenEveryRegistrationIsRejected)
 {
     Use(new RecordingRegistry(5, true));
     EXPECT_EQ(IO::Init(registry.Get()), 0);
-    EXPECT_EQ(registry->registrations, 6);
+    EXPECT_EQ(registry->registrations, 10);
     EXPECT_EQ(CountOf(*registry->witness), 1) << "factories that nobody keeps are gone";
     EXPECT_EQ(log.Take(), kNothing);
 }
@@ -118,7 +123,7 @@ TEST_F(InitTest, RegistersTheSameAgainWithAnotherRegistry)
     EXPECT_EQ(IO::Init(registry.Get()), 0);
     Use(new RecordingRegistry);
     EXPECT_EQ(IO::Init(registry.Get()), 0);
-    EXPECT_EQ(registry->factories.size(), 6u);
+    EXPECT_EQ(registry->factories.size(), 10u);
 }
 
 TEST_F(InitTest, ShutdownUnregistersNothing)
@@ -126,8 +131,8 @@ TEST_F(InitTest, ShutdownUnregistersNothing)
     EXPECT_EQ(IO::Init(registry.Get()), 0);
     IO::Shutdown();
     EXPECT_EQ(registry->unregistrations, 0);
-    EXPECT_EQ(registry->factories.size(), 6u);
-    EXPECT_EQ(Served(*registry->factories[3]), "StringDictionary");
+    EXPECT_EQ(registry->factories.size(), 10u);
+    EXPECT_EQ(Served(*registry->factories[5]), "StringDictionary");
     TInterfacePtr<IObject> object;
     EXPECT_EQ(registry->factories[0]->CreateInstance(IO::IID_IURI, object.Out()), 0);
     EXPECT_TRUE(object);
@@ -142,12 +147,17 @@ struct Registration
 
 Registration const kRegistrations[] = {
     {"URI", &IO::RegisterURIFactory, "URI"},
+    {"RelativeURI", &IO::RegisterRelativeURIFactory, "RelativeURI"},
+    {"BufferedDataProvider", &IO::RegisterBufferedDataProviderFactory, "BufferedDataProvider"},
     {"DataProvider", &IO::RegisterDataProviderFactory, "DataProvider DataProviderStream"},
     {"PersisentDictionary", &IO::RegisterPersisentDictionaryFactory,
      "PersistentDictionary Dictionary DictionaryValue"},
     {"StringDictionary", &IO::RegisterStringDictionaryFactory, "StringDictionary"},
     {"URIRegistry", &IO::RegisterURIRegistryFactory, "URIRegistry"},
     {"URIScheme", &IO::RegisterURISchemeFactory, "FileProxy"},
+    {"URICredential", &IO::RegisterURICredentialFactory, "URICredential"},
+    {"URIAuthenticationChallenge", &IO::RegisterURIAuthenticationChallengeFactory,
+     "URIAuthenticationChallenge"},
 };
 
 class RegistrationTest : public ::testing::TestWithParam<Registration>

@@ -19,11 +19,15 @@ int Init(COREREGISTRY::ICoreRegistry* registry)
     }
     // A registration that fails stops neither the others nor the host.
     static_cast<void>(RegisterURIFactory(registry));
+    static_cast<void>(RegisterRelativeURIFactory(registry));
+    static_cast<void>(RegisterBufferedDataProviderFactory(registry));
     static_cast<void>(RegisterDataProviderFactory(registry));
     static_cast<void>(RegisterPersisentDictionaryFactory(registry));
     static_cast<void>(RegisterStringDictionaryFactory(registry));
     static_cast<void>(RegisterURIRegistryFactory(registry));
     static_cast<void>(RegisterURISchemeFactory(registry));
+    static_cast<void>(RegisterURICredentialFactory(registry));
+    static_cast<void>(RegisterURIAuthenticationChallengeFactory(registry));
     RegisterURIScheme();
     return kNoError;
 }

@@ -7,11 +7,15 @@
 namespace KORVA::IO
 {
 int RegisterURIFactory(COREREGISTRY::ICoreRegistry* registry);
+int RegisterRelativeURIFactory(COREREGISTRY::ICoreRegistry* registry);
+int RegisterBufferedDataProviderFactory(COREREGISTRY::ICoreRegistry* registry);
 int RegisterDataProviderFactory(COREREGISTRY::ICoreRegistry* registry);
 int RegisterPersisentDictionaryFactory(COREREGISTRY::ICoreRegistry* registry);
 int RegisterStringDictionaryFactory(COREREGISTRY::ICoreRegistry* registry);
 int RegisterURIRegistryFactory(COREREGISTRY::ICoreRegistry* registry);
 int RegisterURISchemeFactory(COREREGISTRY::ICoreRegistry* registry);
+int RegisterURICredentialFactory(COREREGISTRY::ICoreRegistry* registry);
+int RegisterURIAuthenticationChallengeFactory(COREREGISTRY::ICoreRegistry* registry);
 
 /// Maps the scheme "file" to the file proxy.
 void RegisterURIScheme();

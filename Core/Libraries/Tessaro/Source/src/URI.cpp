@@ -1,5 +1,6 @@
 #include "URI.h"
 
+#include "LastComponent.h"
 #include "ObjectModel/ClassFactory.h"
 #include "Platform/StringServices.h"
 #include "Registration.h"
@@ -105,16 +106,7 @@ CoreString URI::GetAbsoluteString() const
 void URI::GetName(CoreString& name) const
 {
     IURI const& self = *this;
-    CoreString const path = self.GetPath();
-    // The search leaves out the last position: a separator there belongs to the name.
-    std::size_t separator = CoreString::npos;
-    if (path.size() >= 2)
-    {
-        separator = path.rfind(u'/', path.size() - 2);
-        if (separator == CoreString::npos)
-            separator = path.rfind(u'\\', path.size() - 2);
-    }
-    name = separator == CoreString::npos ? path : path.substr(separator + 1);
+    name = LastComponent(self.GetPath());
     for (std::size_t i = 0; i < name.size(); ++i)
         if (name[i] == u':')
             name[i] = u'/';

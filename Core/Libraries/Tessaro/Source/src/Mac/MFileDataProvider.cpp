@@ -3,6 +3,7 @@
 #include "CoreRegistry/CoreRegistry.h"
 #include "FileIO/LibUtils.h"
 #include "Logger/LogSite.h"
+#include "Mac/MAsyncAggregates.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/ResultCodes.h"
 
@@ -33,7 +34,6 @@ constexpr LogSite kSiteReadNull{
 
 /// What `fwrite` would have to answer for the write to count as failed.
 constexpr std::size_t kWriteError = std::numeric_limits<std::size_t>::max();
-constexpr OperationId kWriteFailed = 2;
 
 struct OpenMode
 {
@@ -41,6 +41,21 @@ struct OpenMode
     Lock lock;
     char const* stream;
 };
+
+/// Mode 3 gets a writer although it opens for reading, and no reader.
+bool HasReader(StreamMode mode)
+{
+    return mode == kStreamRead || mode == kStreamReadWrite || mode == kStreamMode4;
+}
+bool HasWriter(StreamMode mode) { return mode >= kStreamWrite && mode <= kStreamMode4; }
+
+template <class Aggregate>
+void Attach(FileDataProvider& owner, IDataProvider& outer, GUID const& iid)
+{
+    TInterfacePtr<Aggregate> created;
+    created.Adopt(new Aggregate(owner));
+    outer.Aggregate(created.Get(), iid);
+}
 
 OpenMode OpenModeOf(StreamMode mode)
 {
@@ -77,6 +92,7 @@ FileDataProvider::~FileDataProvider()
     if (mFile)
         std::fclose(mFile);
     mPathUrl.reset();
+    StoreChannel({});
     mURI.Reset();
     mReporter.Reset();
 }
@@ -105,6 +121,10 @@ ErrCode FileDataProvider::Init(IURI& uri, StreamMode mode, IDataProvider* outer)
         outer->Aggregate(file.Get(), FILE_SYS::IID_IFILE);
     else
         Log(kSiteNoFileObject, L"FILE_SYS::CreateSystemFile returned noErr but no IFile either");
+    if (HasReader(mode))
+        Attach<MAsyncReader>(*this, *outer, IID_ASYNC_READER);
+    if (HasWriter(mode))
+        Attach<MAsyncWriter>(*this, *outer, IID_ASYNC_WRITER);
     return kNoError;
 }
 

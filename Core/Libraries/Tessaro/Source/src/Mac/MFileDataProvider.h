@@ -5,9 +5,12 @@
 #include "DataProviderImpl.h"
 #include "ObjectModel/TInterfacePtr.h"
 #include "Platform/FileStream.h"
+#include "Platform/IOChannel.h"
+#include "TessIO/IAsyncTask.h"
 #include "TessIO/IReporter.h"
 #include "TessIO/IURI.h"
 
+#include <atomic>
 #include <cstdio>
 #include <memory>
 
@@ -23,8 +26,9 @@ public:
     FileDataProvider& operator=(FileDataProvider const&) = delete;
     ~FileDataProvider() override;
 
-    /// Opens the file that `uri` (shared) names and aggregates the URI and the file object on `outer`. To be
-    /// called once. 0, or a code of `IDataProvider::InitURIBased` and nothing aggregated.
+    /// Opens the file that `uri` (shared) names and aggregates the URI, the file object and, as the mode
+    /// has it, the asynchronous reader and writer on `outer`. To be called once. 0, or a code of
+    /// `IDataProvider::InitURIBased` and nothing aggregated.
     ErrCode Init(IURI& uri, StreamMode mode, IDataProvider* outer);
 
     /// 13 for a null buffer. Repeats until all is written: on a stream that can't be written to it never
@@ -38,14 +42,31 @@ public:
     ErrCode SetPosition(int64 offset, IDataProvider::Offset from) override;
     int64 GetPosition() const override;
 
+    // What the asynchronous reader and writer call; safe from any thread.
+
+    /// Puts the position to 0 and makes the channel unless there is one that works. 0, or 35.
+    ErrCode EnableAsync();
+    ErrCode ReadAsync(int64 offset, void* buffer, std::size_t length, IAsyncTaskPtr& task);
+    ErrCode ReadSync(int64 offset, void* buffer, std::size_t length);
+    ErrCode WriteAsync(int64 offset, void const* buffer, std::size_t length, IAsyncTaskPtr& task);
+    ErrCode WriteSync(int64 offset, void const* buffer, std::size_t length);
+
 private:
     friend struct KORVA::LayoutProbe;
 
     ErrCode OpenFile(StreamMode mode);
+    /// Null when asynchronous operation is off.
+    PLATFORM::IOChannelRef Channel() const;
+    void StoreChannel(PLATFORM::IOChannelRef channel);
 
     std::unique_ptr<PLATFORM::PathString> mPathUrl;
     std::FILE* mFile = nullptr;
     TInterfacePtr<IReporter> mReporter;
     TInterfacePtr<IURI> mURI;
+    PLATFORM::IOChannelRef mChannel;
+    /// Cleared by the channel when it fails.
+    std::atomic<bool8> mAsyncEnabled{false};
+    /// Held while `mChannel` is copied or exchanged.
+    mutable std::atomic_flag mChannelGuard;
 };
 } // namespace KORVA::IO

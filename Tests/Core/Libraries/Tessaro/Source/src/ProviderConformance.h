@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Support/LogCapture.h"
-#include "TessIO/IDataProvider.h"
+#include "TessIO/IBufferedDataProvider.h"
 
 #include <optional>
 #include <vector>
@@ -31,6 +31,7 @@ struct ProviderRow
     char const* name;
     ProviderKind kind;
     bool writable;
+    bool resizable;
 
     // Reading.
     OperationId cutShort;  ///< Some bytes, but fewer than asked for.
@@ -54,9 +55,19 @@ struct ProviderRow
     Outcome setSizeZero;
     int64 sizeAfterZero;
     Outcome setSizeNegative;
+
+    // With a buffer of a few bytes in front.
+    std::optional<IO::BufferMode> buffer = {};
+    bool readable = true;
+    bool endsEarly = false;       ///< `AtEnd` as soon as the last bytes have been fetched.
+    bool holdsBack = false;       ///< `Size` and `AtEnd` do not count what has not been flushed.
+    int64 afterUnknownOrigin = 4; ///< Where an unknown origin with 1 leads.
+    bool keepsAutoFlush = false;  ///< As last set.
 };
 
 std::vector<ProviderRow> ProviderRows();
+/// Those of them that can be read from.
+std::vector<ProviderRow> ReadableProviderRows();
 /// Those of them that can be written to.
 std::vector<ProviderRow> WritableProviderRows();
 } // namespace KORVA::TESTS

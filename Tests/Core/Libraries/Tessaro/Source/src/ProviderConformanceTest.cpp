@@ -29,6 +29,8 @@ class DataProviderConformance : public LibraryTestWith<ProviderRow>
 protected:
     Provider Make(std::string const& content = kProviderContent)
     {
+        // A file that is still open would be locked.
+        mWrapped.Reset();
         auto provider = COREREGISTRY::CreateObject<IDataProvider>(IO::IID_IDATAPROVIDER);
         mMemory = content;
         switch (GetParam().kind)
@@ -47,7 +49,7 @@ protected:
                       0);
             break;
         }
-        return provider;
+        return GetParam().buffer ? Wrap(provider, *GetParam().buffer) : provider;
     }
 
     Provider MakeAt(int64 position)
@@ -70,9 +72,14 @@ protected:
     /// Everything, from the start.
     std::string ContentOf(IDataProvider& provider)
     {
-        EXPECT_EQ(provider.SetPosition(0, IDataProvider::kFromStart), 0);
-        auto count = static_cast<int32>(provider.Size());
-        return count == 0 ? std::string() : Read(provider, count, 0);
+        if (!GetParam().readable)
+        {
+            EXPECT_EQ(provider.Flush(), 0);
+        }
+        IDataProvider& source = GetParam().readable ? provider : *mWrapped;
+        EXPECT_EQ(source.SetPosition(0, IDataProvider::kFromStart), 0);
+        auto count = static_cast<int32>(source.Size());
+        return count == 0 ? std::string() : Read(source, count, 0);
     }
 
     void ExpectOutcome(Outcome const& expected, int32 result)
@@ -82,8 +89,25 @@ protected:
     }
 
 private:
+    Provider Wrap(Provider const& provider, IO::BufferMode mode)
+    {
+        mWrapped = provider;
+        auto buffered = COREREGISTRY::CreateObject<IO::IBufferedDataProvider>(IO::IID_BUFFERED_DATAPROVIDER);
+        EXPECT_EQ(buffered->Init(*provider, 4, mode), 3) << "two references are the test's";
+        Provider wrapper;
+        wrapper.Adopt(buffered.Detach());
+        return wrapper;
+    }
+
     TESTS::TemporaryDirectory mDirectory;
     std::string mMemory;
+    /// Under the buffer, where there is one.
+    Provider mWrapped;
+};
+
+/// What those do that can be read from.
+class ReadableProviderConformance : public DataProviderConformance
+{
 };
 
 /// What those can do on top that can be written to.
@@ -99,7 +123,7 @@ TEST_P(DataProviderConformance, BeginsAtTheStart)
     EXPECT_FALSE(provider->AtEnd());
 }
 
-TEST_P(DataProviderConformance, ReadsInPieces)
+TEST_P(ReadableProviderConformance, ReadsInPieces)
 {
     Provider const provider = Make();
     int32 count = 3;
@@ -108,14 +132,14 @@ TEST_P(DataProviderConformance, ReadsInPieces)
     EXPECT_EQ(Read(*provider, count, 0), "345");
     EXPECT_EQ(Read(*provider, count, 0), "678");
     EXPECT_EQ(provider->GetPosition(), 9);
-    EXPECT_FALSE(provider->AtEnd());
+    EXPECT_EQ(provider->AtEnd(), GetParam().endsEarly);
     EXPECT_EQ(Read(*provider, count, GetParam().cutShort), "9");
     EXPECT_EQ(count, 1);
     EXPECT_EQ(provider->GetPosition(), 10);
     EXPECT_TRUE(provider->AtEnd());
 }
 
-TEST_P(DataProviderConformance, ReadsJustWhatIsThere)
+TEST_P(ReadableProviderConformance, ReadsJustWhatIsThere)
 {
     Provider const provider = Make();
     int32 count = 10;
@@ -124,7 +148,7 @@ TEST_P(DataProviderConformance, ReadsJustWhatIsThere)
     EXPECT_TRUE(provider->AtEnd());
 }
 
-TEST_P(DataProviderConformance, ReadsNoneAtTheEnd)
+TEST_P(ReadableProviderConformance, ReadsNoneAtTheEnd)
 {
     Provider const provider = MakeAt(10);
     for (int i = 0; i < 2; ++i)
@@ -139,7 +163,7 @@ TEST_P(DataProviderConformance, ReadsNoneAtTheEnd)
     EXPECT_EQ(Read(*provider, count, 0), "89");
 }
 
-TEST_P(DataProviderConformance, ReadsNothing)
+TEST_P(ReadableProviderConformance, ReadsNothing)
 {
     for (int64 const position : {4, 10})
     {
@@ -153,7 +177,7 @@ TEST_P(DataProviderConformance, ReadsNothing)
     }
 }
 
-TEST_P(DataProviderConformance, ReadsNothingToNull)
+TEST_P(ReadableProviderConformance, ReadsNothingToNull)
 {
     Provider const provider = MakeAt(4);
     int32 count = 0;
@@ -162,7 +186,7 @@ TEST_P(DataProviderConformance, ReadsNothingToNull)
     EXPECT_EQ(provider->GetPosition(), 4);
 }
 
-TEST_P(DataProviderConformance, LargeReadsAndSmallOnesGiveTheSame)
+TEST_P(ReadableProviderConformance, LargeReadsAndSmallOnesGiveTheSame)
 {
     std::string content;
     for (int i = 0; i < 300'000; ++i)
@@ -205,12 +229,23 @@ TEST_P(DataProviderConformance, MovesFromTheStartAndFromHere)
     EXPECT_EQ(provider->SetPosition(0, IDataProvider::kFromCurrent), 0);
     EXPECT_EQ(provider->SetPosition(3, IDataProvider::kFromCurrent), 0);
     EXPECT_EQ(provider->GetPosition(), 5);
-    int32 count = 2;
-    EXPECT_EQ(Read(*provider, count, 0), "56");
-    EXPECT_EQ(provider->SetPosition(0, IDataProvider::kFromStart), 0);
-    EXPECT_EQ(Read(*provider, count, 0), "01");
     EXPECT_EQ(provider->SetPosition(10, IDataProvider::kFromStart), 0);
     EXPECT_EQ(provider->GetPosition(), 10);
+}
+
+TEST_P(ReadableProviderConformance, ReadsWhereItWasMovedTo)
+{
+    Provider const provider = Make();
+    EXPECT_EQ(provider->SetPosition(5, IDataProvider::kFromStart), 0);
+    int32 count = 2;
+    EXPECT_EQ(Read(*provider, count, 0), "56");
+    EXPECT_EQ(provider->SetPosition(-4, IDataProvider::kFromCurrent), 0);
+    EXPECT_EQ(provider->GetPosition(), 3);
+    EXPECT_EQ(Read(*provider, count, 0), "34");
+    EXPECT_EQ(provider->SetPosition(0, IDataProvider::kFromStart), 0);
+    EXPECT_EQ(Read(*provider, count, 0), "01");
+    EXPECT_EQ(provider->SetPosition(1, IDataProvider::kFromCurrent), 0);
+    EXPECT_EQ(Read(*provider, count, 0), "34");
 }
 
 TEST_P(DataProviderConformance, MovesFromTheEnd)
@@ -244,14 +279,14 @@ TEST_P(DataProviderConformance, NeverMovesBeforeTheStart)
     EXPECT_EQ(provider->GetPosition(), 4);
 }
 
-TEST_P(DataProviderConformance, UnknownOriginMovesNothing)
+TEST_P(DataProviderConformance, UnknownOrigin)
 {
     Provider const provider = MakeAt(4);
     for (int const origin : {3, -1})
     {
         ExpectOutcome(GetParam().unknownOrigin,
                       provider->SetPosition(1, static_cast<IDataProvider::Offset>(origin)));
-        EXPECT_EQ(provider->GetPosition(), 4);
+        EXPECT_EQ(provider->GetPosition(), GetParam().afterUnknownOrigin);
     }
 }
 
@@ -269,6 +304,13 @@ TEST_P(DataProviderConformance, WritesPastTheEnd)
     Provider const provider = MakeAt(8);
     ExpectOutcome(GetParam().write, provider->Write("abc", 3));
     EXPECT_EQ(provider->GetPosition(), GetParam().writable ? 11 : 8);
+    if (GetParam().holdsBack)
+    {
+        EXPECT_EQ(provider->Size(), 10);
+        EXPECT_FALSE(provider->AtEnd());
+        EXPECT_EQ(provider->Flush(), 0);
+        EXPECT_EQ(provider->GetPosition(), 11);
+    }
     EXPECT_EQ(provider->Size(), GetParam().writable ? 11 : 10);
     EXPECT_EQ(provider->AtEnd(), GetParam().writable);
     EXPECT_EQ(ContentOf(*provider), GetParam().writable ? "01234567abc" : kProviderContent);
@@ -288,6 +330,8 @@ TEST_P(WritableProviderConformance, GapReadsAsZero)
     Provider const provider = MakeAt(13);
     EXPECT_EQ(provider->Size(), 10);
     EXPECT_EQ(provider->Write("a", 1), 0);
+    EXPECT_EQ(provider->Size(), GetParam().holdsBack ? 10 : 14);
+    EXPECT_EQ(provider->Flush(), 0);
     EXPECT_EQ(provider->Size(), 14);
     EXPECT_EQ(ContentOf(*provider), std::string("0123456789\0\0\0a", 14));
 }
@@ -296,8 +340,8 @@ TEST_P(DataProviderConformance, SizeIsCut)
 {
     Provider const provider = Make();
     ExpectOutcome(GetParam().setSize, provider->SetSize(4));
-    EXPECT_EQ(provider->Size(), GetParam().writable ? 4 : 10);
-    EXPECT_EQ(ContentOf(*provider), GetParam().writable ? "0123" : kProviderContent);
+    EXPECT_EQ(provider->Size(), GetParam().resizable ? 4 : 10);
+    EXPECT_EQ(ContentOf(*provider), GetParam().resizable ? "0123" : kProviderContent);
 }
 
 TEST_P(DataProviderConformance, SizeIsExtendedByZeros)
@@ -305,9 +349,9 @@ TEST_P(DataProviderConformance, SizeIsExtendedByZeros)
     Provider const provider = Make();
     ExpectOutcome(GetParam().setSize, provider->SetSize(13));
     EXPECT_EQ(provider->GetPosition(), 0);
-    EXPECT_EQ(provider->Size(), GetParam().writable ? 13 : 10);
+    EXPECT_EQ(provider->Size(), GetParam().resizable ? 13 : 10);
     EXPECT_EQ(ContentOf(*provider),
-              GetParam().writable ? std::string("0123456789\0\0\0", 13) : kProviderContent);
+              GetParam().resizable ? std::string("0123456789\0\0\0", 13) : kProviderContent);
 }
 
 TEST_P(DataProviderConformance, CutBytesDoNotComeBack)
@@ -315,7 +359,7 @@ TEST_P(DataProviderConformance, CutBytesDoNotComeBack)
     Provider const provider = Make();
     ExpectOutcome(GetParam().setSize, provider->SetSize(4));
     ExpectOutcome(GetParam().setSize, provider->SetSize(6));
-    EXPECT_EQ(ContentOf(*provider), GetParam().writable ? std::string("0123\0\0", 6) : kProviderContent);
+    EXPECT_EQ(ContentOf(*provider), GetParam().resizable ? std::string("0123\0\0", 6) : kProviderContent);
 }
 
 TEST_P(DataProviderConformance, SizeOfNothing)
@@ -333,7 +377,7 @@ TEST_P(DataProviderConformance, SizeOfFewerThanNothing)
     EXPECT_EQ(provider->GetPosition(), 4);
 }
 
-TEST_P(DataProviderConformance, ByteOrderIsTheFacades)
+TEST_P(DataProviderConformance, ByteOrderIsKept)
 {
     Provider const provider = Make();
     EXPECT_EQ(provider->GetEndian(), IDataProvider::kLittleEndian);
@@ -345,13 +389,13 @@ TEST_P(DataProviderConformance, ByteOrderIsTheFacades)
     EXPECT_EQ(ContentOf(*provider), kProviderContent);
 }
 
-TEST_P(DataProviderConformance, HasNothingToFlush)
+TEST_P(DataProviderConformance, FlushChangesNothing)
 {
     Provider const provider = MakeAt(4);
     EXPECT_EQ(provider->Flush(), 0);
     EXPECT_TRUE(provider->GetAutoFlush());
     provider->SetAutoFlush(false);
-    EXPECT_TRUE(provider->GetAutoFlush());
+    EXPECT_EQ(provider->GetAutoFlush(), !GetParam().keepsAutoFlush);
     EXPECT_EQ(provider->GetPosition(), 4);
     EXPECT_EQ(ContentOf(*provider), kProviderContent);
 }
@@ -366,6 +410,8 @@ TEST_P(DataProviderConformance, IsHeldOnce)
 
 INSTANTIATE_TEST_SUITE_P(Providers, DataProviderConformance, ::testing::ValuesIn(TESTS::ProviderRows()),
                          RowName());
+INSTANTIATE_TEST_SUITE_P(Providers, ReadableProviderConformance,
+                         ::testing::ValuesIn(TESTS::ReadableProviderRows()), RowName());
 INSTANTIATE_TEST_SUITE_P(Providers, WritableProviderConformance,
                          ::testing::ValuesIn(TESTS::WritableProviderRows()), RowName());
 } // namespace

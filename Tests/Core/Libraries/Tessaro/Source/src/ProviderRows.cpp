@@ -32,6 +32,7 @@ ProviderRow ReadOnlyMemory()
         .name = "ReadOnlyMemory",
         .kind = ProviderKind::kReadOnlyMemory,
         .writable = false,
+        .resizable = false,
         .cutShort = 0,
         .noneLeft = 0,
         .nothingToNull = {13,
@@ -77,6 +78,7 @@ ProviderRow MemoryHandle()
         .name = "MemoryHandle",
         .kind = ProviderKind::kMemoryHandle,
         .writable = true,
+        .resizable = true,
         .cutShort = 28,
         .noneLeft = 28,
         .nothingToNull = {0},
@@ -112,6 +114,7 @@ ProviderRow File()
         .name = "File",
         .kind = ProviderKind::kFile,
         .writable = true,
+        .resizable = true,
         .cutShort = 0,
         .noneLeft = 3,
         .nothingToNull = {13,
@@ -137,14 +140,58 @@ ProviderRow File()
         .setSizeNegative = {0},
     };
 }
-} // namespace
 
-std::vector<ProviderRow> ProviderRows() { return {ReadOnlyMemory(), MemoryHandle(), File()}; }
+/// The same provider with a buffer in front.
+ProviderRow Buffered(ProviderRow row, char const* name, IO::BufferMode mode)
+{
+    row.name = name;
+    row.buffer = mode;
+    row.readable = mode != IO::kBufferWrites;
+    row.writable = mode != IO::kBufferReads;
+    row.cutShort = 0;
+    row.noneLeft = 0;
+    row.nothingToNull = {0};
+    row.end = 10;
+    row.threeFromEnd = 7;
+    row.endsEarly = row.readable;
+    row.holdsBack = row.writable;
+    // What is wrapped is always moved from its start.
+    row.backTooFar = row.beforeStart;
+    row.unknownOrigin = {0};
+    row.afterUnknownOrigin = 1;
+    if (!row.writable)
+        row.write = {35,
+                     {{"Core/Libraries/Tessaro/Source/src/BufferedDataProvider",
+                       "virtual OperationId KORVA::IO::BufferedDataProvider::Write(const void *, size_t)",
+                       248, "Write to read only Buffered data provider."}}};
+    row.writeNothing = row.write;
+    row.writeNothingFromNull = row.write;
+    row.keepsAutoFlush = true;
+    return row;
+}
 
-std::vector<ProviderRow> WritableProviderRows()
+std::vector<ProviderRow> RowsThatAre(bool ProviderRow::*chosen)
 {
     std::vector<ProviderRow> rows = ProviderRows();
-    std::erase_if(rows, [](ProviderRow const& row) { return !row.writable; });
+    std::erase_if(rows, [chosen](ProviderRow const& row) { return !(row.*chosen); });
     return rows;
 }
+} // namespace
+
+std::vector<ProviderRow> ProviderRows()
+{
+    return {ReadOnlyMemory(),
+            MemoryHandle(),
+            File(),
+            Buffered(MemoryHandle(), "ReadBufferedMemory", IO::kBufferReads),
+            Buffered(MemoryHandle(), "WriteBufferedMemory", IO::kBufferWrites),
+            Buffered(MemoryHandle(), "BufferedMemory", IO::kBufferBoth),
+            Buffered(File(), "ReadBufferedFile", IO::kBufferReads),
+            Buffered(File(), "WriteBufferedFile", IO::kBufferWrites),
+            Buffered(File(), "BufferedFile", IO::kBufferBoth)};
+}
+
+std::vector<ProviderRow> ReadableProviderRows() { return RowsThatAre(&ProviderRow::readable); }
+
+std::vector<ProviderRow> WritableProviderRows() { return RowsThatAre(&ProviderRow::writable); }
 } // namespace KORVA::TESTS

@@ -4,10 +4,15 @@
 #include "Mac/FileProviderFixture.h"
 #include "Mac/MFileDataProvider.h"
 #include "Platform/Posix/ChildProcess.h"
+#include "TessIO/IAsyncReader.h"
+#include "TessIO/IAsyncWriter.h"
 
 #include <fcntl.h>
 
 #include <gmock/gmock.h>
+
+#include <climits>
+#include <set>
 
 namespace KORVA
 {
@@ -79,6 +84,72 @@ TEST_P(FileAggregates, AreTheURIAndTheFile)
 
 ModeRow const kModes[] = {{"Unknown", -1}, {"Read", 0}, {"ReadWrite", 2}, {"Three", 3}, {"Four", 4}};
 INSTANTIATE_TEST_SUITE_P(Modes, FileAggregates, ::testing::ValuesIn(kModes), RowName());
+
+struct AsyncRow
+{
+    char const* name;
+    int mode;
+    bool reader;
+    bool writer;
+};
+
+class FileAsyncAggregates : public FileProviderTestWith<AsyncRow>
+{
+};
+
+TEST_P(FileAsyncAggregates, AreThoseOfTheMode)
+{
+    Provider facade = Open(mDirectory.File("file", "content"), GetParam().mode);
+    std::size_t aggregates = 2;
+    auto const expect = [&](GUID const& iid, bool there) {
+        aggregates += there;
+        IObject* found = nullptr;
+        EXPECT_EQ(facade->QueryInterface(iid, &found), there ? 0 : -1004);
+        EXPECT_EQ(found != nullptr, there);
+        if (!found)
+            return TInterfacePtr<IObject>();
+        // The table's one.
+        EXPECT_EQ(ReferencesTo(*found), 1);
+        EXPECT_TRUE(found->GetAggregates().empty());
+        TInterfacePtr<IObject> kept;
+        kept.Share(found);
+        return kept;
+    };
+    TInterfacePtr<IObject> const reader = expect(IO::IID_ASYNC_READER, GetParam().reader);
+    EXPECT_EQ(dynamic_cast<IO::IAsyncReader*>(reader.Get()) != nullptr, GetParam().reader);
+    TInterfacePtr<IObject> const writer = expect(IO::IID_ASYNC_WRITER, GetParam().writer);
+    EXPECT_EQ(dynamic_cast<IO::IAsyncWriter*>(writer.Get()) != nullptr, GetParam().writer);
+    EXPECT_EQ(facade->GetAggregates().size(), aggregates);
+    facade.Reset();
+    if (reader)
+    {
+        EXPECT_EQ(ReferencesTo(*reader), 1);
+    }
+    if (writer)
+    {
+        EXPECT_EQ(ReferencesTo(*writer), 1);
+    }
+}
+
+AsyncRow const kAsync[] = {
+    {"Read", 0, true, false},           {"ReadWrite", 2, true, true},
+    {"Three", 3, false, true},          {"Four", 4, true, true},
+    {"AfterTheLast", 5, false, false},  {"BeforeTheFirst", -1, false, false},
+    {"Largest", INT_MAX, false, false}, {"Smallest", INT_MIN, false, false},
+};
+INSTANTIATE_TEST_SUITE_P(Modes, FileAsyncAggregates, ::testing::ValuesIn(kAsync), RowName());
+
+TEST_F(FileInit, ReaderAndWriterAreTheFacadesOwn)
+{
+    fs::path const path = mDirectory.File("file", "content");
+    Provider const first = Open(path, IO::kStreamMode4);
+    Provider const second = Open(path, IO::kStreamMode4);
+    std::vector<IObject*> objects;
+    for (Provider const& facade : {first, second})
+        for (GUID const& iid : {IO::IID_ASYNC_READER, IO::IID_ASYNC_WRITER})
+            EXPECT_EQ(facade->QueryInterface(iid, &objects.emplace_back()), 0);
+    EXPECT_EQ(std::set<IObject*>(objects.begin(), objects.end()).size(), 4u);
+}
 
 TEST_F(FileInit, SharesWhileItLives)
 {

@@ -1,0 +1,13 @@
+set(mac Libraries/Tessaro/Source/src/Mac)
+tessio_add_tests(async_tests
+    ${mac}/AsyncBrokenChannelTest.cpp
+    ${mac}/AsyncConcurrencyTest.cpp
+    ${mac}/AsyncEnablingTest.cpp
+    ${mac}/AsyncFailuresTest.cpp
+    ${mac}/AsyncLifetimeTest.cpp
+    ${mac}/AsyncStressTest.cpp
+    ${mac}/MAsyncReaderTest.cpp
+    ${mac}/MAsyncTaskTest.cpp
+    ${mac}/MAsyncWriterTest.cpp)
+# For the headers beside the sources that they serve.
+target_include_directories(async_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/Libraries/Tessaro/Source/src)

@@ -1,0 +1,13 @@
+tessio_add_tests(relative_uri_tests
+    Libraries/Tessaro/Source/src/RelativeURIDamageTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIEqualityTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIFailuresTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIFindRelPathTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIInitByURITest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIInitTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURINameTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIObjectTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIPersistenceTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIReferencesTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURIResolvePathTest.cpp
+    Libraries/Tessaro/Source/src/RelativeURITwoHomesTest.cpp)
