@@ -41,7 +41,7 @@ std::string Followed(std::string path)
 }
 } // namespace
 
-AtomicFile::AtomicFile(std::string const& target) : mTarget(Followed(target))
+AtomicFile::AtomicFile(std::string const& target, mode_t permissions) : mTarget(Followed(target))
 {
     std::size_t const slash = mTarget.rfind('/');
     std::size_t const nameAt = slash == std::string::npos ? 0 : slash + 1;
@@ -65,7 +65,7 @@ AtomicFile::AtomicFile(std::string const& target) : mTarget(Followed(target))
         // A long name is cut so that the temporary's stays within the system's bound.
         mTemporary = mTarget.substr(0, nameAt) + "." + mTarget.substr(nameAt, 200) + suffix;
         mDescriptor = Descriptor(
-            open(mTemporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, replaces ? 0600 : 0666));
+            open(mTemporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, replaces ? 0600 : permissions));
         mStatus = mDescriptor ? kDone : StatusOfErrno();
         if (mStatus != kAlreadyThere)
             break;

@@ -4,6 +4,8 @@
 #include "Descriptor.h"
 #include "FileIO/IFile.h"
 
+#include <sys/types.h>
+
 #include <string>
 
 namespace KORVA::FILE_SYS
@@ -12,8 +14,10 @@ namespace KORVA::FILE_SYS
 class AtomicFile
 {
 public:
-    /// Opens the temporary beside `target`; where that is a symbolic link, beside what it points to.
-    explicit AtomicFile(std::string const& target);
+    /// Opens the temporary beside `target`; where that is a symbolic link, beside what it points to. A
+    /// temporary that replaces a file is for its user alone, one that does not has `permissions`, as far as
+    /// the user's mask lets it.
+    explicit AtomicFile(std::string const& target, mode_t permissions = 0666);
     AtomicFile(AtomicFile const&) = delete;
     AtomicFile& operator=(AtomicFile const&) = delete;
     ~AtomicFile();

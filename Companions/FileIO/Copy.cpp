@@ -62,7 +62,7 @@ ErrCode CopyFile(std::string const& source, std::string const& target)
     if (!S_ISREG(status.st_mode) || sameFile)
         return kFailed;
 
-    AtomicFile copy(target);
+    AtomicFile copy(target, 0600);
     if (copy.Status() != kDone)
         return copy.Status();
     auto const total = static_cast<uint64>(status.st_size);
@@ -78,8 +78,14 @@ ErrCode CopyFile(std::string const& source, std::string const& target)
         done += static_cast<uint64>(copied);
         if (progress && !progress->OnCopied(done, std::max(done, total)))
             return kCancelled;
-        if (copied == 0)
-            break;
+        if (copied != 0)
+            continue;
+        // A source that was cut meanwhile must not replace a whole target. One that never had what it says,
+        // as the kernel's own may, is copied as far as it goes.
+        struct stat now;
+        if (done < total && (fstat(from.Get(), &now) != 0 || now.st_size != status.st_size))
+            return kFailed;
+        break;
     }
     timespec const times[2] = {status.st_atim, status.st_mtim};
     // Set-user and set-group bits are not carried to a file that may have another owner.

@@ -1,6 +1,7 @@
 #include "UserDirs.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 
@@ -62,6 +63,9 @@ std::optional<std::string> DirOfLine(std::string_view line, std::string const& h
 std::string ListedUserDir(std::string const& file, std::string const& home, std::string_view key)
 {
     std::string found;
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error))
+        return found;
     std::ifstream list(file);
     for (std::string line; std::getline(list, line);)
         if (std::optional<std::string> path = DirOfLine(line, home, key))

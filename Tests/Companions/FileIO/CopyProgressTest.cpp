@@ -14,6 +14,8 @@ struct Heard
     std::vector<std::pair<uint64, uint64>> calls;
     /// Stops the copy at the call of this number, counted from 1.
     std::size_t stopAt = 0;
+    /// Cut to nothing at the first call.
+    fs::path cut;
 };
 
 class Progress final : public TObject<FILE_SYS::ICopyProgress>
@@ -23,6 +25,8 @@ public:
 
     bool OnCopied(uint64 done, uint64 total) override
     {
+        if (mHeard.calls.empty() && !mHeard.cut.empty())
+            fs::resize_file(mHeard.cut, 0);
         mHeard.calls.emplace_back(done, total);
         return mHeard.calls.size() != mHeard.stopAt;
     }
@@ -120,6 +124,14 @@ TEST_F(CopyProgressTest, HearsNothingOfACopyThatCannotBegin)
 {
     EXPECT_EQ(Bound("missing")->CopyTo(Text(Path("b"))), 15);
     EXPECT_TRUE(heard.calls.empty());
+}
+
+TEST_F(CopyProgressTest, ASourceCutMeanwhileReplacesNothing)
+{
+    heard.cut = directory.File("a", std::string(20'000'000, 'x'));
+    directory.File("b", "kept");
+    EXPECT_EQ(Bound("a")->CopyTo(Text(Path("b"))), FILE_SYS::kFailed);
+    EXPECT_EQ(Content(Path("b")), "kept");
 }
 } // namespace
 } // namespace KORVA::TESTS
