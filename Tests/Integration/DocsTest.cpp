@@ -3,6 +3,7 @@
 #include "Support/Bytes.h"
 #include "Support/Process.h"
 #include "TessIO/IDictionary.h"
+#include "TessIO/IRelativeURI.h"
 #include "TessIO/IStringDictionary.h"
 
 #include <map>
@@ -63,6 +64,12 @@ TInterfacePtr<IObject> Sample(std::string const& name)
         uri->Init(u"/a");
         object.Share(uri.Get());
     }
+    else if (name == "relative")
+    {
+        auto const uri = CreateObject<IO::IRelativeURI>(IO::IID_IRELATIVE_URI);
+        uri->Init(FILE_SYS::kDocumentsDir, u"file", u"", 0, u"a", true);
+        object.Share(uri.Get());
+    }
     return object;
 }
 
@@ -102,7 +109,7 @@ TEST_F(Docs, FormatShowsTheBytesThatTheLibraryWrites)
         EXPECT_EQ(ToHex(written), ToHex(Hex(hex)));
         ++shown;
     }
-    EXPECT_EQ(shown, 8);
+    EXPECT_EQ(shown, 10);
 }
 
 TEST(Readme, ShowsTheExampleHostAsItIs)

@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
                  {"dict", "set", "d", "1", "int", "1"},
                  "\"int\" is no type; the types are int8 uint8 int16 uint16 int32 uint32 int64 uint64 float "
                  "double guid "
-                 "bytes file text dict\n"},
+                 "bytes file text uri relative dict\n"},
         UsageRow{"NumberOutOfRange",
                  {"dict", "set", "d", "1", "int8", "128"},
                  "\"128\" is no int8: the range is -128 to 127\n"},

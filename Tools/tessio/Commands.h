@@ -12,6 +12,8 @@ struct Common
     bool json = false;
 };
 
+void AddCatCommand(CLI::App& app, Common const& common);
+void AddDirsCommand(CLI::App& app, Common const& common);
 void AddUriCommand(CLI::App& app, Common const& common);
 void AddStringsCommand(CLI::App& app, Common const& common);
 void AddDictCommand(CLI::App& app, Common const& common);

@@ -1,16 +1,20 @@
 // tessio cp: copies a file, with progress on a terminal.
+#include "Blocks.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "FileIO/ICopyProgress.h"
 #include "Location.h"
 #include "ObjectModel/ClassFactory.h"
 #include "Output.h"
+#include "SafeTarget.h"
 #include "TessIO/ResultCodes.h"
 
 #include <fmt/format.h>
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -29,6 +33,7 @@ struct Arguments
 {
     std::string source;
     std::string target;
+    bool clone = false;
 };
 
 std::atomic<bool> sInterrupted{false};
@@ -53,13 +58,14 @@ public:
         return !sInterrupted;
     }
 
-private:
+protected:
     ~Progress() override
     {
         if (mShown)
             std::fputs("\r\033[K", stderr);
     }
 
+private:
     bool const mShows = isatty(STDERR_FILENO) == 1;
     bool mShown = false;
     Clock::time_point mNext = Clock::now() + std::chrono::milliseconds(500);
@@ -111,20 +117,88 @@ std::string TargetOf(Session const& session, Arguments const& arguments)
     return (path / source.filename()).string();
 }
 
-[[noreturn]] void CannotCopy(Arguments const& arguments, IO::IURIFile const& source,
-                             std::string const& target)
+std::string WhatOf(Arguments const& arguments, std::string const& target)
 {
-    std::filesystem::path const from = source.GetURI()->GetPath().ToUTF8();
+    return fmt::format("cannot copy {} to {}", Quoted(arguments.source), Quoted(target));
+}
+
+[[noreturn]] void CannotCopy(Arguments const& arguments, std::string const& target, std::string const& reason)
+{
+    throw Failure(Exit::kInputOutput, fmt::format("{}: {}; nothing is changed", WhatOf(arguments, target),
+                                                  sInterrupted ? "interrupted" : reason));
+}
+
+/// Lets the file system copy, which may only share the blocks.
+void Clone(Arguments const& arguments, IO::IURIFile const& source, IO::IURIFile& copy,
+           std::string const& target)
+{
+    if (copy.Copy(source) != kNoError)
+        CannotCopy(arguments, target, "no permission, no such directory, or no space left");
+}
+
+constexpr char kSourceShort[] = "the source can't be read, or became shorter";
+
+/// Reads and writes many pieces at once, so that neither side waits for the other. Empty, or why not.
+std::string Transfer(IO::IAsyncReader& reader, IO::IAsyncWriter& writer, int64 size, Progress& progress)
+{
+    constexpr auto kPiece = static_cast<int64>(Block::kSize);
+    constexpr auto kAll = static_cast<int64>(kBlocks);
+    // Half of the blocks are being read, half written.
+    constexpr int64 kAhead = kAll / 2;
+    int64 const pieces = (size + kPiece - 1) / kPiece;
+    std::array<Block, kBlocks> blocks;
+    for (int64 i = 0; i < pieces + kAll; ++i)
+    {
+        Block& block = blocks[static_cast<std::size_t>(i % kAll)];
+        if (i >= kAll && !block.Wait())
+            return "writing failed, or no space left";
+        if (!progress.OnCopied(static_cast<uint64>(std::clamp<int64>((i - kAll) * kPiece, 0, size)),
+                               static_cast<uint64>(size)))
+            return "interrupted";
+        if (i < pieces && !block.BeginRead(reader, i * kPiece,
+                                           static_cast<std::size_t>(std::min(kPiece, size - i * kPiece))))
+            return "the source can't be read";
+        int64 const read = i - kAhead;
+        if (read < 0 || read >= pieces)
+            continue;
+        Block& full = blocks[static_cast<std::size_t>(read % kAll)];
+        if (!full.Wait())
+            return kSourceShort;
+        if (!full.BeginWrite(writer))
+            return "the target can't be written";
+    }
+    return {};
+}
+
+/// Copies through the asynchronous interfaces. False, and nothing done, where the source has none or tells no
+/// size.
+bool CopyPieces(Session const& session, Arguments const& arguments, IO::IURIFile const& source,
+                std::string const& target)
+{
+    auto const from = OpenToRead(session, arguments.source)->GetDataProvider();
+    IO::IAsyncReader* const reader = ReaderOf(*from);
+    int64 const size = from->Size();
+    uint64 modified = 0;
+    if (!reader || size <= 0 || source.GetModificationDate(modified) != kNoError)
+        return false;
     std::error_code error;
-    std::string reason = "no permission, no such directory, or no space left";
-    if (sInterrupted)
-        reason = "interrupted";
-    else if (std::filesystem::is_directory(from, error))
-        reason = "is a directory";
-    else if (std::filesystem::equivalent(from, target, error))
-        reason = "source and target are the same file";
-    throw Failure(Exit::kInputOutput, fmt::format("cannot copy {} to {}: {}; nothing is changed",
-                                                  Quoted(arguments.source), Quoted(target), reason));
+    std::filesystem::perms const permissions =
+        std::filesystem::status(source.GetURI()->GetPath().ToUTF8(), error).permissions();
+    SafeTarget safe(session, URIOf(session, target)->GetPath().ToUTF8(), WhatOf(arguments, target));
+    auto const to = OpenToWrite(session, safe.Temporary())->GetDataProvider();
+    IO::IAsyncWriter* const writer = WriterOf(*to);
+    if (!writer)
+        return false;
+    TInterfacePtr<Progress> progress;
+    progress.Adopt(new Progress);
+    std::string const reason = Transfer(*reader, *writer, size, *progress);
+    // The system's own files may have less than they say.
+    if (!reason.empty() && reason == kSourceShort && from->Size() == size)
+        return false;
+    if (!reason.empty())
+        CannotCopy(arguments, target, reason);
+    safe.Commit(permissions, modified);
+    return true;
 }
 
 void Run(Common const& common, Arguments const& arguments)
@@ -132,13 +206,19 @@ void Run(Common const& common, Arguments const& arguments)
     Session const session(common.verbose);
     IO::IURIFilePtr const source = FileOf(session, arguments.source);
     if (!source->Exists())
-        throw Failure(Exit::kNotFound, "cannot copy " + Quoted(arguments.source) + ": no such file");
+        NoSuchFile("copy", arguments.source, *source->GetURI());
     std::string const target = TargetOf(session, arguments);
     IO::IURIFilePtr const copy = FileOf(session, target);
+    std::filesystem::path const from = source->GetURI()->GetPath().ToUTF8();
+    std::error_code error;
+    if (std::filesystem::is_directory(from, error))
+        CannotCopy(arguments, target, "is a directory");
+    if (std::filesystem::equivalent(from, copy->GetURI()->GetPath().ToUTF8(), error))
+        CannotCopy(arguments, target, "source and target are the same file");
     COREREGISTRY::RegisterNewFactory<ProgressFactory>(session.Registry());
     InterruptGuard const guard;
-    if (copy->Copy(*source) != kNoError)
-        CannotCopy(arguments, *source, target);
+    if (arguments.clone || !CopyPieces(session, arguments, *source, target))
+        Clone(arguments, *source, *copy, target);
 }
 } // namespace
 
@@ -148,6 +228,8 @@ void AddCopyCommand(CLI::App& app, Common const& common)
     auto const arguments = std::make_shared<Arguments>();
     command->add_option("SOURCE", arguments->source, "Path or URL of the file")->required();
     command->add_option("TARGET", arguments->target, "Its new name, or a directory")->required();
+    command->add_flag("--clone", arguments->clone,
+                      "Let the file system copy, which may share the blocks instead");
     command->callback([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "Output.h"
 #include "RecordFile.h"
+#include "RelativeNames.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/IDictionary.h"
 #include "Values.h"
@@ -103,7 +104,22 @@ std::string Line(Node const& node)
         return node.value.content.index() == 0 ? node.value.type : node.value.type + " " + Shown(node.value);
     if (node.kind == Node::Kind::kDictionary || node.kind == Node::Kind::kStrings)
         return fmt::format("{}, {}", ClassName(node.classId), Entries(node));
+    if (node.kind == Node::Kind::kURI)
+        return "uri " + Quoted(node.text);
+    if (node.kind == Node::Kind::kRelativeURI)
+        return fmt::format("relative {}:{}", node.directory, Escaped(node.text));
     return ClassName(node.classId);
+}
+
+/// Where a relative URI leads on this system.
+std::string PathHere(Node const& node, Arguments const& arguments)
+{
+    for (Directory const& directory : Directories())
+        if (node.directory == directory.name)
+            return RelativeURIOf(directory, node.text, Exit::kNotFound)->GetPath().ToUTF8();
+    throw Failure(Exit::kNotFound,
+                  fmt::format("{} of {} is named from the directory {}, which nobody knows here",
+                              arguments.key, Quoted(arguments.file), node.directory));
 }
 
 void Set(Common const& common, Arguments const& arguments)
@@ -144,9 +160,18 @@ void Get(Common const& common, Arguments const& arguments)
     if (arguments.raw)
         PrintRaw(node, arguments);
     else if (common.json)
-        PrintJson({{"entry", ToJson(node)}});
+    {
+        Json entry = ToJson(node);
+        if (node.kind == Node::Kind::kRelativeURI)
+            entry["path"] = PathHere(node, arguments);
+        PrintJson({{"entry", entry}});
+    }
     else if (node.kind == Node::Kind::kValue)
         Print(Shown(node.value) + "\n");
+    else if (node.kind == Node::Kind::kURI)
+        Print(Escaped(node.text) + "\n");
+    else if (node.kind == Node::Kind::kRelativeURI)
+        Print(Escaped(PathHere(node, arguments)) + "\n");
     else
         Print(Line(node) + "\n");
 }
@@ -219,7 +244,8 @@ void AddDictCommand(CLI::App& app, Common const& common)
     set->add_option(
         "VALUE", arguments->value,
         "Numbers in any base (42, 0x2A, 0o52, 0b101010), a {GUID}, bytes in hexadecimal, a file's name, "
-        "text; none for dict. Write -- before a value that begins with a dash");
+        "text, a location (uri), a file named from a directory (relative: documents:notes/a.txt); none for "
+        "dict. Write -- before a value that begins with a dash");
     set->add_flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
     CLI::App* const get = add("get", "Print a value", &Get);
     get->add_option("KEY", arguments->key, kKeyHelp)->required();

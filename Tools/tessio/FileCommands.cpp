@@ -1,4 +1,4 @@
-// tessio stat, cat, rm, touch: files through the URI registry.
+// tessio stat, rm, touch: files through the URI registry.
 #include "Commands.h"
 #include "Dates.h"
 #include "Failure.h"
@@ -26,11 +26,6 @@ struct Arguments
     std::string date;
 };
 
-[[noreturn]] void NoSuchFile(char const* operation, std::string const& location)
-{
-    throw Failure(Exit::kNotFound, fmt::format("cannot {} {}: no such file", operation, Quoted(location)));
-}
-
 std::optional<uint64> Ask(IURIFile const& file, ErrCode (IURIFile::*get)(uint64&) const)
 {
     uint64 value = 0;
@@ -57,7 +52,7 @@ void StatOne(Session const& session, std::string const& location, Common const& 
 {
     IO::IURIFilePtr const file = FileOf(session, location);
     if (!file->Exists())
-        NoSuchFile("stat", location);
+        NoSuchFile("stat", location, *file->GetURI());
     auto const size = Ask(*file, &IURIFile::GetSize);
     auto const modified = Ask(*file, &IURIFile::GetModificationDate);
     auto const created = Ask(*file, &IURIFile::GetCreationDate);
@@ -96,28 +91,6 @@ void Stat(Common const& common, Arguments const& arguments)
         PrintJson({{"files", all}});
 }
 
-void Cat(Common const& common, Arguments const& arguments)
-{
-    Session const session(common.verbose);
-    constexpr int kPiece = 256 * 1024;
-    std::vector<char> piece(kPiece);
-    for (std::string const& location : arguments.locations)
-    {
-        auto const stream = OpenToRead(session, location);
-        int64 const size = stream->GetDataProvider()->Size();
-        int64 done = 0;
-        for (int count = kPiece; count > 0; done += count)
-        {
-            count = kPiece;
-            static_cast<void>(stream->Read(piece.data(), count));
-            Print({piece.data(), static_cast<std::size_t>(count)});
-        }
-        if (done < size)
-            throw Failure(Exit::kInputOutput, fmt::format("cannot read {}: {} of {} bytes could be read",
-                                                          Quoted(location), done, size));
-    }
-}
-
 void RemoveFiles(Common const& common, Arguments const& arguments)
 {
     Session const session(common.verbose);
@@ -127,7 +100,7 @@ void RemoveFiles(Common const& common, Arguments const& arguments)
         if (file->Delete() == kNoError)
             continue;
         if (!file->Exists())
-            NoSuchFile("remove", location);
+            NoSuchFile("remove", location, *file->GetURI());
         std::error_code error;
         bool const isDirectory = std::filesystem::is_directory(file->GetURI()->GetPath().ToUTF8(), error);
         throw Failure(Exit::kInputOutput, fmt::format("cannot remove {}: {}", Quoted(location),
@@ -161,7 +134,6 @@ void AddFileCommands(CLI::App& app, Common const& common)
         return command;
     };
     add("stat", "Show size, dates and permissions of files", &Stat);
-    add("cat", "Print files", &Cat);
     add("rm", "Remove files", &RemoveFiles);
     add("touch", "Create files that are not there, and set the modification date", &Touch)
         ->add_option("--date", arguments->date,

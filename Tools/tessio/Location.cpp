@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <limits>
 
 namespace TOOL
 {
@@ -77,6 +78,18 @@ TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string cons
 }
 } // namespace
 
+void NoSuchFile(char const* operation, std::string const& location, IO::IURI const& uri)
+{
+    std::filesystem::path path;
+    std::error_code error;
+    if (IO::FilePathOf(uri, path) == kNoError)
+        static_cast<void>(std::filesystem::status(path, error));
+    bool const closed = error == std::errc::permission_denied;
+    throw Failure(closed ? Exit::kInputOutput : Exit::kNotFound,
+                  std::string("cannot ") + operation + " " + Quoted(location) +
+                      (closed ? ": permission denied" : ": no such file"));
+}
+
 IO::IURIPtr URIOf(Session const& session, std::string const& location)
 {
     if (IsURL(location))
@@ -121,6 +134,9 @@ std::vector<unsigned char> ReadWhole(IDataProviderStream& stream, std::string co
 {
     TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
     int64 const size = provider->Size();
+    if (size > std::numeric_limits<int32>::max())
+        throw Failure(Exit::kInputOutput,
+                      "cannot read " + Quoted(location) + ": files of 2 GiB and more are not supported");
     std::vector<unsigned char> content;
     static_cast<void>(provider->SetPosition(0, IDataProvider::kFromStart));
     for (;;)

@@ -16,13 +16,16 @@ KORVA::IO::IURIPtr URIOf(Session const& session, std::string const& location);
 /// The file object that serves the location's scheme.
 KORVA::IO::IURIFilePtr FileOf(Session const& session, std::string const& location);
 
+/// Ends the command: a file that can't be found to stat, copy or remove it.
+[[noreturn]] void NoSuchFile(char const* operation, std::string const& location, KORVA::IO::IURI const& uri);
+
 /// Opens the file for reading, or for reading and writing (which locks it against others).
 KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToRead(Session const& session,
                                                                 std::string const& location);
 KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToWrite(Session const& session,
                                                                  std::string const& location);
 
-/// Reads a stream's file from the start to the end.
+/// Reads a stream's file from the start to the end. Ends the command for one of 2 GiB and more.
 std::vector<unsigned char> ReadWhole(KORVA::IO::IDataProviderStream& stream, std::string const& location);
 
 /// Makes the bytes the file's whole content, at once and safely.

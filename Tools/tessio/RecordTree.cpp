@@ -1,5 +1,6 @@
 #include "RecordTree.h"
 
+#include "Directories.h"
 #include "Failure.h"
 #include "ObjectModel/GUIDText.h"
 #include "TessIO/ClassIds.h"
@@ -38,6 +39,7 @@ constexpr ClassRow kClasses[] = {
     {IO::IID_IDICTIONARY_VALUE, "DictValue", Node::Kind::kValue},
     {IO::IID_STRING_DICTIONARY, "StringDictionary", Node::Kind::kStrings},
     {IO::IID_IURI, "URI", Node::Kind::kURI},
+    {IO::IID_IRELATIVE_URI, "RelativeURI", Node::Kind::kRelativeURI},
 };
 
 ClassRow const* FindClass(GUID const& id)
@@ -183,10 +185,25 @@ private:
         case Node::Kind::kURI:
             node.text = ReadString(end);
             break;
+        case Node::Kind::kRelativeURI:
+            Relative(node, end);
+            break;
         case Node::Kind::kStringEntry:
         case Node::Kind::kUnknownClass:
             break;
         }
+    }
+
+    void Relative(Node& node, int64 end)
+    {
+        // Scheme and host.
+        static_cast<void>(ReadString(end));
+        static_cast<void>(ReadString(end));
+        static_cast<void>(Read<uint32>(end, "a port"));
+        node.text = ReadString(end);
+        int const type = Read<int>(end, "a directory type");
+        Directory const* const directory = DirectoryOfType(type);
+        node.directory = directory ? directory->name : std::to_string(type);
     }
 
     void Nested(Node& node, std::string label, int64 end, int depth)
@@ -403,7 +420,10 @@ Json ToJson(Node const& node)
         json["type"] = node.value.type;
         json["value"] = ContentJson(node.value);
     }
-    if (node.kind == Node::Kind::kStringEntry || node.kind == Node::Kind::kURI)
+    if (node.kind == Node::Kind::kRelativeURI)
+        json["directory"] = node.directory;
+    if (node.kind == Node::Kind::kStringEntry || node.kind == Node::Kind::kURI ||
+        node.kind == Node::Kind::kRelativeURI)
         json["value"] = node.text.ToUTF8();
     if (!node.problem.empty())
         json["problem"] = node.problem;

@@ -21,6 +21,7 @@ struct Node
         kStrings,
         kStringEntry,
         kURI,
+        kRelativeURI,
         kUnknownClass
     };
 
@@ -32,8 +33,10 @@ struct Node
     std::string label;
     /// Of a dictionary value.
     Value value;
-    /// Of a URI or a string entry.
+    /// Of a URI or a string entry; of a relative URI the path from its directory.
     KORVA::STRING::CoreString text;
+    /// Of a relative URI: its directory's name, or the number where that has none.
+    std::string directory;
     /// Entries and aggregates in the order of the file.
     std::vector<Node> children;
     /// What is wrong with it, in words; empty when nothing is.

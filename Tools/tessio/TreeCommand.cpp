@@ -48,6 +48,8 @@ std::string Content(Node const& node)
         return Cut(Quoted(node.text));
     case Node::Kind::kURI:
         return Cut("URI " + Quoted(node.text));
+    case Node::Kind::kRelativeURI:
+        return Cut("RelativeURI " + node.directory + " " + Quoted(node.text));
     case Node::Kind::kUnknownClass:
         break;
     }

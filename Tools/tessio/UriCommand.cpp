@@ -1,53 +1,140 @@
 // tessio uri: what the library makes of a location.
 #include "Commands.h"
+#include "Failure.h"
+#include "Location.h"
 #include "Output.h"
+#include "RelativeNames.h"
 #include "Session.h"
 #include "TessIO/ClassIds.h"
-#include "TessIO/IURI.h"
 
 #include <fmt/format.h>
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 
 namespace TOOL
 {
 namespace
 {
-using KORVA::STRING::CoreString;
+using namespace KORVA;
+using STRING::CoreString;
 
-void Run(Common const& common, std::vector<std::string> const& locations)
+struct Arguments
 {
+    std::vector<std::string> locations;
+    std::optional<std::string> directory;
+    std::optional<std::string> base;
+};
+
+/// A labelled part. Numbers print nothing when they are 0.
+struct Part
+{
+    char const* label;
+    Json value;
+};
+
+Part TextPart(char const* label, CoreString const& text) { return {label, text.ToUTF8()}; }
+
+std::string TextOf(Json const& value)
+{
+    if (value.is_string())
+        return Escaped(value.get<std::string>());
+    return value == 0 ? "" : value.dump();
+}
+
+std::vector<Part> PartsOf(IO::IURI const& uri)
+{
+    CoreString name;
+    uri.GetName(name);
+    return {TextPart("scheme", uri.GetScheme()),
+            TextPart("host", uri.GetHost()),
+            {"port", uri.GetPortNumber()},
+            TextPart("path", uri.GetPath()),
+            TextPart("query", uri.GetQuery()),
+            TextPart("name", name),
+            TextPart("absolute", uri.GetAbsoluteString())};
+}
+
+std::vector<Part> Plain(Session const& session, std::string const& location)
+{
+    auto const uri = session.Create<IO::IURI>(IO::IID_IURI);
+    uri->Init(TextArgument(location, "location"));
+    return PartsOf(*uri);
+}
+
+std::vector<Part> Resolved(Session const& session, std::string const& base, std::string const& location)
+{
+    auto const baseURI = session.Create<IO::IURI>(IO::IID_IURI);
+    baseURI->Init(TextArgument(base, "base"));
+    if (baseURI->GetScheme().empty())
+        throw Failure(Exit::kUsage, "the base " + Quoted(base) + " names nothing that has a scheme");
+    auto const uri = session.Create<IO::IURI>(IO::IID_IURI);
+    uri->InitRelative(*baseURI, TextArgument(location, "location"));
+    if (uri->GetAbsoluteString().empty())
+        throw Failure(Exit::kUsage, "cannot resolve " + Quoted(location) + " against " + Quoted(base) +
+                                        ": a reference must be escaped, a blank as %20");
+    return PartsOf(*uri);
+}
+
+/// The way from the directory to an absolute path.
+std::string WayTo(std::filesystem::path const& directory, std::filesystem::path const& path)
+{
+    std::string way = path.lexically_normal().lexically_relative(directory.lexically_normal()).string();
+    return way == "." ? std::string() : way;
+}
+
+/// A path from the directory, or else the way from there to a file of this system.
+CoreString WayOf(Session const& session, std::string const& base, std::string const& location)
+{
+    bool const isPathFromThere = !location.starts_with('/') && location.find("://") == std::string::npos;
+    if (isPathFromThere)
+        return TextArgument(location, "location");
+    IO::IURIPtr const uri = URIOf(session, location);
+    if (uri->GetScheme().compare("file") != 0 || !uri->GetHost().empty())
+        throw Failure(Exit::kUsage, Quoted(location) + " is no file of this system");
+    return CoreString(std::string_view(WayTo(base, uri->GetPath().ToUTF8())));
+}
+
+std::vector<Part> RelativeTo(Session const& session, Directory const& directory, std::string const& location)
+{
+    IO::IRelativeURIPtr uri = RelativeURIOf(directory, CoreString(), Exit::kUsage);
+    CoreString const base = uri->GetPath();
+    uri = RelativeURIOf(directory, WayOf(session, base.ToUTF8(), location), Exit::kUsage);
+    CoreString name;
+    uri->GetName(name);
+    return {{"directory", directory.name},
+            TextPart("at", base),
+            TextPart("relative", uri->GetRelPath()),
+            TextPart("path", uri->GetPath()),
+            TextPart("name", name)};
+}
+
+void Run(Common const& common, Arguments const& arguments)
+{
+    Directory const* const directory = arguments.directory ? &DirectoryNamed(*arguments.directory) : nullptr;
     Session const session(common.verbose);
     Json all = Json::array();
-    for (std::string const& location : locations)
+    for (std::string const& location : arguments.locations)
     {
-        auto const uri = session.Create<KORVA::IO::IURI>(KORVA::IO::IID_IURI);
-        uri->Init(TextArgument(location, "location"));
-        CoreString name;
-        uri->GetName(name);
+        std::vector<Part> const parts = directory        ? RelativeTo(session, *directory, location)
+                                        : arguments.base ? Resolved(session, *arguments.base, location)
+                                                         : Plain(session, location);
         if (common.json)
         {
-            all.push_back({{"location", location},
-                           {"scheme", uri->GetScheme().ToUTF8()},
-                           {"host", uri->GetHost().ToUTF8()},
-                           {"port", uri->GetPortNumber()},
-                           {"path", uri->GetPath().ToUTF8()},
-                           {"query", uri->GetQuery().ToUTF8()},
-                           {"name", name.ToUTF8()},
-                           {"absolute", uri->GetAbsoluteString().ToUTF8()}});
+            Json entry = {{"location", location}};
+            for (Part const& part : parts)
+                entry[part.label] = part.value;
+            all.push_back(entry);
             continue;
         }
-        std::uint32_t const port = uri->GetPortNumber();
-        std::pair<char const*, std::string> const rows[] = {{"scheme", Escaped(uri->GetScheme())},
-                                                            {"host", Escaped(uri->GetHost())},
-                                                            {"port", port == 0 ? "" : std::to_string(port)},
-                                                            {"path", Escaped(uri->GetPath())},
-                                                            {"query", Escaped(uri->GetQuery())},
-                                                            {"name", Escaped(name)},
-                                                            {"absolute", Escaped(uri->GetAbsoluteString())}};
         std::string text = Escaped(location) + "\n";
-        for (auto const& [label, value] : rows)
-            text += value.empty() ? fmt::format("  {}\n", label) : fmt::format("  {:<9} {}\n", label, value);
+        for (Part const& part : parts)
+        {
+            std::string const value = TextOf(part.value);
+            text += value.empty() ? fmt::format("  {}\n", part.label)
+                                  : fmt::format("  {:<9} {}\n", part.label, value);
+        }
         Print(text);
     }
     if (common.json)
@@ -59,8 +146,15 @@ void AddUriCommand(CLI::App& app, Common const& common)
 {
     CLI::App* const command =
         app.add_subcommand("uri", "Show the parts of locations: URLs, POSIX, Windows and colon paths");
-    auto const locations = std::make_shared<std::vector<std::string>>();
-    command->add_option("LOCATION", *locations, "Anything that names a resource")->required();
-    command->callback([&common, locations] { Run(common, *locations); });
+    auto const arguments = std::make_shared<Arguments>();
+    command->add_option("LOCATION", arguments->locations, "Anything that names a resource")->required();
+    CLI::Option* const directory = command->add_option(
+        "--relative-to", arguments->directory,
+        "Name files from a well-known directory (documents, ...), as a reference that survives a move of it");
+    command
+        ->add_option("--resolve", arguments->base,
+                     "Take the locations, escaped as in a URL, against this one")
+        ->excludes(directory);
+    command->callback([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

@@ -5,12 +5,14 @@
 #include "Failure.h"
 #include "ObjectModel/GUIDText.h"
 #include "Output.h"
+#include "RelativeNames.h"
 #include "TessIO/ClassIds.h"
 
 #include <fmt/format.h>
 
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <limits>
@@ -110,6 +112,10 @@ std::vector<unsigned char> HexBytes(std::string const& text)
 
 std::vector<unsigned char> FileBytes(std::string const& name)
 {
+    std::error_code error;
+    if (std::filesystem::file_size(name, error) > static_cast<std::size_t>(std::numeric_limits<int>::max()) &&
+        !error)
+        throw Failure(Exit::kUsage, Quoted(name) + ": a byte string holds 2147483647 bytes at most");
     std::ifstream file(name, std::ios::binary);
     if (!file)
         throw Failure(Exit::kInputOutput, "cannot open " + Quoted(name) + ": no such file, or no permission");
@@ -145,6 +151,23 @@ void PutDictionary(IDictionary& dictionary, unsigned int key, std::string const&
     auto const nested = COREREGISTRY::CreateObject<IDictionary>(IO::IID_DICTIONARY);
     if (nested)
         dictionary.Put(key, nested.Get());
+}
+
+void PutURI(IDictionary& dictionary, unsigned int key, std::string const& text)
+{
+    auto const uri = COREREGISTRY::CreateObject<IO::IURI>(IO::IID_IURI);
+    if (!uri)
+        return;
+    uri->Init(TextArgument(text, "location"));
+    if (uri->GetAbsoluteString().empty())
+        Unfit(text, "uri", "nothing can be made of it");
+    dictionary.Put(key, uri.Get());
+}
+
+void PutRelativeURI(IDictionary& dictionary, unsigned int key, std::string const& text)
+{
+    auto const [directory, way] = RelativeNameOf(text);
+    dictionary.Put(key, RelativeURIOf(directory, way, Exit::kUsage).Get());
 }
 
 using Put = void (*)(IDictionary&, unsigned int, std::string const&, std::string const&);
@@ -191,6 +214,10 @@ constexpr TypeRow kTypes[] = {
                 std::string const& text) { PutBytes(dictionary, key, FileBytes(text)); }},
     {"text", [](IDictionary& dictionary, unsigned int key, std::string const&,
                 std::string const& text) { PutText(dictionary, key, text); }},
+    {"uri", [](IDictionary& dictionary, unsigned int key, std::string const&,
+               std::string const& text) { PutURI(dictionary, key, text); }},
+    {"relative", [](IDictionary& dictionary, unsigned int key, std::string const&,
+                    std::string const& text) { PutRelativeURI(dictionary, key, text); }},
     {"dict", [](IDictionary& dictionary, unsigned int key, std::string const&,
                 std::string const& text) { PutDictionary(dictionary, key, text); }},
 };

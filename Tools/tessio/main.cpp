@@ -2,8 +2,13 @@
 #include "Failure.h"
 #include "Output.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <clocale>
+#include <csignal>
 #include <cstdio>
+#include <new>
 
 namespace
 {
@@ -39,6 +44,15 @@ std::string WhyNot(CLI::App const& app, CLI::ParseError const& error)
     return "a command" + place + " is missing";
 }
 
+/// A file that is opened must not get the number of a standard stream, or messages would go into it. Reading
+/// and writing these fails as if they were closed.
+void OccupyClosedStreams()
+{
+    for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app(kAbout, "tessio");
@@ -50,10 +64,12 @@ int Run(int argc, char** argv)
     // Both may stand behind the command's name as well.
     app.fallthrough();
     AddUriCommand(app, common);
+    AddDirsCommand(app, common);
     AddStringsCommand(app, common);
     AddDictCommand(app, common);
     AddTreeCommand(app, common);
     AddFileCommands(app, common);
+    AddCatCommand(app, common);
     AddCopyCommand(app, common);
     try
     {
@@ -76,6 +92,9 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    OccupyClosedStreams();
+    // A limit on the size of files is an error like a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
     std::setlocale(LC_CTYPE, "C.UTF-8");
     try
     {
@@ -84,6 +103,10 @@ int main(int argc, char** argv)
     catch (Failure const& failure)
     {
         return Report(failure.Code(), failure.what());
+    }
+    catch (std::bad_alloc const&)
+    {
+        return Report(Exit::kInputOutput, "out of memory");
     }
     catch (std::exception const& error)
     {
