@@ -5,9 +5,11 @@ tessio_add_tests(async_tests
     ${mac}/AsyncEnablingTest.cpp
     ${mac}/AsyncFailuresTest.cpp
     ${mac}/AsyncLifetimeTest.cpp
+    ${mac}/AsyncPositionsTest.cpp
     ${mac}/AsyncStressTest.cpp
     ${mac}/MAsyncReaderTest.cpp
     ${mac}/MAsyncTaskTest.cpp
-    ${mac}/MAsyncWriterTest.cpp)
+    ${mac}/MAsyncWriterTest.cpp
+    ${mac}/MFileDataProviderAsyncTest.cpp)
 # For the headers beside the sources that they serve.
 target_include_directories(async_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/Libraries/Tessaro/Source/src)

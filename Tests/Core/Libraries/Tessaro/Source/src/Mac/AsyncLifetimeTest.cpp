@@ -183,17 +183,33 @@ TEST_F(AsyncLifetime, ProcessEndsAfterItsOperations)
 }
 
 /// A copy of a process has none of its threads, and must not wait for them.
-TEST_F(AsyncLifetime, CopyOfTheProcessEnds)
+TEST_F(AsyncLifetime, CopiesOfTheProcessEnd)
 {
-    mDirectory.File("file", "0123456789");
+    mDirectory.File("file", Pattern(1000));
     TESTS::ExpectInFreshProcess(mDirectory, [&](fs::path const& directory) {
         Provider const facade = Open(directory / "file", IO::kStreamReadWrite);
+        char read[1000] = {};
         std::vector<IAsyncTaskPtr> tasks(8);
-        for (IAsyncTaskPtr& task : tasks)
-            EXPECT_EQ(WriterOf(facade).WriteAsync(0, "a", 1, task), 0);
-        for (IAsyncTaskPtr const& task : tasks)
-            EXPECT_EQ(EndOf(task), 0);
-        EXPECT_EQ(TESTS::ChildProcess([]() -> int { std::exit(7); }).Wait(), 7);
+        auto const begin = [&] {
+            for (std::size_t i = 0; i < tasks.size(); ++i)
+                EXPECT_EQ(ReaderOf(facade).ReadAsync(static_cast<int64>(i), &read[i * 100], 100, tasks[i]),
+                          0);
+        };
+        auto const end = [&] {
+            for (IAsyncTaskPtr const& task : tasks)
+                EXPECT_EQ(EndOf(task), 0);
+        };
+        auto const copy = [] { return TESTS::ChildProcess([]() -> int { std::exit(7); }).Wait(); };
+        begin();
+        end();
+        // The threads sleep by and by; then in the middle of their work.
+        EXPECT_EQ(copy(), 7);
+        for (int round = 0; round < 20; ++round)
+        {
+            begin();
+            EXPECT_EQ(copy(), 7);
+            end();
+        }
     });
 }
 } // namespace
