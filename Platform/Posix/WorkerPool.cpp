@@ -13,8 +13,10 @@ namespace
 {
 constexpr unsigned kFewestThreads = 4;
 constexpr unsigned kMostThreads = 16;
+constexpr std::size_t kFurthestLook = 64;
 
-/// Threads started meanwhile take no signals: those are the host's.
+/// Threads started meanwhile take no signals: those are the host's. What a thread does to itself it hears of,
+/// so that crash handlers see it.
 class NoSignals
 {
 public:
@@ -22,6 +24,8 @@ public:
     {
         sigset_t all;
         sigfillset(&all);
+        for (int const own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
+            sigdelset(&all, own);
         pthread_sigmask(SIG_SETMASK, &all, &mBefore);
     }
     NoSignals(NoSignals const&) = delete;
@@ -59,9 +63,9 @@ WorkerPool::~WorkerPool()
         mState->ending = true;
     }
     mState->submitted.notify_all();
+    // No thread starts any more. The state stays: what ends later may still submit, or fork.
     for (std::thread& thread : mState->threads)
         thread.join();
-    // The state stays: what ends later may still submit, or fork.
     mState->threads.clear();
 }
 
@@ -91,6 +95,8 @@ void WorkerPool::AfterForkInChild()
 bool WorkerPool::StartThread(State& state)
 {
     std::lock_guard const lock(state.mutex);
+    if (state.ending)
+        return false;
     if (state.threads.size() == Width())
         return true;
     NoSignals const noSignals;
@@ -132,9 +138,12 @@ bool WorkerPool::RunOneOf(void const* owner)
     std::unique_ptr<Job> job;
     {
         std::lock_guard const lock(state.jobsLock);
-        auto const found =
-            std::ranges::find(state.jobs, owner, [](auto const& queued) { return queued->Owner(); });
-        if (found == state.jobs.end())
+        // Not far: everybody else waits for the lock meanwhile.
+        auto const end =
+            state.jobs.begin() + static_cast<std::ptrdiff_t>(std::min(state.jobs.size(), kFurthestLook));
+        auto const found = std::find_if(state.jobs.begin(), end,
+                                        [owner](auto const& queued) { return queued->Owner() == owner; });
+        if (found == end)
             return false;
         job = std::move(*found);
         state.jobs.erase(found);

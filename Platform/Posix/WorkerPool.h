@@ -38,8 +38,8 @@ public:
     /// Adopts `job` and runs it once, in the order of submission as far as there are threads.
     void Submit(std::unique_ptr<Job> job);
 
-    /// Runs, on the calling thread, the first job of `owner` that no thread has begun. False when there is
-    /// none.
+    /// Runs, on the calling thread, a job of `owner` that no thread has begun and that is among the next.
+    /// False when there is none.
     bool RunOneOf(void const* owner);
 
     /// The threads at most.

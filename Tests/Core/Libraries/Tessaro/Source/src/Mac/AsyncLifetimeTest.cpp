@@ -146,6 +146,7 @@ TEST_F(AsyncLifetime, PendingTaskOfNothingOutlivesTheFacade)
     EXPECT_EQ(WriterOf(facade).WriteAsync(0, "a", 0, task), 11);
     EXPECT_EQ(log.Take().size(), 1u);
     facade.Reset();
+    ASSERT_TRUE(task);
     EXPECT_FALSE(task->IsCompleted());
     EXPECT_EQ(task->GetStatus(), 0);
 }
@@ -199,7 +200,12 @@ TEST_F(AsyncLifetime, CopiesOfTheProcessEnd)
             for (IAsyncTaskPtr const& task : tasks)
                 EXPECT_EQ(EndOf(task), 0);
         };
-        auto const copy = [] { return TESTS::ChildProcess([]() -> int { std::exit(7); }).Wait(); };
+        // One that hangs is to leave nothing behind.
+        auto const leave = []() -> int {
+            alarm(TESTS::FRESH_PROCESS::kMostSeconds / 2);
+            std::exit(7);
+        };
+        auto const copy = [&leave] { return TESTS::ChildProcess(leave).Wait(); };
         begin();
         end();
         // The threads sleep by and by; then in the middle of their work.

@@ -177,6 +177,7 @@ TEST_F(AsyncTask, TakesThePlaceOfTheOneBefore)
 {
     Provider const facade = Open(mDirectory.File("file", "0123456789"), IO::kStreamReadWrite);
     char read[10] = {};
+    char more = 0;
     IAsyncTaskPtr task;
     ASSERT_EQ(ReaderOf(facade).ReadAsync(0, read, 10, task), 0);
     IAsyncTaskPtr const first = task;
@@ -184,7 +185,7 @@ TEST_F(AsyncTask, TakesThePlaceOfTheOneBefore)
     EXPECT_EQ(ReferencesTo(*first), 1);
     IAsyncTaskPtr const second = task;
     EXPECT_NE(second.Get(), first.Get());
-    ASSERT_EQ(ReaderOf(facade).ReadAsync(5, read, 1, task), 0);
+    ASSERT_EQ(ReaderOf(facade).ReadAsync(5, &more, 1, task), 0);
     EXPECT_EQ(ReferencesTo(*second), 1);
     EXPECT_EQ(EndOf(second), 0);
     EXPECT_EQ(EndOf(first), 0);
