@@ -13,7 +13,7 @@ namespace
 {
 constexpr unsigned kFewestThreads = 4;
 constexpr unsigned kMostThreads = 16;
-constexpr std::size_t kFurthestLook = 64;
+constexpr std::size_t kFurthestLook = 256;
 
 /// Threads started meanwhile take no signals: those are the host's. What a thread does to itself it hears of,
 /// so that crash handlers see it.
