@@ -90,6 +90,21 @@ void NoSuchFile(char const* operation, std::string const& location, IO::IURI con
                       (closed ? ": permission denied" : ": no such file"));
 }
 
+std::string ReasonOf(FILE_SYS::ErrCode status)
+{
+    switch (status)
+    {
+    case FILE_SYS::kNotFound:
+        return "no such directory";
+    case FILE_SYS::kNotPermitted:
+        return "permission denied";
+    case FILE_SYS::kNoSpace:
+        return "no space left";
+    default:
+        return "error " + std::to_string(status);
+    }
+}
+
 IO::IURIPtr URIOf(Session const& session, std::string const& location)
 {
     if (IsURL(location))
@@ -174,25 +189,9 @@ void ReplaceContent(Session const& session, std::string const& location,
         status = file->Replace(content.data(), content.size());
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
     }
-    std::string reason;
-    switch (status)
-    {
-    case FILE_SYS::kDone:
+    if (status == FILE_SYS::kDone)
         return;
-    case FILE_SYS::kNotFound:
-        reason = "no such directory";
-        break;
-    case FILE_SYS::kNotPermitted:
-        reason = "permission denied";
-        break;
-    case FILE_SYS::kNoSpace:
-        reason = "no space left";
-        break;
-    default:
-        reason = "error " + std::to_string(status);
-        break;
-    }
     throw Failure(Exit::kInputOutput,
-                  "cannot write " + Quoted(location) + ": " + reason + "; nothing is changed");
+                  "cannot write " + Quoted(location) + ": " + ReasonOf(status) + "; nothing is changed");
 }
 } // namespace TOOL

@@ -1,6 +1,7 @@
 // From what a person types to the file that it names.
 #pragma once
 
+#include "FileIO/IFile.h"
 #include "Session.h"
 #include "TessIO/IURIFile.h"
 
@@ -27,6 +28,9 @@ KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToWrite(Session const& 
 
 /// Reads a stream's file from the start to the end. Ends the command for one of 2 GiB and more.
 std::vector<unsigned char> ReadWhole(KORVA::IO::IDataProviderStream& stream, std::string const& location);
+
+/// Why the file-system library could not write a file, in words.
+std::string ReasonOf(KORVA::FILE_SYS::ErrCode status);
 
 /// Makes the bytes the file's whole content, at once and safely.
 void ReplaceContent(Session const& session, std::string const& location,

@@ -1,6 +1,7 @@
 #include "SafeTarget.h"
 
 #include "Failure.h"
+#include "Location.h"
 
 #include <fmt/format.h>
 
@@ -103,21 +104,6 @@ void SafeTarget::Commit(fs::perms permissions, uint64 modified)
 
 void SafeTarget::Fail(FILE_SYS::ErrCode status) const
 {
-    char const* reason = "the file system failed";
-    switch (status)
-    {
-    case FILE_SYS::kNotFound:
-        reason = "no such directory";
-        break;
-    case FILE_SYS::kNotPermitted:
-        reason = "permission denied";
-        break;
-    case FILE_SYS::kNoSpace:
-        reason = "no space left";
-        break;
-    default:
-        break;
-    }
-    throw Failure(Exit::kInputOutput, fmt::format("{}: {}; nothing is changed", mWhat, reason));
+    throw Failure(Exit::kInputOutput, fmt::format("{}: {}; nothing is changed", mWhat, ReasonOf(status)));
 }
 } // namespace TOOL
