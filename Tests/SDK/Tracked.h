@@ -14,14 +14,15 @@ namespace KORVA::TESTS
 using Events = std::vector<std::string>;
 
 /// Records its references. `onDeath` runs while the object is destroyed.
-class Tracked final : public TObject<IObject>
+template <class I>
+class TTracked : public TObject<I>
 {
 public:
-    Tracked(std::string name, Events& events, std::function<void()> onDeath = {})
+    TTracked(std::string name, Events& events, std::function<void()> onDeath = {})
         : mName(std::move(name)), mEvents(events), mOnDeath(std::move(onDeath))
     {}
 
-    ~Tracked() override
+    ~TTracked() override
     {
         mEvents.push_back("~" + mName);
         if (mOnDeath)
@@ -31,13 +32,13 @@ public:
     int32 AddRef() override
     {
         mEvents.push_back("+" + mName);
-        return TObject::AddRef();
+        return TObject<I>::AddRef();
     }
 
     int32 Release() override
     {
         mEvents.push_back("-" + mName);
-        return TObject::Release();
+        return TObject<I>::Release();
     }
 
 private:
@@ -45,6 +46,8 @@ private:
     Events& mEvents;
     std::function<void()> mOnDeath;
 };
+
+using Tracked = TTracked<IObject>;
 
 /// The count, read by taking a reference and dropping it again.
 inline int32 CountOf(IObject& object)

@@ -20,39 +20,16 @@ using IO::IURIAuthenticationChallenge;
 using IO::IURICredential;
 using STRING::CoreString;
 
-/// Records its references.
-class FakeCredential final : public TObject<IURICredential>
+class FakeCredential final : public TTracked<IURICredential>
 {
 public:
-    FakeCredential(std::string name, Events& events, std::function<void()> onDeath = {})
-        : mName(std::move(name)), mEvents(events), mOnDeath(std::move(onDeath))
-    {}
-    ~FakeCredential() override
-    {
-        mEvents.push_back("~" + mName);
-        if (mOnDeath)
-            mOnDeath();
-    }
-
-    int32 AddRef() override
-    {
-        mEvents.push_back("+" + mName);
-        return TObject::AddRef();
-    }
-    int32 Release() override
-    {
-        mEvents.push_back("-" + mName);
-        return TObject::Release();
-    }
+    using TTracked::TTracked;
 
     void Init(CoreString const&, CoreString const&) override {}
     CoreString const& GetUsername() const override { return mText; }
     CoreString const& GetPassword() const override { return mText; }
 
 private:
-    std::string mName;
-    Events& mEvents;
-    std::function<void()> mOnDeath;
     CoreString mText;
 };
 
