@@ -106,7 +106,7 @@ void PrintBuffered(Session const& session, TInterfacePtr<IDataProvider> const& p
 void Run(Common const& common, Arguments const& arguments)
 {
     constexpr std::size_t kPiece = std::size_t{256} << 10;
-    Session const session(common.verbose);
+    Session const session(common);
     for (std::string const& location : arguments.locations)
     {
         auto const stream = OpenToRead(session, location);

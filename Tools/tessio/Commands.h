@@ -3,6 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+#include <vector>
+
 namespace TOOL
 {
 /// What every command is told.
@@ -10,6 +13,8 @@ struct Common
 {
     bool verbose = false;
     bool json = false;
+    /// Files of the plug-ins to load.
+    std::vector<std::string> plugIns;
 };
 
 void AddCatCommand(CLI::App& app, Common const& common);

@@ -203,7 +203,7 @@ bool CopyPieces(Session const& session, Arguments const& arguments, IO::IURIFile
 
 void Run(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     IO::IURIFilePtr const source = FileOf(session, arguments.source);
     if (!source->Exists())
         NoSuchFile("copy", arguments.source, *source->GetURI());

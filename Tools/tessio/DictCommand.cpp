@@ -124,7 +124,7 @@ std::string PathHere(Node const& node, Arguments const& arguments)
 
 void Set(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     std::vector<unsigned int> const path = PathOf(arguments.key);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kEditOrCreate);
     PutValue(*Holder(session, Root(file), path, true), path.back(), arguments.type, arguments.value);
@@ -153,7 +153,7 @@ void PrintRaw(Node const& node, Arguments const& arguments)
 
 void Get(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kRead);
     Node node = Describe(session, Found(session, file, arguments));
     node.label = arguments.key;
@@ -178,7 +178,7 @@ void Get(Common const& common, Arguments const& arguments)
 
 void Remove(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     std::vector<unsigned int> const path = PathOf(arguments.key);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kEdit);
     IDictionary* const holder = Holder(session, Root(file), path, false);
@@ -211,7 +211,7 @@ private:
 
 void List(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kRead);
     IDictionary* const dictionary =
         arguments.key.empty() ? &Root(file) : AsDictionary(&Found(session, file, arguments));

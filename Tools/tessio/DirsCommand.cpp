@@ -32,7 +32,7 @@ std::vector<Directory> Wanted(std::vector<std::string> const& names)
 void Run(Common const& common, std::vector<std::string> const& names)
 {
     std::vector<Directory> const wanted = Wanted(names);
-    Session const session(common.verbose);
+    Session const session(common);
     auto const container = session.Create<FILE_SYS::ISystemDirContainer>(FILE_SYS::IID_SYSTEM_DIR_CONTAINER);
     Json all = Json::array();
     for (Directory const& directory : wanted)

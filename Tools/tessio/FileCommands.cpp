@@ -83,7 +83,7 @@ void StatOne(Session const& session, std::string const& location, Common const& 
 
 void Stat(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     Json all = Json::array();
     for (std::string const& location : arguments.locations)
         StatOne(session, location, common, all);
@@ -93,7 +93,7 @@ void Stat(Common const& common, Arguments const& arguments)
 
 void RemoveFiles(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     for (std::string const& location : arguments.locations)
     {
         IO::IURIFilePtr const file = FileOf(session, location);
@@ -111,7 +111,7 @@ void RemoveFiles(Common const& common, Arguments const& arguments)
 void Touch(Common const& common, Arguments const& arguments)
 {
     uint64 date = arguments.date.empty() ? Now() : DateFromText(arguments.date);
-    Session const session(common.verbose);
+    Session const session(common);
     for (std::string const& location : arguments.locations)
     {
         IO::IURIFilePtr const file = FileOf(session, location);

@@ -1,6 +1,7 @@
 // The host that a command runs in.
 #pragma once
 
+#include "Commands.h"
 #include "CoreRegistry/CoreRegistry.h"
 #include "Host/Host.h"
 #include "Logger/KLoggerLibInterface.h"
@@ -13,8 +14,9 @@ namespace TOOL
 class Session final : private KORVA::KLogSink
 {
 public:
-    /// With `verbose`, the library's own messages go to standard error too.
-    explicit Session(bool verbose);
+    /// Loads the plug-ins that were named. With `verbose`, the library's own messages go to standard error
+    /// too.
+    explicit Session(Common const& common);
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
     ~Session();

@@ -44,7 +44,7 @@ RecordFile Open(Session const& session, Arguments const& arguments, RecordFile::
 
 void Set(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     CoreString const key = TextArgument(arguments.key, "key");
     CoreString const value = TextArgument(arguments.value, "value");
     RecordFile const file = Open(session, arguments, RecordFile::Use::kEditOrCreate);
@@ -54,7 +54,7 @@ void Set(Common const& common, Arguments const& arguments)
 
 void Get(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kRead);
     CoreString value;
     if (!Strings(file).Get(TextArgument(arguments.key, "key"), value))
@@ -67,7 +67,7 @@ void Get(Common const& common, Arguments const& arguments)
 
 void Remove(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     CoreString const key = TextArgument(arguments.key, "key");
     RecordFile const file = Open(session, arguments, RecordFile::Use::kEdit);
     if (!Strings(file).Has(key))
@@ -91,7 +91,7 @@ public:
 
 void List(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kRead);
     Lister lister;
     Strings(file).ForEach(lister);
@@ -119,7 +119,7 @@ std::string SourceText(Session const& session, std::string const& source)
 
 void Import(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     auto const assignments = ParseAssignments(SourceText(session, arguments.value), arguments.value);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kEditOrCreate);
     for (auto const& [key, value] : assignments)

@@ -103,7 +103,7 @@ void PrintTree(RecordTree const& tree, Common const& common)
 
 void Run(Common const& common, Arguments const& arguments)
 {
-    Session const session(common.verbose);
+    Session const session(common);
     std::vector<unsigned char> const content =
         ReadWhole(*OpenToRead(session, arguments.file), arguments.file);
     // Asked for in any case: a file that is none in either order must not be printed as if it were one.

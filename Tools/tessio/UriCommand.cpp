@@ -113,7 +113,7 @@ std::vector<Part> RelativeTo(Session const& session, Directory const& directory,
 void Run(Common const& common, Arguments const& arguments)
 {
     Directory const* const directory = arguments.directory ? &DirectoryNamed(*arguments.directory) : nullptr;
-    Session const session(common.verbose);
+    Session const session(common);
     Json all = Json::array();
     for (std::string const& location : arguments.locations)
     {

@@ -61,7 +61,11 @@ int Run(int argc, char** argv)
     app.set_version_flag("--version", TESSIO_VERSION);
     app.add_flag("-v,--verbose", common.verbose, "Show the library's own messages on standard error");
     app.add_flag("--json", common.json, "Print one JSON document instead of text");
-    // Both may stand behind the command's name as well.
+    app.add_option("--plugin", common.plugIns,
+                   "Load a plug-in, whose code then runs with all your rights; may be given several times")
+        ->type_name("LIB")
+        ->allow_extra_args(false);
+    // All of these may stand behind the command's name as well.
     app.fallthrough();
     AddUriCommand(app, common);
     AddDirsCommand(app, common);
