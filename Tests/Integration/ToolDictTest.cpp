@@ -166,12 +166,12 @@ TEST_F(ToolDict, ADamagedFileIsShownAsFarAsItGoesAndNotEdited)
     Fails({"tree", "d"}, 4,
           "  offset   length  little-endian\n"
           "       0       70  PersistentDictionary, 1 entry\n"
-          "                   ! its length is 60, but 46 bytes are left\n"
+          "                   ! should be 60 bytes, the file leaves 46\n"
           "      32       38    1: DictValue int32\n"
-          "                     ! its length is 24, but 14 bytes are left\n",
-          "tessio: \"d\": the record at offset 0 is damaged: its length is 60, but 46 bytes are left\n");
+          "                     ! should be 24 bytes, the parent leaves 14\n",
+          "tessio: \"d\": /0 at offset 0 is damaged: should be 60 bytes, the file leaves 46\n");
     Fails({"dict", "set", "d", "1", "int32", "8"}, 4, "",
-          "tessio: \"d\": the record at offset 0 would be lost (its length is 60, but 46 bytes are left); "
+          "tessio: \"d\": the record at offset 0 would be lost (should be 60 bytes, the file leaves 46); "
           "nothing is "
           "changed\n");
     EXPECT_EQ(Content(directory.Path() / "d"), content);
@@ -205,6 +205,7 @@ TEST_F(ToolDict, BothByteOrdersAreFoundOut)
              "    {\n"
              "      \"offset\": 0,\n"
              "      \"length\": 136,\n"
+             "      \"path\": \"/0\",\n"
              "      \"classId\": \"{73E90CD5-BBC6-4326-8241-9BB4250B1B05}\",\n"
              "      \"class\": \"PersistentDictionary\",\n"
              "      \"children\": [\n"
@@ -212,6 +213,7 @@ TEST_F(ToolDict, BothByteOrdersAreFoundOut)
              "          \"offset\": 32,\n"
              "          \"length\": 48,\n"
              "          \"label\": \"1\",\n"
+             "          \"path\": \"/0/dict[1]\",\n"
              "          \"classId\": \"{73E90C21-BBC6-4326-8241-9BB4250B1B05}\",\n"
              "          \"class\": \"DictValue\",\n"
              "          \"type\": \"int32\",\n"
@@ -221,6 +223,7 @@ TEST_F(ToolDict, BothByteOrdersAreFoundOut)
              "          \"offset\": 84,\n"
              "          \"length\": 48,\n"
              "          \"label\": \"2\",\n"
+             "          \"path\": \"/0/dict[2]\",\n"
              "          \"classId\": \"{73E90C21-BBC6-4326-8241-9BB4250B1B05}\",\n"
              "          \"class\": \"DictValue\",\n"
              "          \"type\": \"uint8\",\n"

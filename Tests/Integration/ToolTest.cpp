@@ -400,7 +400,7 @@ TEST_F(Tool, HelpThatCantBePrintedIsAnError)
 
 TEST_F(Tool, ArgumentsAreShownWithoutTheirControlCharacters)
 {
-    Fails({"tree", "a", "\x1B[31mred"}, 2,
+    Fails({"tree", "a", "/0", "\x1B[31mred"}, 2,
           "tessio: The following argument was not expected: \\u{1B}[31mred\nRun it with --help for more "
           "information.\n");
 }

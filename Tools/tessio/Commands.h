@@ -1,6 +1,8 @@
 // The commands: each adds itself, with its help, to the command line and runs when it is chosen.
 #pragma once
 
+#include "Records/Limits.h"
+
 #include <CLI/CLI.hpp>
 
 #include <string>
@@ -15,7 +17,14 @@ struct Common
     bool json = false;
     /// Files of the plug-ins to load.
     std::vector<std::string> plugIns;
+    Limits limits;
+    /// As they are on the command line.
+    std::string colour = "auto";
+    std::vector<std::string> limitTexts;
 };
+
+/// Ends the command for a bound that is none.
+Limits LimitsOf(std::vector<std::string> const& texts);
 
 void AddCatCommand(CLI::App& app, Common const& common);
 void AddDirsCommand(CLI::App& app, Common const& common);

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "Output.h"
 #include "RecordFile.h"
+#include "Records/Json.h"
 #include "RelativeNames.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/IDictionary.h"
@@ -100,26 +101,25 @@ RecordFile Open(Session const& session, Arguments const& arguments, RecordFile::
 /// One line for an entry: what it is and what it holds.
 std::string Line(Node const& node)
 {
-    if (node.kind == Node::Kind::kValue)
+    if (node.kind == Kind::kValue)
         return node.value.content.index() == 0 ? node.value.type : node.value.type + " " + Shown(node.value);
-    if (node.kind == Node::Kind::kDictionary || node.kind == Node::Kind::kStrings)
+    if (node.kind == Kind::kDictionary || node.kind == Kind::kStrings)
         return fmt::format("{}, {}", ClassName(node.classId), Entries(node));
-    if (node.kind == Node::Kind::kURI)
+    if (node.kind == Kind::kURI)
         return "uri " + Quoted(node.text);
-    if (node.kind == Node::Kind::kRelativeURI)
-        return fmt::format("relative {}:{}", node.directory, Escaped(node.text));
+    if (node.kind == Kind::kRelativeURI)
+        return fmt::format("relative {}:{}", DirectoryName(node.directory), Escaped(node.text));
     return ClassName(node.classId);
 }
 
 /// Where a relative URI leads on this system.
 std::string PathHere(Node const& node, Arguments const& arguments)
 {
-    for (Directory const& directory : Directories())
-        if (node.directory == directory.name)
-            return RelativeURIOf(directory, node.text, Exit::kNotFound)->GetPath().ToUTF8();
+    if (Directory const* const directory = DirectoryOfType(node.directory))
+        return RelativeURIOf(*directory, node.text, Exit::kNotFound)->GetPath().ToUTF8();
     throw Failure(Exit::kNotFound,
                   fmt::format("{} of {} is named from the directory {}, which nobody knows here",
-                              arguments.key, Quoted(arguments.file), node.directory));
+                              arguments.key, Quoted(arguments.file), DirectoryName(node.directory)));
 }
 
 void Set(Common const& common, Arguments const& arguments)
@@ -155,22 +155,21 @@ void Get(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kRead);
-    Node node = Describe(session, Found(session, file, arguments));
-    node.label = arguments.key;
+    Node const node = Describe(session, Found(session, file, arguments));
     if (arguments.raw)
         PrintRaw(node, arguments);
     else if (common.json)
     {
-        Json entry = ToJson(node);
-        if (node.kind == Node::Kind::kRelativeURI)
+        Json entry = ToJson(node, "", arguments.key);
+        if (node.kind == Kind::kRelativeURI)
             entry["path"] = PathHere(node, arguments);
         PrintJson({{"entry", entry}});
     }
-    else if (node.kind == Node::Kind::kValue)
+    else if (node.kind == Kind::kValue)
         Print(Shown(node.value) + "\n");
-    else if (node.kind == Node::Kind::kURI)
+    else if (node.kind == Kind::kURI)
         Print(Escaped(node.text) + "\n");
-    else if (node.kind == Node::Kind::kRelativeURI)
+    else if (node.kind == Kind::kRelativeURI)
         Print(Escaped(PathHere(node, arguments)) + "\n");
     else
         Print(Line(node) + "\n");
@@ -195,10 +194,10 @@ public:
 
     bool OnEntry(unsigned int key, IObject* value) override
     {
-        Node node = Describe(mSession, *value);
-        node.label = std::to_string(key);
-        text += node.label + " " + Line(node) + "\n";
-        json.push_back(ToJson(node));
+        Node const node = Describe(mSession, *value);
+        std::string const label = std::to_string(key);
+        text += label + " " + Line(node) + "\n";
+        json.push_back(ToJson(node, "", label));
         return false;
     }
 

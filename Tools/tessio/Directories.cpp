@@ -50,4 +50,10 @@ Directory const* DirectoryOfType(KORVA::int32 type)
         std::ranges::find(all, type, [](Directory const& directory) { return directory.type; });
     return found == all.end() ? nullptr : &*found;
 }
+
+std::string DirectoryName(KORVA::int32 type)
+{
+    Directory const* const directory = DirectoryOfType(type);
+    return directory ? directory->name : std::to_string(type);
+}
 } // namespace TOOL

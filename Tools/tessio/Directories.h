@@ -22,4 +22,7 @@ Directory const& DirectoryNamed(std::string const& name);
 
 /// By its type; null for a number that names none.
 Directory const* DirectoryOfType(KORVA::int32 type);
+
+/// The name of a directory's type, or its number where that has none.
+std::string DirectoryName(KORVA::int32 type);
 } // namespace TOOL

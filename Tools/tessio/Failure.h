@@ -13,7 +13,10 @@ enum class Exit
     kNotFound = 1,
     kUsage = 2,
     kInputOutput = 3,
-    kNotARecordFile = 4
+    /// Or one that is damaged.
+    kNotARecordFile = 4,
+    /// Beyond a limit that was set.
+    kLimit = 5
 };
 
 /// Ends the command with this message (what and where) on standard error.

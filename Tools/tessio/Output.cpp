@@ -4,8 +4,11 @@
 
 #include <fmt/format.h>
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace TOOL
@@ -15,6 +18,9 @@ using KORVA::STRING::CoreString;
 namespace
 {
 constexpr int kSchema = 1;
+/// In the order of the styles.
+constexpr char const* kCodes[] = {"", "2", "1", "36", "35", "32", "32", "31", "33", "1;31", "33"};
+bool sColour = false;
 
 std::string Escape(CoreString const& text, bool quotes)
 {
@@ -50,6 +56,24 @@ std::string Escape(CoreString const& text, bool quotes)
     return result;
 }
 } // namespace
+
+void ChooseColour(std::string const& when)
+{
+    auto const isSet = [](char const* name) {
+        char const* const value = std::getenv(name);
+        return value && *value != '\0';
+    };
+    char const* const terminal = std::getenv("TERM");
+    bool const canShow = terminal && std::string_view(terminal) != "dumb" && isatty(STDOUT_FILENO) != 0;
+    sColour = when == "always" || (when == "auto" && canShow && !isSet("NO_COLOR"));
+}
+
+std::string Styled(Style style, std::string_view text)
+{
+    if (!sColour || style == Style::kPlain || text.empty())
+        return std::string(text);
+    return fmt::format("\x1B[{}m{}\x1B[0m", kCodes[static_cast<std::size_t>(style)], text);
+}
 
 void Print(std::string_view text)
 {

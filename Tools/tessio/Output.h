@@ -15,6 +15,29 @@ using Json = nlohmann::ordered_json;
 /// Standard output, as it is. Ends the command when it can't be written.
 void Print(std::string_view text);
 
+/// What a colour stands for. It never says anything that the text doesn't.
+enum class Style
+{
+    kPlain,
+    /// Offsets, rulers, what is repeated.
+    kDim,
+    kName,
+    kKey,
+    kNumber,
+    kText,
+    kAdded,
+    kRemoved,
+    kChanged,
+    kDamage,
+    kWarning
+};
+
+/// "auto", "always" or "never". Automatic is a terminal that can show colours, unless NO_COLOR is set.
+void ChooseColour(std::string const& when);
+
+/// The text in its colour, or as it is.
+std::string Styled(Style style, std::string_view text);
+
 /// One JSON document, with the version of its schema in front.
 void PrintJson(Json const& document);
 

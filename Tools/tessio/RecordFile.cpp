@@ -3,6 +3,8 @@
 #include "Failure.h"
 #include "Location.h"
 #include "ObjectModel/GUIDText.h"
+#include "Output.h"
+#include "Records/Document.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/FilePaths.h"
 #include "TessIO/IPersistentData.h"
@@ -82,22 +84,25 @@ void RecordFile::Load(GUID const& classId, Use use)
     mContent = ReadWhole(*stream, mLocation);
     if (use != Use::kRead)
         mHeld = std::move(stream);
-    mOrder = OrderOf(mSession, mContent, mLocation);
-    RecordTree const tree = ReadTree(mSession, mContent, mOrder);
-    Node const& first = tree.records.front();
+    mOrder = OrderOf(mContent, mLocation);
+    if (mContent.size() < static_cast<std::size_t>(kHeader))
+        throw Failure(Exit::kNotARecordFile, Quoted(mLocation) + " is not a record file");
+    DecodeOptions options;
+    options.order = mOrder;
+    Node const first = DecodeRecord(mContent, 0, static_cast<int64>(mContent.size()), options);
     mFirstEnd = first.offset + first.length;
     if (ClassName(first.classId) != ClassName(classId))
         throw Failure(Exit::kNotARecordFile,
                       fmt::format("{}: the first record is of class {}, not {}", Quoted(mLocation),
-                                  first.kind == Node::Kind::kUnknownClass ? GUIDToText(first.classId)
-                                                                          : ClassName(first.classId),
+                                  first.kind == Kind::kUnknownClass ? GUIDToText(first.classId)
+                                                                    : ClassName(first.classId),
                                   ClassName(classId)));
     if (Node const* const fragile = use == Use::kRead ? nullptr : FirstFragile(first))
         throw Failure(Exit::kNotARecordFile,
                       fmt::format("{}: the record at offset {} would be lost ({}); nothing is changed",
                                   Quoted(mLocation), fragile->offset,
-                                  !fragile->problem.empty() ? fragile->problem
-                                  : fragile->kind == Node::Kind::kUnknownClass
+                                  !Problem(*fragile).empty() ? Problem(*fragile)
+                                  : fragile->kind == Kind::kUnknownClass
                                       ? "unknown class " + GUIDToText(fragile->classId)
                                       : "unknown type of value"));
     auto const provider = mSession.Create<IDataProvider>(IO::IID_IDATAPROVIDER);
@@ -153,9 +158,8 @@ Node Describe(Session const& session, IObject const& object)
 {
     if (!PersistentClass(object))
         return {};
-    return ReadTree(session, Serialized(session, object, IDataProvider::kLittleEndian),
-                    IDataProvider::kLittleEndian)
-        .records.front();
+    Bytes const bytes = Serialized(session, object, IDataProvider::kLittleEndian);
+    return DecodeRecord(bytes, 0, static_cast<int64>(bytes.size()), {});
 }
 
 std::optional<GUID> PersistentClass(IObject const& object)

@@ -1,7 +1,7 @@
 // A file whose first record is edited through the library.
 #pragma once
 
-#include "RecordTree.h"
+#include "Records/Node.h"
 #include "Session.h"
 #include "TessIO/IDataProviderStream.h"
 
@@ -61,7 +61,7 @@ private:
 std::vector<unsigned char> Serialized(Session const& session, KORVA::IObject const& object,
                                       KORVA::IO::IDataProvider::Endian order);
 
-/// The structure of an object: what `ReadTree` says of its record.
+/// The structure of an object's record.
 Node Describe(Session const& session, KORVA::IObject const& object);
 
 /// The class id under which an object persists; nothing when it doesn't.

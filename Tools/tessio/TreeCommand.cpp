@@ -1,9 +1,11 @@
 // tessio tree: every record of a file, where it is and what it holds.
 #include "Commands.h"
-#include "Failure.h"
-#include "Location.h"
+#include "Directories.h"
 #include "ObjectModel/GUIDText.h"
-#include "RecordTree.h"
+#include "Records/Document.h"
+#include "Records/Json.h"
+#include "Records/Path.h"
+#include "Records/Summary.h"
 
 #include <fmt/format.h>
 
@@ -13,111 +15,81 @@ namespace TOOL
 {
 namespace
 {
-using KORVA::IO::IDataProvider;
-
 struct Arguments
 {
-    std::string file;
+    Source source;
+    std::string path;
     bool bigEndian = false;
 };
 
-constexpr std::size_t kShownBytes = 48;
-
-/// Long values are cut in the tree; `dict get` shows them whole.
-std::string Cut(std::string text)
+std::string LabelInFront(Node const& node)
 {
-    if (text.size() <= 3 * kShownBytes)
-        return text;
-    std::size_t end = 3 * kShownBytes;
-    while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end;
-    return text.substr(0, end) + " ...";
-}
-
-std::string Content(Node const& node)
-{
-    switch (node.kind)
+    switch (node.label.type)
     {
-    case Node::Kind::kDictionary:
-    case Node::Kind::kStrings:
-        return fmt::format("{}, {}", ClassName(node.classId), Entries(node));
-    case Node::Kind::kValue:
-        return Cut("DictValue " + node.value.type +
-                   (node.value.content.index() == 0 ? "" : " " + Shown(node.value)));
-    case Node::Kind::kStringEntry:
-        return Cut(Quoted(node.text));
-    case Node::Kind::kURI:
-        return Cut("URI " + Quoted(node.text));
-    case Node::Kind::kRelativeURI:
-        return Cut("RelativeURI " + node.directory + " " + Quoted(node.text));
-    case Node::Kind::kUnknownClass:
+    case Label::Type::kIndex:
         break;
+    case Label::Type::kKey:
+        return Styled(Style::kKey, std::to_string(node.label.number)) + ": ";
+    case Label::Type::kText:
+        return Styled(Style::kKey, Escaped(node.label.text)) + " = ";
+    case Label::Type::kInterface:
+        return Styled(Style::kKey, "aggregate " + KORVA::GUIDToText(node.label.id)) + ": ";
+    case Label::Type::kPart:
+        return Styled(Style::kKey, fmt::format("record {}", node.label.number)) + ": ";
     }
-    return "unknown class " + KORVA::GUIDToText(node.classId) + ", skipped";
+    return "";
 }
 
-void AppendNode(std::string& text, Node const& node, std::size_t depth)
+void AppendNode(std::string& text, Node const& node, int depth)
 {
-    text += fmt::format("{:>8} {:>8}  {:{}}", node.offset, node.length, "", 2 * depth);
-    if (!node.label.empty() || node.kind == Node::Kind::kStringEntry)
-        text += Escaped(node.label) + (node.kind == Node::Kind::kStringEntry ? " = " : ": ");
-    text += Content(node) + "\n";
-    if (!node.problem.empty())
-        text += fmt::format("{:>8} {:>8}  {:{}}! {}\n", "", "", "", 2 * depth, node.problem);
-    for (Node const& child : node.children)
-        AppendNode(text, child, depth + 1);
+    text += Styled(Style::kDim, fmt::format("{:>8} {:>8}", node.offset, node.length));
+    text += fmt::format("  {:{}}{}{}\n", "", 2 * depth, LabelInFront(node), Summary(node));
+    if (std::string const problem = Problem(node); !problem.empty())
+        text += fmt::format("{:>8} {:>8}  {:{}}{}\n", "", "", "", 2 * depth,
+                            Styled(Style::kDamage, "! " + problem));
+    for (auto const* const children : {&node.entries, &node.aggregates})
+        for (Node const& child : *children)
+            AppendNode(text, child, depth + 1);
 }
 
-/// The first thing that is wrong anywhere in the tree; null when all is well. Unknown classes are not wrong.
-Node const* FirstProblem(std::vector<Node> const& nodes)
+void PrintJsonTree(Document const& document, Node const* only, std::string const& path)
 {
-    for (Node const& node : nodes)
-    {
-        if (!node.problem.empty())
-            return &node;
-        if (Node const* const found = FirstProblem(node.children))
-            return found;
-    }
-    return nullptr;
-}
-
-void PrintTree(RecordTree const& tree, Common const& common)
-{
-    char const* const order = tree.order == IDataProvider::kBigEndian ? "big-endian" : "little-endian";
-    if (common.json)
-    {
-        Json records = Json::array();
-        for (Node const& node : tree.records)
-            records.push_back(ToJson(node));
-        Json document = {{"order", order}, {"records", records}};
-        if (!tree.problem.empty())
-            document["problem"] = {{"offset", tree.end}, {"what", tree.problem}};
-        PrintJson(document);
-        return;
-    }
-    std::string text = fmt::format("{:>8} {:>8}  {}\n", "offset", "length", order);
-    for (Node const& node : tree.records)
-        AppendNode(text, node, 0);
-    Print(text);
+    Json records = Json::array();
+    if (only)
+        records.push_back(ToJson(*only, path));
+    else
+        for (Node const& node : document.tree.records)
+            records.push_back(ToJson(node, "/" + Segment(node.label)));
+    Json whole = {{"order", OrderName(document.tree.order)}, {"records", records}};
+    for (Finding const& finding : document.tree.findings)
+        whole["problem"] = {{"offset", finding.offset}, {"what", finding.words}};
+    PrintJson(whole);
 }
 
 void Run(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
-    std::vector<unsigned char> const content =
-        ReadWhole(*OpenToRead(session, arguments.file), arguments.file);
-    // Asked for in any case: a file that is none in either order must not be printed as if it were one.
-    IDataProvider::Endian order = OrderOf(session, content, arguments.file);
+    Source source = arguments.source;
     if (arguments.bigEndian)
-        order = IDataProvider::kBigEndian;
-    RecordTree const tree = ReadTree(session, content, order);
-    PrintTree(tree, common);
-    if (Node const* const node = FirstProblem(tree.records))
-        throw Failure(Exit::kNotARecordFile,
-                      fmt::format("{}: the record at offset {} is damaged: {}", Quoted(arguments.file),
-                                  node->offset, node->problem));
-    if (!tree.problem.empty())
-        throw Failure(Exit::kNotARecordFile, fmt::format("{}: {}", Quoted(arguments.file), tree.problem));
+        source.endian = "big";
+    Document const document = LoadDocument(session, common, source);
+    Node const* const only =
+        arguments.path.empty() ? nullptr : &NodeAt(document.tree, arguments.path, source.file);
+    if (common.json)
+        PrintJsonTree(document, only, arguments.path);
+    else
+    {
+        std::string text = Styled(Style::kDim, fmt::format("{:>8} {:>8}  {}", "offset", "length",
+                                                           OrderName(document.tree.order))) +
+                           "\n";
+        if (only)
+            AppendNode(text, *only, 0);
+        else
+            for (Node const& node : document.tree.records)
+                AppendNode(text, node, 0);
+        Print(text);
+    }
+    FailWhenDamaged(document);
 }
 } // namespace
 
@@ -126,9 +98,9 @@ void AddTreeCommand(CLI::App& app, Common const& common)
     CLI::App* const command =
         app.add_subcommand("tree", "Show every record of a file with offset and length");
     auto const arguments = std::make_shared<Arguments>();
-    command->add_option("FILE", arguments->file, "The record file")->required();
-    command->add_flag("--big-endian", arguments->bigEndian,
-                      "Take the file as big-endian; found out when not given");
+    AddSource(*command, arguments->source);
+    command->add_option("PATH", arguments->path, "Only what is there: /0/dict[42]");
+    command->add_flag("--big-endian", arguments->bigEndian, "The same as --endian big");
     command->callback([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

@@ -20,7 +20,25 @@ struct Value
     std::variant<std::monostate, KORVA::int64, KORVA::uint64, float, double, GUID, std::vector<unsigned char>,
                  std::u16string>
         content;
+    /// As it stands in the file.
+    KORVA::uint32 tag = 0;
+    /// Of a number: the whole number and the bits of the floating-point number that the file keeps of it.
+    KORVA::uint64 integer = 0;
+    KORVA::uint64 floating = 0;
 };
+
+/// The pair of fields under which the library writes a number of the type, given one of them: the whole
+/// number for whole types, the floating-point number for the others.
+struct NumberFields
+{
+    KORVA::uint64 integer = 0;
+    KORVA::uint64 floating = 0;
+};
+NumberFields FieldsOfWhole(std::string const& type, KORVA::uint64 integer);
+NumberFields FieldsOfFloating(std::string const& type, double floating);
+
+/// Whether the two fields of a number are what the library writes for it.
+bool IsPlainNumber(Value const& value);
 
 /// The content for a terminal: numbers, identifiers, bytes in hexadecimal, text quoted.
 std::string Shown(Value const& value);

@@ -14,9 +14,10 @@ namespace
 {
 using namespace TOOL;
 
-constexpr char kAbout[] =
-    "Reads, writes and names data through the TessIO library.\n"
-    "Exit codes: 0 done, 1 not found or differs, 2 usage, 3 input/output, 4 not a record file.";
+constexpr char kAbout[] = "Reads, writes and names data through the TessIO library.\n"
+                          "Exit codes: 0 done, 1 not found or differs, 2 usage, 3 input/output, 4 not a "
+                          "record file or a damaged one, "
+                          "5 beyond a limit.";
 
 int Report(Exit code, std::string const& message)
 {
@@ -65,6 +66,19 @@ int Run(int argc, char** argv)
                    "Load a plug-in, whose code then runs with all your rights; may be given several times")
         ->type_name("LIB")
         ->allow_extra_args(false);
+    app.add_option("--color,--colour", common.colour,
+                   "Colours: auto (on terminals, unless NO_COLOR is set), "
+                   "always or never")
+        ->type_name("WHEN")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+    app.add_option("--limit", common.limitTexts,
+                   "Refuse record files beyond a bound: depth=N, count=N or bytes=N, commas between several")
+        ->type_name("BOUND")
+        ->delimiter(',');
+    app.parse_complete_callback([&common] {
+        ChooseColour(common.colour);
+        common.limits = LimitsOf(common.limitTexts);
+    });
     // All of these may stand behind the command's name as well.
     app.fallthrough();
     AddUriCommand(app, common);

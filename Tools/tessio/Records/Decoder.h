@@ -1,0 +1,100 @@
+// From the bytes of a file to its records.
+#pragma once
+
+#include "Records/Limits.h"
+#include "Records/Node.h"
+
+#include <optional>
+
+namespace TOOL
+{
+/// What a stretch of bytes is, for whoever shows them.
+enum class Role
+{
+    kClass,
+    kLength,
+    kCount,
+    kKey,
+    kTag,
+    kValue,
+    /// Of a class or type that nobody knows.
+    kOpaque
+};
+
+/// A stretch of bytes with a meaning.
+struct Field
+{
+    KORVA::int64 offset = 0;
+    KORVA::int64 length = 0;
+    Role role = Role::kValue;
+    std::string name;
+    std::string value;
+};
+
+/// Is told of every field, in the order of the file.
+class FieldSink
+{
+public:
+    virtual ~FieldSink() = default;
+    virtual void OnRecord(KORVA::int64 offset, Label const& label, int depth) = 0;
+    virtual void OnField(Field field) = 0;
+    virtual void OnRecordEnd(Node const& node) = 0;
+};
+
+/// What a plug-in's class read of a body.
+struct ReadBody
+{
+    std::vector<Part> parts;
+    /// How many bytes it took.
+    KORVA::int64 length = 0;
+};
+
+/// Knows the classes of plug-ins.
+class ClassReader
+{
+public:
+    virtual ~ClassReader() = default;
+    /// Lets the class read `body`, which begins at `offset` of the file. Nothing when no plug-in makes it, or
+    /// when what it reads can't be followed.
+    virtual std::optional<ReadBody> Read(GUID const& classId, ByteView body, KORVA::int64 offset,
+                                         Order order) const = 0;
+    /// Whether the registry makes objects of the class.
+    virtual bool Makes(GUID const& classId) const = 0;
+};
+
+struct DecodeOptions
+{
+    Order order = KORVA::IO::IDataProvider::kLittleEndian;
+    Limits limits;
+    FieldSink* fields = nullptr;
+    ClassReader const* classes = nullptr;
+};
+
+/// Reads the structure of a whole file. What can't be made sense of is named in the nodes; ends the command
+/// only where a limit is passed.
+RecordTree Decode(ByteView content, DecodeOptions const& options);
+
+/// Reads the record at `offset`, which must end by `limit`; at least a header must be there.
+Node DecodeRecord(ByteView content, KORVA::int64 offset, KORVA::int64 limit, DecodeOptions const& options);
+
+/// Reads a record of a known class as if its length were not known: it ends where its content does. Nothing
+/// when the class is not known or the content makes no sense.
+std::optional<Node> DecodeByContent(ByteView content, KORVA::int64 offset, KORVA::int64 limit,
+                                    DecodeOptions const& options);
+
+/// The byte order in which `content` is a record file; nothing when it is none in either.
+std::optional<Order> FindOrder(ByteView content);
+
+/// A part's value for people; long ones are cut.
+std::string ShownPart(ByteView content, Part const& part, Order order);
+
+/// The units of a string part.
+KORVA::STRING::CoreString TextOfPart(ByteView content, Part const& part, Order order);
+
+/// The length of a record's header: class id and length.
+constexpr KORVA::int64 kHeader = 24;
+/// Lengths beyond are not believed by the library.
+constexpr KORVA::int64 kLargestLength = 2147483647;
+/// Records nested deeper are not read by the library.
+constexpr int kDeepest = 1000;
+} // namespace TOOL

@@ -1,0 +1,50 @@
+// A record file as a command gets it.
+#pragma once
+
+#include "Commands.h"
+#include "Records/Decoder.h"
+#include "Session.h"
+
+#include <optional>
+#include <string>
+
+namespace TOOL
+{
+/// What a command line says of the file to read.
+struct Source
+{
+    std::string file;
+    /// "big" or "little"; empty to find out.
+    std::string endian;
+};
+
+/// Adds the FILE argument and what goes with it.
+void AddSource(CLI::App& command, Source& source);
+
+/// The order that the command line names.
+std::optional<Order> OrderArgument(std::string const& endian);
+
+struct Document
+{
+    std::string file;
+    Bytes content;
+    RecordTree tree;
+};
+
+/// Reads a whole file or, for "-", standard input. Ends the command when it can't be read or is larger than
+/// the limit.
+Bytes ReadInput(Session const& session, Common const& common, std::string const& location);
+
+/// Reads a record file. Ends the command for one that is none, in either byte order.
+Document LoadDocument(Session const& session, Common const& common, Source const& source);
+
+/// The order of a file's first record or else of most records that can be made out in it. Ends the command
+/// when there are none.
+Order OrderOf(ByteView content, std::string const& location);
+
+/// Writes a whole file, through a temporary one, or standard output for "-".
+void WriteOutput(Session const& session, std::string const& location, Bytes const& content);
+
+/// Ends the command, naming the first damage, when there is any.
+void FailWhenDamaged(Document const& document);
+} // namespace TOOL

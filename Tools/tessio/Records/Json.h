@@ -1,0 +1,17 @@
+// Records as JSON.
+#pragma once
+
+#include "Output.h"
+#include "Records/Node.h"
+
+#include <string>
+
+namespace TOOL
+{
+/// What the tree shows of a record and everything in it. `label` replaces the record's own.
+Json ToJson(Node const& node, std::string const& path, std::string const& label);
+Json ToJson(Node const& node, std::string const& path);
+
+/// {"severity": "error", "code": "length-too-large", "offset": 0, "path": "/0", "words": "..."}
+Json ToJson(Finding const& finding, std::string const& path);
+} // namespace TOOL

@@ -1,0 +1,73 @@
+#include "Records/Summary.h"
+
+#include "Directories.h"
+#include "ObjectModel/GUIDText.h"
+#include "Output.h"
+
+#include <fmt/format.h>
+
+namespace TOOL
+{
+namespace
+{
+constexpr std::size_t kShownCharacters = 144;
+
+std::string Cut(std::string text)
+{
+    if (text.size() <= kShownCharacters)
+        return text;
+    std::size_t end = kShownCharacters;
+    while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return text.substr(0, end) + " ...";
+}
+
+/// Only the beginning of what is too long to show is formatted.
+std::string ShownValue(Value const& value)
+{
+    if (auto const* const bytes = std::get_if<Bytes>(&value.content);
+        bytes && bytes->size() > kShownCharacters)
+    {
+        Value beginning;
+        beginning.content = Bytes(bytes->begin(), bytes->begin() + kShownCharacters);
+        return Shown(beginning);
+    }
+    if (auto const* const text = std::get_if<std::u16string>(&value.content);
+        text && text->size() > kShownCharacters)
+    {
+        Value beginning;
+        beginning.content = text->substr(0, kShownCharacters);
+        return Shown(beginning);
+    }
+    return Shown(value);
+}
+} // namespace
+
+std::string Summary(Node const& node)
+{
+    switch (node.kind)
+    {
+    case Kind::kDictionary:
+    case Kind::kStrings:
+        return Styled(Style::kName, ClassName(node.classId)) + ", " + Entries(node);
+    case Kind::kValue:
+        return Styled(Style::kName, "DictValue") + " " +
+               Styled(node.value.type == "text" ? Style::kText : Style::kNumber,
+                      Cut(node.value.type +
+                          (node.value.content.index() == 0 ? "" : " " + ShownValue(node.value))));
+    case Kind::kStringEntry:
+        return Styled(Style::kText, Cut(Quoted(node.text)));
+    case Kind::kURI:
+        return Styled(Style::kName, "URI") + " " + Styled(Style::kText, Cut(Quoted(node.text)));
+    case Kind::kRelativeURI:
+        return Styled(Style::kName, "RelativeURI") + " " +
+               Styled(Style::kText, Cut(DirectoryName(node.directory) + " " + Quoted(node.text)));
+    case Kind::kObject:
+        return Styled(Style::kName, "object " + KORVA::GUIDToText(node.classId)) +
+               fmt::format(", {} {}", node.parts.size(), node.parts.size() == 1 ? "part" : "parts");
+    case Kind::kUnknownClass:
+        break;
+    }
+    return "unknown class " + KORVA::GUIDToText(node.classId) + ", skipped";
+}
+} // namespace TOOL
