@@ -32,6 +32,7 @@ void AddUriCommand(CLI::App& app, Common const& common);
 void AddStringsCommand(CLI::App& app, Common const& common);
 void AddDictCommand(CLI::App& app, Common const& common);
 void AddTreeCommand(CLI::App& app, Common const& common);
+void AddDumpCommands(CLI::App& app, Common const& common);
 void AddFileCommands(CLI::App& app, Common const& common);
 void AddCopyCommand(CLI::App& app, Common const& common);
 } // namespace TOOL

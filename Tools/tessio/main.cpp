@@ -86,6 +86,7 @@ int Run(int argc, char** argv)
     AddStringsCommand(app, common);
     AddDictCommand(app, common);
     AddTreeCommand(app, common);
+    AddDumpCommands(app, common);
     AddFileCommands(app, common);
     AddCatCommand(app, common);
     AddCopyCommand(app, common);

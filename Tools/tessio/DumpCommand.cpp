@@ -1,0 +1,70 @@
+// tessio dump and build: a record file as text, and back.
+#include "Commands.h"
+#include "Failure.h"
+#include "Output.h"
+#include "Records/Document.h"
+#include "Records/JsonDump.h"
+#include "Records/Text.h"
+
+#include <memory>
+
+namespace TOOL
+{
+namespace
+{
+struct Arguments
+{
+    Source source;
+    std::string format = "text";
+    std::string out = "-";
+};
+
+void Dump(Common const& common, Arguments const& arguments)
+{
+    Session const session(common);
+    Document const document = LoadDocument(session, common, arguments.source);
+    std::string const format = common.json ? "json" : arguments.format;
+    std::string text;
+    if (format == "json")
+        text = WriteJson(document.tree, document.content).dump(2) + "\n";
+    else if (format == "jsonl")
+        text = WriteJsonLines(document.tree, document.content);
+    else
+        text = WriteText(document.tree, document.content);
+    WriteOutput(session, arguments.out, Bytes(text.begin(), text.end()));
+}
+
+void Build(Common const& common, Arguments const& arguments)
+{
+    Session const session(common);
+    std::string const& file = arguments.source.file;
+    Bytes const content = ReadInput(session, common, file);
+    std::string_view const text(reinterpret_cast<char const*>(content.data()), content.size());
+    std::size_t const start = text.find_first_not_of(" \t\r\n");
+    bool const isJson = start != std::string_view::npos && text[start] == '{';
+    std::string const name = file == "-" ? "standard input" : file;
+    WriteOutput(session, arguments.out, isJson ? ReadJson(text, name) : ReadText(text, name));
+}
+} // namespace
+
+void AddDumpCommands(CLI::App& app, Common const& common)
+{
+    auto const arguments = std::make_shared<Arguments>();
+    CLI::App* const dump =
+        app.add_subcommand("dump", "Write every byte of a record file as text that build reads");
+    AddSource(*dump, arguments->source);
+    dump->add_option("--format", arguments->format, "text, json, or jsonl: a line for each record")
+        ->check(CLI::IsMember({"text", "json", "jsonl"}))
+        ->type_name("FORMAT");
+    dump->add_option("-o,--output", arguments->out, "The file to write; - for standard output")
+        ->type_name("OUT");
+    dump->callback([&common, arguments] { Dump(common, *arguments); });
+    CLI::App* const build = app.add_subcommand(
+        "build", "Make a record file from what dump wrote, in any of its formats; lengths are computed anew");
+    build->add_option("TEXT", arguments->source.file, "What dump wrote; - for standard input")->required();
+    build->add_option("-o,--output", arguments->out, "The record file to write; - for standard output")
+        ->type_name("OUT")
+        ->required();
+    build->callback([&common, arguments] { Build(common, *arguments); });
+}
+} // namespace TOOL
