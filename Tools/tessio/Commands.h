@@ -34,5 +34,7 @@ void AddDictCommand(CLI::App& app, Common const& common);
 void AddTreeCommand(CLI::App& app, Common const& common);
 void AddDumpCommands(CLI::App& app, Common const& common);
 void AddFileCommands(CLI::App& app, Common const& common);
+void AddHexCommand(CLI::App& app, Common const& common);
+void AddVerifyCommands(CLI::App& app, Common const& common);
 void AddCopyCommand(CLI::App& app, Common const& common);
 } // namespace TOOL

@@ -68,6 +68,8 @@ void PrintJsonTree(Document const& document, Node const* only, std::string const
 
 void Run(Common const& common, Arguments const& arguments)
 {
+    if (!arguments.path.empty())
+        static_cast<void>(PathArgument(arguments.path));
     Session const session(common);
     Source source = arguments.source;
     if (arguments.bigEndian)

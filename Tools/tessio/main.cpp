@@ -86,6 +86,8 @@ int Run(int argc, char** argv)
     AddStringsCommand(app, common);
     AddDictCommand(app, common);
     AddTreeCommand(app, common);
+    AddHexCommand(app, common);
+    AddVerifyCommands(app, common);
     AddDumpCommands(app, common);
     AddFileCommands(app, common);
     AddCatCommand(app, common);

@@ -417,7 +417,10 @@ void Decoder::Buffer(Node& node, int64 end)
 void Decoder::Number(Value& value, int64 end)
 {
     Need(16, end, "a number");
-    value.integer = Read<uint64>(end, Role::kValue, "as a whole number", "a number");
+    if (value.type.starts_with('u'))
+        value.integer = Read<uint64>(end, Role::kValue, "as a whole number", "a number");
+    else
+        value.integer = static_cast<uint64>(Read<int64>(end, Role::kValue, "as a whole number", "a number"));
     value.floating = Load<uint64>(mContent.data() + mPosition, mOptions.order);
     auto const floating = std::bit_cast<double>(value.floating);
     if (mOptions.fields)
