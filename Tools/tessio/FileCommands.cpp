@@ -1,9 +1,11 @@
 // tessio stat, rm, touch: files through the URI registry.
 #include "Commands.h"
 #include "Dates.h"
+#include "EditCommands.h"
 #include "Failure.h"
 #include "Location.h"
 #include "Output.h"
+#include "Records/Path.h"
 #include "TessIO/ResultCodes.h"
 
 #include <fmt/format.h>
@@ -24,6 +26,7 @@ struct Arguments
 {
     std::vector<std::string> locations;
     std::string date;
+    Target target;
 };
 
 std::optional<uint64> Ask(IURIFile const& file, ErrCode (IURIFile::*get)(uint64&) const)
@@ -91,8 +94,22 @@ void Stat(Common const& common, Arguments const& arguments)
         PrintJson({{"files", all}});
 }
 
+/// Whether the two arguments are a record file and a path in it: the second one reads as such, and is no
+/// file.
+bool NamesPlace(Arguments const& arguments)
+{
+    std::error_code error;
+    return arguments.locations.size() == 2 && ParsePath(arguments.locations[1]) &&
+           !std::filesystem::exists(std::filesystem::symlink_status(arguments.locations[1], error));
+}
+
 void RemoveFiles(Common const& common, Arguments const& arguments)
 {
+    if (NamesPlace(arguments))
+        return RemovePlace(common, arguments.locations[0], arguments.locations[1], arguments.target);
+    if (arguments.target.inPlace || !arguments.target.out.empty())
+        throw Failure(Exit::kUsage,
+                      "only what a path of a record file names can be removed so: rm FILE /0/dict[42]");
     Session const session(common);
     for (std::string const& location : arguments.locations)
     {
@@ -134,7 +151,9 @@ void AddFileCommands(CLI::App& app, Common const& common)
         return command;
     };
     add("stat", "Show size, dates and permissions of files", &Stat);
-    add("rm", "Remove files", &RemoveFiles);
+    AddTarget(*add("rm", "Remove files, or what a path of a record file names: rm FILE /0/dict[42] -i",
+                   &RemoveFiles),
+              arguments->target);
     add("touch", "Create files that are not there, and set the modification date", &Touch)
         ->add_option("--date", arguments->date,
                      "YYYY-MM-DDTHH:MM:SS[.fraction]Z, or nanoseconds since 1970; now when not given");

@@ -1,0 +1,197 @@
+// tessio get, set, convert and extract: single places of record files.
+#include "EditCommands.h"
+
+#include "Directories.h"
+#include "Failure.h"
+#include "Output.h"
+#include "Records/Edit.h"
+#include "Records/Json.h"
+#include "Records/Summary.h"
+#include "Target.h"
+#include "Values.h"
+
+#include <fmt/format.h>
+
+#include <memory>
+
+namespace TOOL
+{
+namespace
+{
+struct Arguments
+{
+    Source source;
+    std::string path;
+    std::string type;
+    std::string value;
+    std::string order;
+    Target target;
+    bool raw = false;
+};
+
+/// The content of a value and nothing around it. Ends the command for what has none.
+Bytes RawContent(Node const& node, std::string const& path)
+{
+    if (auto const* const bytes = std::get_if<Bytes>(&node.value.content))
+        return *bytes;
+    std::string text;
+    if (auto const* const units = std::get_if<std::u16string>(&node.value.content))
+        text = KORVA::STRING::CoreString(*units).ToUTF8();
+    else if (node.kind == Kind::kStringEntry || node.kind == Kind::kURI || node.kind == Kind::kRelativeURI)
+        text = node.text.ToUTF8();
+    else
+        throw Failure(Exit::kUsage, path + " is neither bytes nor text: --raw takes only these");
+    return {text.begin(), text.end()};
+}
+
+/// For one line; of a record that holds others one line for each of these.
+std::string ValueText(Node const& node)
+{
+    switch (node.kind)
+    {
+    case Kind::kValue:
+        return Shown(node.value) + "\n";
+    case Kind::kStringEntry:
+    case Kind::kURI:
+        return Escaped(node.text) + "\n";
+    case Kind::kRelativeURI:
+        return DirectoryName(node.directory) + ":" + Escaped(node.text) + "\n";
+    case Kind::kDictionary:
+    case Kind::kStrings:
+    case Kind::kObject: {
+        std::string text;
+        for (auto const* const nodes : {&node.entries, &node.aggregates})
+            for (Node const& child : *nodes)
+                text += Styled(Style::kKey, Segment(child.label)) + " " + Summary(child) + "\n";
+        return text;
+    }
+    case Kind::kUnknownClass:
+        break;
+    }
+    return Summary(node) + "\n";
+}
+
+void Get(Common const& common, Arguments const& arguments)
+{
+    static_cast<void>(PathArgument(arguments.path));
+    Session const session(common);
+    Document const document = LoadDocument(session, common, arguments.source);
+    Node const& node = NodeAt(document.tree, arguments.path, document.file);
+    if (std::string const problem = Problem(node); !problem.empty())
+        throw Failure(Exit::kNotARecordFile,
+                      fmt::format("{}: {} is damaged: {}", Quoted(document.file), arguments.path, problem));
+    if (arguments.raw)
+        WriteOutput(session, "-", RawContent(node, arguments.path));
+    else if (common.json)
+        PrintJson({{"entry", ToJson(node, arguments.path)}});
+    else
+        Print(ValueText(node));
+}
+
+/// The one record in a file, to be put into another.
+Bytes RecordFrom(Session const& session, Common const& common, std::string const& file, Order order)
+{
+    Document document = LoadDocument(session, common, {file, ""});
+    if (document.tree.records.size() != 1 || document.tree.end != document.tree.size)
+        throw Failure(Exit::kUsage, fmt::format("{} should hold one record, it has {}", Quoted(file),
+                                                document.tree.records.size()));
+    return document.tree.order == order ? document.content : Turned(document, order);
+}
+
+Bytes NewContent(Session const& session, Common const& common, Arguments const& arguments, Order order)
+{
+    Path const path = PathArgument(arguments.path);
+    if (path.back().type == Label::Type::kText)
+    {
+        if (arguments.type != "text")
+            throw Failure(Exit::kUsage, "a string dictionary holds text only, not " + Quoted(arguments.type));
+        return StringEntry(path.back().text, TextArgument(arguments.value, "text"), order);
+    }
+    if (arguments.type == "record")
+        return RecordFrom(session, common, arguments.value, order);
+    return ValueRecord(session, arguments.type, arguments.value, order);
+}
+
+void Set(Common const& common, Arguments const& arguments)
+{
+    static_cast<void>(PathArgument(arguments.path));
+    CheckTarget(arguments.target, arguments.source.file);
+    Session const session(common);
+    Document const document = LoadDocument(session, common, arguments.source);
+    Bytes const content = NewContent(session, common, arguments, document.tree.order);
+    WriteTarget(session, arguments.target, document, WithPlaced(document, arguments.path, content));
+}
+
+void Convert(Common const& common, Arguments const& arguments)
+{
+    CheckTarget(arguments.target, arguments.source.file);
+    Session const session(common);
+    Document const document = LoadDocument(session, common, {arguments.source.file, ""});
+    Order const order = *OrderArgument(arguments.order);
+    WriteTarget(session, arguments.target, document,
+                order == document.tree.order ? document.content : Turned(document, order));
+}
+
+void Extract(Common const& common, Arguments const& arguments)
+{
+    static_cast<void>(PathArgument(arguments.path));
+    Session const session(common);
+    Document const document = LoadDocument(session, common, arguments.source);
+    Node const& node = NodeAt(document.tree, arguments.path, document.file);
+    if (arguments.raw)
+        return WriteOutput(session, arguments.target.out, RawContent(node, arguments.path));
+    if (node.kind == Kind::kStringEntry)
+        throw Failure(Exit::kUsage, arguments.path + " is a text and no record: use --raw");
+    WriteOutput(session, arguments.target.out,
+                Bytes(document.content.begin() + node.offset, document.content.begin() + node.End()));
+}
+} // namespace
+
+void RemovePlace(Common const& common, std::string const& file, std::string const& path, Target const& target)
+{
+    CheckTarget(target, file);
+    Session const session(common);
+    Document const document = LoadDocument(session, common, {file, ""});
+    WriteTarget(session, target, document, WithoutPlace(document, path));
+}
+
+void AddEditCommands(CLI::App& app, Common const& common)
+{
+    auto const arguments = std::make_shared<Arguments>();
+    auto const add = [&](char const* name, char const* about, void (*run)(Common const&, Arguments const&)) {
+        CLI::App* const command = app.add_subcommand(name, about);
+        command->callback([&common, arguments, run] { run(common, *arguments); });
+        return command;
+    };
+    auto const addPlace = [&](CLI::App* command) {
+        AddSource(*command, arguments->source);
+        command
+            ->add_option("PATH", arguments->path,
+                         "What tree --json shows: /0/dict[42]/dict[7], /0/{GUID}, /1/strings[\"NAME\"]")
+            ->required();
+    };
+    CLI::App* const get = add("get", "Print what a path of a record file names", &Get);
+    addPlace(get);
+    get->add_flag("--raw", arguments->raw, "Print bytes or text as they are");
+    CLI::App* const set = add("set", "Set what a path of a record file names", &Set);
+    addPlace(set);
+    set->add_option("TYPE", arguments->type,
+                    fmt::format("{}, or record: the one in a file", fmt::join(ValueTypes(), " ")))
+        ->required();
+    set->add_option("VALUE", arguments->value, "As dict set takes it; of a record the file that it is in");
+    AddTarget(*set, arguments->target);
+    CLI::App* const convert = add("convert", "Write a record file in the other byte order", &Convert);
+    convert->add_option("FILE", arguments->source.file, "The record file; - for standard input")->required();
+    convert->add_option("--endian", arguments->order, "The order of the result")
+        ->type_name("big|little")
+        ->check(CLI::IsMember({"big", "little"}))
+        ->required();
+    AddTarget(*convert, arguments->target);
+    CLI::App* const extract = add("extract", "Write one record as a file of its own", &Extract);
+    addPlace(extract);
+    extract->add_option("-o,--output", arguments->target.out, "The file to write; - for standard output")
+        ->type_name("OUT")
+        ->required();
+    extract->add_flag("--raw", arguments->raw, "Only the bytes or the text that it holds");
+}
+} // namespace TOOL

@@ -1,0 +1,44 @@
+#include "Target.h"
+
+#include "Failure.h"
+#include "Location.h"
+#include "Output.h"
+
+#include <filesystem>
+
+namespace TOOL
+{
+void AddTarget(CLI::App& command, Target& target)
+{
+    CLI::Option* const out =
+        command.add_option("-o,--output", target.out, "The file to write; - for standard output")
+            ->type_name("OUT");
+    command.add_flag("-i,--in-place", target.inPlace, "Change the file itself; FILE~ keeps what it was")
+        ->excludes(out);
+}
+
+void CheckTarget(Target const& target, std::string const& file)
+{
+    if (target.out.empty() && !target.inPlace)
+        throw Failure(Exit::kUsage,
+                      "say where the result goes: -o OUT, or --in-place, which keeps " + Quoted(file + "~"));
+    if (target.inPlace && file == "-")
+        throw Failure(Exit::kUsage, "standard input can't be changed in place");
+    std::error_code error;
+    if (!target.inPlace && target.out != "-" && std::filesystem::equivalent(target.out, file, error))
+        throw Failure(Exit::kUsage, Quoted(target.out) + " is the file itself: use --in-place, which keeps " +
+                                        Quoted(file + "~"));
+}
+
+void WriteTarget(Session const& session, Target const& target, Document const& document, Bytes const& content)
+{
+    if (!target.inPlace)
+        return WriteOutput(session, target.out, content);
+    ReplaceContent(session, document.file + "~", document.content);
+    if (ReadWhole(*OpenToRead(session, document.file), document.file) != document.content)
+        throw Failure(Exit::kInputOutput,
+                      Quoted(document.file) +
+                          " was changed by another process; nothing is changed by this one");
+    ReplaceContent(session, document.file, content);
+}
+} // namespace TOOL

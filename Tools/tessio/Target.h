@@ -1,0 +1,28 @@
+// Where the result of a change goes.
+#pragma once
+
+#include "Commands.h"
+#include "Records/Document.h"
+#include "Session.h"
+
+#include <string>
+
+namespace TOOL
+{
+/// Another file, or the same one while a copy of it as it was is kept beside it.
+struct Target
+{
+    std::string out;
+    bool inPlace = false;
+};
+
+/// Adds the options -o and --in-place.
+void AddTarget(CLI::App& command, Target& target);
+
+/// Ends the command unless it is said where the result of changing `file` goes.
+void CheckTarget(Target const& target, std::string const& file);
+
+/// Writes the result. In place, the file must still be what was read, and "FILE~" keeps it.
+void WriteTarget(Session const& session, Target const& target, Document const& document,
+                 Bytes const& content);
+} // namespace TOOL
