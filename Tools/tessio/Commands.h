@@ -33,6 +33,7 @@ void AddStringsCommand(CLI::App& app, Common const& common);
 void AddDictCommand(CLI::App& app, Common const& common);
 void AddTreeCommand(CLI::App& app, Common const& common);
 void AddDumpCommands(CLI::App& app, Common const& common);
+void AddDiffCommand(CLI::App& app, Common const& common);
 void AddEditCommands(CLI::App& app, Common const& common);
 void AddFileCommands(CLI::App& app, Common const& common);
 void AddHexCommand(CLI::App& app, Common const& common);

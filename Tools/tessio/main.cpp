@@ -88,6 +88,7 @@ int Run(int argc, char** argv)
     AddTreeCommand(app, common);
     AddHexCommand(app, common);
     AddVerifyCommands(app, common);
+    AddDiffCommand(app, common);
     AddEditCommands(app, common);
     AddDumpCommands(app, common);
     AddFileCommands(app, common);

@@ -41,33 +41,42 @@ std::string ShownValue(Value const& value)
     }
     return Shown(value);
 }
-} // namespace
 
-std::string Summary(Node const& node)
+/// With `paint` to give pieces their colours.
+template <class Paint>
+std::string SummaryWith(Node const& node, Paint const& paint)
 {
     switch (node.kind)
     {
     case Kind::kDictionary:
     case Kind::kStrings:
-        return Styled(Style::kName, ClassName(node.classId)) + ", " + Entries(node);
+        return paint(Style::kName, ClassName(node.classId)) + ", " + Entries(node);
     case Kind::kValue:
-        return Styled(Style::kName, "DictValue") + " " +
-               Styled(node.value.type == "text" ? Style::kText : Style::kNumber,
-                      Cut(node.value.type +
-                          (node.value.content.index() == 0 ? "" : " " + ShownValue(node.value))));
+        return paint(Style::kName, "DictValue") + " " +
+               paint(node.value.type == "text" ? Style::kText : Style::kNumber,
+                     Cut(node.value.type +
+                         (node.value.content.index() == 0 ? "" : " " + ShownValue(node.value))));
     case Kind::kStringEntry:
-        return Styled(Style::kText, Cut(Quoted(node.text)));
+        return paint(Style::kText, Cut(Quoted(node.text)));
     case Kind::kURI:
-        return Styled(Style::kName, "URI") + " " + Styled(Style::kText, Cut(Quoted(node.text)));
+        return paint(Style::kName, "URI") + " " + paint(Style::kText, Cut(Quoted(node.text)));
     case Kind::kRelativeURI:
-        return Styled(Style::kName, "RelativeURI") + " " +
-               Styled(Style::kText, Cut(DirectoryName(node.directory) + " " + Quoted(node.text)));
+        return paint(Style::kName, "RelativeURI") + " " +
+               paint(Style::kText, Cut(DirectoryName(node.directory) + " " + Quoted(node.text)));
     case Kind::kObject:
-        return Styled(Style::kName, "object " + KORVA::GUIDToText(node.classId)) +
+        return paint(Style::kName, "object " + KORVA::GUIDToText(node.classId)) +
                fmt::format(", {} {}", node.parts.size(), node.parts.size() == 1 ? "part" : "parts");
     case Kind::kUnknownClass:
         break;
     }
     return "unknown class " + KORVA::GUIDToText(node.classId) + ", skipped";
+}
+} // namespace
+
+std::string Summary(Node const& node) { return SummaryWith(node, &Styled); }
+
+std::string PlainSummary(Node const& node)
+{
+    return SummaryWith(node, [](Style, std::string_view text) { return std::string(text); });
 }
 } // namespace TOOL

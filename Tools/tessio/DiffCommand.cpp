@@ -1,0 +1,110 @@
+// tessio diff: what two record files say differently.
+#include "Commands.h"
+#include "Failure.h"
+#include "Output.h"
+#include "Records/Compare.h"
+#include "Records/Document.h"
+
+#include <fmt/format.h>
+
+#include <memory>
+
+namespace TOOL
+{
+namespace
+{
+struct Arguments
+{
+    Source a;
+    std::string b;
+    bool subset = false;
+};
+
+char const* Name(Difference::Type type)
+{
+    switch (type)
+    {
+    case Difference::Type::kRemoved:
+        return "removed";
+    case Difference::Type::kAdded:
+        return "added";
+    case Difference::Type::kChanged:
+        break;
+    }
+    return "changed";
+}
+
+std::string AsText(std::vector<Difference> const& differences)
+{
+    std::string text;
+    for (Difference const& difference : differences)
+        switch (difference.type)
+        {
+        case Difference::Type::kRemoved:
+            text += Styled(Style::kRemoved, fmt::format("- {}  {}", difference.path, difference.a)) + "\n";
+            break;
+        case Difference::Type::kAdded:
+            text += Styled(Style::kAdded, fmt::format("+ {}  {}", difference.path, difference.b)) + "\n";
+            break;
+        case Difference::Type::kChanged:
+            text += Styled(Style::kChanged,
+                           fmt::format("~ {}  {} -> {}", difference.path, difference.a, difference.b)) +
+                    "\n";
+            break;
+        }
+    return text;
+}
+
+Json AsJson(std::vector<Difference> const& differences)
+{
+    Json list = Json::array();
+    for (Difference const& difference : differences)
+    {
+        Json json = {{"what", Name(difference.type)}, {"path", difference.path}};
+        if (difference.type != Difference::Type::kAdded)
+            json["a"] = difference.a;
+        if (difference.type != Difference::Type::kRemoved)
+            json["b"] = difference.b;
+        list.push_back(std::move(json));
+    }
+    return list;
+}
+
+void Run(Common const& common, Arguments const& arguments)
+{
+    if (arguments.a.file == "-" && arguments.b == "-")
+        throw Failure(Exit::kUsage, "only one of the files can be standard input");
+    Session const session(common);
+    Document const a = LoadDocument(session, common, arguments.a);
+    Document const b = LoadDocument(session, common, {arguments.b, arguments.a.endian});
+    std::vector<Difference> const differences =
+        Compare({a.tree, a.content}, {b.tree, b.content}, arguments.subset);
+    if (common.json)
+        PrintJson({{"subset", arguments.subset}, {"differences", AsJson(differences)}});
+    else
+        Print(AsText(differences));
+    // What is damaged is compared as far as it goes, which may be too little to call it the same.
+    FailWhenDamaged(a);
+    FailWhenDamaged(b);
+    if (!differences.empty())
+        throw Failure(Exit::kNotFound, Quoted(a.file) +
+                                           (arguments.subset ? " is not contained in " : " differs from ") +
+                                           Quoted(b.file));
+}
+} // namespace
+
+void AddDiffCommand(CLI::App& app, Common const& common)
+{
+    CLI::App* const command = app.add_subcommand(
+        "diff",
+        "Compare what two record files hold, whatever their byte orders: - removed, + added, ~ changed");
+    auto const arguments = std::make_shared<Arguments>();
+    command->add_option("A", arguments->a.file, "A record file; - for standard input")->required();
+    command->add_option("B", arguments->b, "Another one")->required();
+    command->add_option("--endian", arguments->a.endian, "The byte order of both; found out when not given")
+        ->type_name("big|little")
+        ->check(CLI::IsMember({"big", "little"}));
+    command->add_flag("--subset", arguments->subset, "Only whether all that is in A is in B too");
+    command->callback([&common, arguments] { Run(common, *arguments); });
+}
+} // namespace TOOL
