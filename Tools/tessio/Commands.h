@@ -34,6 +34,7 @@ void AddDictCommand(CLI::App& app, Common const& common);
 void AddTreeCommand(CLI::App& app, Common const& common);
 void AddDumpCommands(CLI::App& app, Common const& common);
 void AddDiffCommand(CLI::App& app, Common const& common);
+void AddSalvageCommand(CLI::App& app, Common const& common);
 void AddEditCommands(CLI::App& app, Common const& common);
 void AddFileCommands(CLI::App& app, Common const& common);
 void AddHexCommand(CLI::App& app, Common const& common);

@@ -90,6 +90,7 @@ int Run(int argc, char** argv)
     AddVerifyCommands(app, common);
     AddDiffCommand(app, common);
     AddEditCommands(app, common);
+    AddSalvageCommand(app, common);
     AddDumpCommands(app, common);
     AddFileCommands(app, common);
     AddCatCommand(app, common);

@@ -34,6 +34,9 @@ public:
     std::size_t Room();
     void Fill(std::size_t room, KORVA::uint32 count);
 
+    /// Takes back what was written since it had that size; no record may have begun and not ended since.
+    void Cut(std::size_t size) { mBytes.resize(size); }
+
     std::size_t Size() const { return mBytes.size(); }
     Order GetOrder() const { return mOrder; }
     Bytes Take() { return std::move(mBytes); }

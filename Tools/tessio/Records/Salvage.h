@@ -1,0 +1,50 @@
+// What can be kept of a damaged record file.
+#pragma once
+
+#include "Records/Decoder.h"
+
+#include <string>
+#include <vector>
+
+namespace TOOL
+{
+/// What became of a stretch of the damaged file.
+struct Fate
+{
+    enum class Type
+    {
+        /// A whole record, byte for byte.
+        kKept,
+        /// Whole but for lengths or counts, which are put right.
+        kRepaired,
+        /// A record of which something is missing, or whose content makes no sense; what is left of it is
+        /// kept.
+        kPartial,
+        /// Of a class that nobody knows, kept because its length leads exactly to what comes next.
+        kOpaque,
+        /// Not in the result.
+        kLost
+    };
+
+    Type type = Type::kLost;
+    KORVA::int64 offset = 0;
+    KORVA::int64 length = 0;
+    /// Where it is in the result.
+    std::string path;
+    std::string words;
+};
+
+char const* FateName(Fate::Type type);
+
+struct Salvaged
+{
+    Bytes content;
+    /// Every byte of the damaged file once, in its order.
+    std::vector<Fate> fates;
+};
+
+/// Makes a sound record file of everything that is whole. A record of a known class with none of its bytes
+/// damaged is always kept: under its key where the dictionary around it can still be followed, else at the
+/// top.
+Salvaged Salvage(ByteView content, Order order);
+} // namespace TOOL
