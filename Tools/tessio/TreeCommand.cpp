@@ -2,6 +2,7 @@
 #include "Commands.h"
 #include "Directories.h"
 #include "ObjectModel/GUIDText.h"
+#include "Page/Page.h"
 #include "Records/Document.h"
 #include "Records/Json.h"
 #include "Records/Path.h"
@@ -19,6 +20,7 @@ struct Arguments
 {
     Source source;
     std::string path;
+    std::string page;
     bool bigEndian = false;
 };
 
@@ -77,7 +79,9 @@ void Run(Common const& common, Arguments const& arguments)
     Document const document = LoadDocument(session, common, source);
     Node const* const only =
         arguments.path.empty() ? nullptr : &NodeAt(document.tree, arguments.path, source.file);
-    if (common.json)
+    if (!arguments.page.empty())
+        WritePage(session, common, document, arguments.page);
+    else if (common.json)
         PrintJsonTree(document, only, arguments.path);
     else
     {
@@ -103,6 +107,7 @@ void AddTreeCommand(CLI::App& app, Common const& common)
     AddSource(*command, arguments->source);
     command->add_option("PATH", arguments->path, "Only what is there: /0/dict[42]");
     command->add_flag("--big-endian", arguments->bigEndian, "The same as --endian big");
+    AddPage(*command, arguments->page);
     command->callback([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

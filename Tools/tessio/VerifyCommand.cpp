@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "ObjectModel/GUIDText.h"
 #include "Output.h"
+#include "Page/Page.h"
 #include "Records/Document.h"
 #include "Records/Json.h"
 #include "Records/PlugInClasses.h"
@@ -22,6 +23,7 @@ using namespace KORVA;
 struct Arguments
 {
     Source source;
+    std::string page;
     bool strict = false;
 };
 
@@ -112,7 +114,9 @@ void Verify(Common const& common, Arguments const& arguments)
     Document const document = LoadDocument(session, common, arguments.source);
     std::vector<FindingAt> const findings = AllFindings(document.tree);
     Tally const tally = TallyOf(document.tree, findings);
-    if (common.json)
+    if (!arguments.page.empty())
+        WritePage(session, common, document, arguments.page);
+    else if (common.json)
     {
         Json list = Json::array();
         for (auto const& [finding, path] : findings)
@@ -251,6 +255,7 @@ void AddVerifyCommands(CLI::App& app, Common const& common)
         app.add_subcommand("verify", "Name everything in a record file that is damaged or unusual");
     AddSource(*verify, arguments->source);
     verify->add_flag("--strict", arguments->strict, "Take warnings for damage too");
+    AddPage(*verify, arguments->page);
     verify->callback([&common, arguments] { Verify(common, *arguments); });
 }
 } // namespace TOOL

@@ -1,0 +1,127 @@
+#include "Page/Page.h"
+
+#include "Failure.h"
+#include "Output.h"
+#include "Page/Template.h"
+#include "Records/Json.h"
+#include "Records/PlugInClasses.h"
+
+#include <fmt/format.h>
+
+namespace TOOL
+{
+namespace
+{
+using KORVA::int64;
+
+std::string Base64(ByteView bytes)
+{
+    constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    text.reserve((bytes.size() + 2) / 3 * 4);
+    for (std::size_t at = 0; at < bytes.size(); at += 3)
+    {
+        std::size_t const left = bytes.size() - at;
+        unsigned const group = static_cast<unsigned>(bytes[at] << 16) |
+                               static_cast<unsigned>(left > 1 ? bytes[at + 1] << 8 : 0) |
+                               static_cast<unsigned>(left > 2 ? bytes[at + 2] : 0);
+        text += kDigits[group >> 18];
+        text += kDigits[group >> 12 & 63];
+        text += left > 1 ? kDigits[group >> 6 & 63] : '=';
+        text += left > 2 ? kDigits[group & 63] : '=';
+    }
+    return text;
+}
+
+/// JSON that can stand in a script element, whatever texts are in it.
+std::string ForScript(Json const& json)
+{
+    std::string text;
+    for (char const c : json.dump(-1, ' ', false, Json::error_handler_t::replace))
+        text += c == '<' ? std::string("\\u003c") : std::string(1, c);
+    return text;
+}
+
+std::string ForMarkup(std::string_view text)
+{
+    std::string result;
+    for (char const c : text)
+        result += c == '<'   ? std::string("&lt;")
+                  : c == '&' ? std::string("&amp;")
+                  : c == '"' ? std::string("&quot;")
+                             : std::string(1, c);
+    return result;
+}
+
+void Replace(std::string& text, std::string_view mark, std::string const& by)
+{
+    text.replace(text.find(mark), mark.size(), by);
+}
+
+Json RowJson(LayoutRow const& row)
+{
+    Json json = {{"o", row.field.offset}, {"l", row.field.length}, {"d", row.depth}};
+    if (row.isRecord)
+    {
+        json["p"] = row.path;
+        json["v"] = row.field.value;
+        Json findings = Json::array();
+        for (Finding const& finding : row.findings)
+            findings.push_back(ToJson(finding, row.path));
+        if (!findings.empty())
+            json["f"] = std::move(findings);
+        return json;
+    }
+    json["r"] = RoleName(row);
+    json["n"] = row.field.name;
+    json["v"] = row.field.value;
+    return json;
+}
+} // namespace
+
+void AddPage(CLI::App& command, std::string& out)
+{
+    command
+        .add_option("--html", out,
+                    "Write a page for a browser instead: records beside their bytes; - for standard output")
+        ->type_name("FILE");
+}
+
+std::string PageOf(Document const& document, std::vector<LayoutRow> const& rows)
+{
+    Json list = Json::array();
+    for (LayoutRow const& row : rows)
+        list.push_back(RowJson(row));
+    Json findings = Json::array();
+    for (Finding const& finding : document.tree.findings)
+        findings.push_back(ToJson(finding, "/"));
+    Json const data = {{"schema", 1},
+                       {"file", document.file},
+                       {"order", OrderName(document.tree.order)},
+                       {"size", document.tree.size},
+                       {"bytes", Base64(document.content)},
+                       {"findings", findings},
+                       {"rows", list}};
+    std::string page = kPageTemplate;
+    Replace(page, "{{title}}", ForMarkup(Escaped(document.file)));
+    Replace(page, "{{data}}", ForScript(data));
+    return page;
+}
+
+void WritePage(Session const& session, Common const& common, Document const& document, std::string const& out)
+{
+    if (document.tree.size > kLargestPage)
+        throw Failure(Exit::kLimit, fmt::format("{} is {} bytes; a page takes {} at most",
+                                                Quoted(document.file), document.tree.size, kLargestPage));
+    PlugInClasses const classes(session);
+    DecodeOptions options;
+    options.order = document.tree.order;
+    options.limits = common.limits;
+    options.classes = &classes;
+    // Colours of the terminal have no place in it.
+    ChooseColour("never");
+    std::string const page = PageOf(document, LayoutOf(document.content, options));
+    ChooseColour(common.colour);
+    WriteOutput(session, out, Bytes(page.begin(), page.end()));
+}
+} // namespace TOOL

@@ -1,0 +1,24 @@
+// A record file as one page for a browser.
+#pragma once
+
+#include "Records/Document.h"
+#include "Records/Layout.h"
+
+#include <string>
+
+namespace TOOL
+{
+/// The largest file that a page takes, in bytes.
+constexpr KORVA::int64 kLargestPage = KORVA::int64{8} << 20;
+
+/// A page that needs nothing else: the records beside the bytes, each showing where the other is. Everything
+/// from the file is data in it, never markup or script.
+std::string PageOf(Document const& document, std::vector<LayoutRow> const& rows);
+
+/// Adds the option --html.
+void AddPage(CLI::App& command, std::string& out);
+
+/// Writes the page to a file, or to standard output for "-". Ends the command for a file that is too large.
+void WritePage(Session const& session, Common const& common, Document const& document,
+               std::string const& out);
+} // namespace TOOL
