@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Failure.h"
+#include "Help/Documents.h"
 #include "Output.h"
 
 #include <fcntl.h>
@@ -95,6 +96,7 @@ int Run(int argc, char** argv)
     AddFileCommands(app, common);
     AddCatCommand(app, common);
     AddCopyCommand(app, common);
+    AddDocumentCommand(app, TESSIO_VERSION);
     try
     {
         app.parse(argc, argv);
