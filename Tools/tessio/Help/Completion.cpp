@@ -84,7 +84,7 @@ std::string BashCompletionOf(CLI::App const& app)
     std::string text = "# Completion of tessio for bash.\n"
                        "_tessio()\n{\n"
                        "    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}\n"
-                       "    local command= words= word\n"
+                       "    local command= commands= words= word\n"
                        "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
                        "        case \"$command $word\" in\n";
     Each(app, "", [&](std::string const& words, CLI::App const&) {
@@ -110,22 +110,20 @@ std::string BashCompletionOf(CLI::App const& app)
     text += "    esac\n    case $command in\n";
     std::string const common = OptionNames(app);
     Each(app, "", [&](std::string const& words, CLI::App const& each) {
-        std::string const commands = CommandNames(each);
-        std::string const own = words.empty() ? "" : OptionNames(each);
-        text += fmt::format("        {}) words={} ;;\n", ShellQuoted(words),
-                            ShellQuoted(commands + (commands.empty() || own.empty() ? "" : " ") + own));
+        text +=
+            fmt::format("        {}) commands={} words={} ;;\n", ShellQuoted(words),
+                        ShellQuoted(CommandNames(each)), ShellQuoted(words.empty() ? "" : OptionNames(each)));
     });
-    text +=
-        "    esac\n"
-        "    if [[ $current == -* ]]; then\n"
-        "        COMPREPLY=($(compgen -W \"$words " +
-        common +
-        "\" -- \"$current\"))\n"
-        "    else\n"
-        "        [[ $words == [a-z]* ]] && COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
-        "        [[ -n $command && ${#COMPREPLY[@]} -eq 0 ]] && COMPREPLY=($(compgen -f -- \"$current\"))\n"
-        "    fi\n}\n"
-        "complete -o filenames -F _tessio tessio\n";
+    text += "    esac\n"
+            "    if [[ $current == -* ]]; then\n"
+            "        COMPREPLY=($(compgen -W \"$words " +
+            common +
+            "\" -- \"$current\"))\n"
+            "    else\n"
+            "        [[ -n $commands ]] && COMPREPLY=($(compgen -W \"$commands\" -- \"$current\"))\n"
+            "        [[ -z $commands ]] && COMPREPLY=($(compgen -f -- \"$current\"))\n"
+            "    fi\n}\n"
+            "complete -o filenames -F _tessio tessio\n";
     return text;
 }
 
