@@ -19,7 +19,9 @@ namespace KORVA::CXX
 /// The order of the bytes of numbers in a stream or file.
 enum class ByteOrder
 {
+    /// The most significant byte first.
     kBig,
+    /// The least significant byte first.
     kLittle,
     /// That of this machine.
     kNative = std::endian::native == std::endian::little ? kLittle : kBig

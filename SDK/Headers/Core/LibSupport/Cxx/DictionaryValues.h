@@ -40,9 +40,13 @@ concept OwnedValue = Number<T> || std::same_as<T, GUID> || std::same_as<T, std::
 /// an unknown one looks like the number 0.
 enum class ValueKind
 {
+    /// Of any of the ten types.
     kNumber,
+    /// An identifier.
     kGUID,
+    /// A buffer of bytes.
     kBytes,
+    /// UTF-16 units.
     kText,
     /// Anything that is no plain value: another dictionary, a URI, a plug-in's object.
     kObject
@@ -61,7 +65,8 @@ bool ToInteger(double floating, unsigned long long bits, T& value)
     constexpr double kExact = 9007199254740992.0;
     constexpr double kTopBit = 9223372036854775808.0;
     using Limits = std::numeric_limits<T>;
-    if (!(std::abs(floating) > kExact))
+    // Up to there the floating form alone says everything; from there on integers are rounded in it.
+    if (std::abs(floating) < kExact)
     {
         if (std::trunc(floating) != floating)
             return false;

@@ -24,7 +24,7 @@ struct LoadOptions
 {
     /// The byte order. By default it is found out: files don't tell, but in one order only is the first
     /// record's class id known, or, where it is unknown in both, its length believable.
-    std::optional<ByteOrder> order;
+    std::optional<ByteOrder> order = std::nullopt;
     /// Whether an object is taken that did not come out of its record as it should, because something in
     /// there is damaged or of a class that nothing makes. Saving it again loses what is not in it. A class
     /// that moves the position while it reads itself needs this.
@@ -61,10 +61,10 @@ inline Result<DataProvider> OpenToLoad(std::filesystem::path const& path, Task c
 
 inline Result<DataProvider> OpenToLoad(URI const& uri, Task const& task)
 {
-    std::filesystem::path path;
-    if (uri.Scheme() == "file" && uri.Host().empty() && IO::FilePathOf(*uri, path) == kNoError)
-        return OpenToLoad(path, task);
-    return OpenedBy(File::At(uri), task);
+    if (uri.Scheme() != "file")
+        return OpenedBy(File::At(uri), task);
+    Result<std::filesystem::path> const path = LocalPath(uri, task);
+    return path ? OpenToLoad(*path, task) : Result<DataProvider>(path.error());
 }
 
 inline Task LoadTask(std::filesystem::path const& path) { return {"load", Quoted(path.string())}; }
@@ -161,7 +161,8 @@ Result<T> Load(std::filesystem::path const& path, LoadOptions const& options = {
     DETAIL::Task const task = DETAIL::LoadTask(path);
     return DETAIL::LoadOne<T>(DETAIL::OpenToLoad(path, task), options, task);
 }
-/// The same from the file that a URI names, of any scheme that is served. `kNotServed`.
+/// The same from the file that a URI names, of any scheme that is served. `kNotServed`, for a file on another
+/// machine too; `kBadArgument` for a local one with a query.
 template <HandleType T>
 Result<T> Load(URI const& uri, LoadOptions const& options = {})
 {

@@ -25,7 +25,7 @@ namespace KORVA::CXX
 struct SaveOptions
 {
     /// The byte order; by default this machine's, and for `Append` that of the file.
-    std::optional<ByteOrder> order;
+    std::optional<ByteOrder> order = std::nullopt;
 };
 
 namespace DETAIL
@@ -48,15 +48,18 @@ inline ErrCode CodeOfFileStatus(FILE_SYS::ErrCode status)
     }
 }
 
-/// The local file that a URI names, for writing: a name on another machine or with a query is refused rather
-/// than taken for the file that its path alone would name.
+/// The local file that a URI of the scheme "file" names. A name on another machine, or one with a query, is
+/// refused rather than taken for the file that its path alone would name.
 inline Result<std::filesystem::path> LocalPath(URI const& uri, Task const& task)
 {
     std::string const host = uri.Host();
-    if (uri.Scheme() != "file" || (!host.empty() && host != "localhost"))
-        return task.Failed(kNotServed, "only local files are written safely");
-    if (!uri.Query().empty())
-        return task.Failed(IO::kBadArgument, "its query would be lost");
+    if (!host.empty() && host != "localhost")
+        return task.Failed(kNotServed, "the file is on another machine");
+    // A query may be empty, and stands in the text even so.
+    std::string const text = uri.AbsoluteText();
+    std::string const name = uri.Path();
+    if (!text.empty() && !text.ends_with(name) && !text.ends_with(name + "/"))
+        return task.Failed(IO::kBadArgument, "its path does not say everything");
     std::filesystem::path path;
     if (IO::FilePathOf(*uri, path) != kNoError)
         return task.Failed(IO::kBadArgument, "its path is no file name");
@@ -175,6 +178,8 @@ Result<void> Save(std::filesystem::path const& path, Handle<I> const& object, Sa
 inline Result<void> Save(URI const& uri, IObject const& object, SaveOptions const& options = {})
 {
     DETAIL::Task const task = DETAIL::SaveTask(uri);
+    if (uri.Scheme() != "file")
+        return task.Failed(kNotServed, "only local files are written safely");
     Result<std::filesystem::path> const path = DETAIL::LocalPath(uri, task);
     if (!path)
         return path.error();

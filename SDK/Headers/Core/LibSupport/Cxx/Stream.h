@@ -36,7 +36,9 @@ public:
     /// What the data under the stream can be used for.
     enum class Access
     {
+        /// Writing is refused here.
         kReadOnly,
+        /// Everything is passed on.
         kReadWrite
     };
 

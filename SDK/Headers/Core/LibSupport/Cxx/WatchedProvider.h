@@ -23,6 +23,13 @@ public:
     /// Whether the position was set to another place than where it stood.
     bool HasMoved() const { return mHasMoved; }
 
+    /// What is found on the provider is found here.
+    ErrCode QueryInterface(GUID const& iid, IObject** out) const override
+    {
+        return mProvider->QueryInterface(iid, out);
+    }
+    AggregateMap const& GetAggregates() const override { return mProvider->GetAggregates(); }
+
     void InitHandleBased(int mode) override { mProvider->InitHandleBased(mode); }
     ErrCode InitReadOnlyMem(void const* data, int32 size) override
     {
