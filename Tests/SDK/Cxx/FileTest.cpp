@@ -105,6 +105,7 @@ TEST_F(CxxFile, IsReadAndWrittenInPlace)
     EXPECT_EQ(bytes[3], std::byte{'d'});
     reader << 7;
     EXPECT_EQ(reader.Status().error().Code(), 30) << "it would never return";
+    EXPECT_EQ(reader.Provider()->SetSize(1).error().Code(), 27) << "the provider itself says nothing";
 }
 
 TEST_F(CxxFile, ThatCannotBeOpenedSaysWhy)

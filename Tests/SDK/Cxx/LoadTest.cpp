@@ -55,6 +55,9 @@ TEST_F(CxxLoad, GivesBackWhatWasSavedInBothOrders)
     ASSERT_TRUE(CXX::Save(Path("note"), MakeNote(5)));
     EXPECT_EQ((*Load<CXX::Handle<INote>>(Path("note")))->Number(), 5);
     EXPECT_TRUE(Load<CXX::Object>(Path("note")));
+    ASSERT_TRUE(CXX::Save(Path("uri"), URI::FromText("http://h.example/a").value()));
+    EXPECT_EQ(Load<URI>(Path("uri"))->Host(), "h.example");
+    EXPECT_EQ(Load<CXX::StringDictionary>(Path("uri")).error().Code(), 2024);
 }
 
 TEST_F(CxxLoad, FromMemory)

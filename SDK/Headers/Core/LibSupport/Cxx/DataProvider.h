@@ -27,6 +27,11 @@ enum class ByteOrder
     kNative = std::endian::native == std::endian::little ? kLittle : kBig
 };
 
+/// A range that takes its elements away when the expression ends: a vector, not a span.
+template <class Range>
+concept OwningTemporary = !std::is_lvalue_reference_v<Range> && std::ranges::contiguous_range<Range> &&
+                          !std::ranges::borrowed_range<Range>;
+
 /// Owns a data provider. Copies share it and its position. Used by one thread at a time.
 class DataProvider : public Handle<IO::IDataProvider>
 {
@@ -69,12 +74,8 @@ public:
         return Over(std::as_bytes(bytes), order);
     }
     /// A temporary that owns its bytes would take them away.
-    template <class Range>
-    requires(!std::is_lvalue_reference_v<Range> && std::ranges::contiguous_range<Range> &&
-             !std::ranges::borrowed_range<Range>) static Result<DataProvider> Over(Range&& bytes,
-                                                                                   ByteOrder order =
-                                                                                       ByteOrder::kNative) =
-        delete;
+    template <OwningTemporary Range>
+    static Result<DataProvider> Over(Range&& bytes, ByteOrder order = ByteOrder::kNative) = delete;
 
     /// In bytes.
     int64 Size() const { return (*this)->Size(); }

@@ -35,6 +35,10 @@ template <class T>
 concept OwnedValue = Number<T> || std::same_as<T, GUID> || std::same_as<T, std::u16string> ||
     std::same_as<T, std::string> || std::same_as<T, std::vector<unsigned char>> || HandleType<T>;
 
+/// What can be fetched.
+template <class T>
+concept DictionaryValue = OwnedValue<T> || BorrowedValue<T>;
+
 /// What an entry holds, as far as the interface tells. All numbers look alike: 5 may have been put as any of
 /// the types, and only a fraction says that it was a floating one. A value that was read with no type or with
 /// an unknown one looks like the number 0.
@@ -114,9 +118,8 @@ inline Result<ValueKind> KindOf(IDictionary const& dictionary, unsigned int key)
 /// - A handle: the object itself, shared; `kWrongType` when it is of another class.
 ///
 /// `kNoEntry` when there is no entry, `kWrongType` when it holds something else.
-template <class T>
-requires(OwnedValue<T> || BorrowedValue<T>) Result<T> GetValue(IDictionary const& dictionary,
-                                                               unsigned int key)
+template <DictionaryValue T>
+Result<T> GetValue(IDictionary const& dictionary, unsigned int key)
 {
     Result<ValueKind> const kind = KindOf(dictionary, key);
     if (!kind)

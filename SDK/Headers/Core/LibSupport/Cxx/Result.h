@@ -12,6 +12,14 @@
 
 namespace KORVA::CXX
 {
+template <class T>
+class Result;
+
+/// What a result of `T` can be made of, beside an error.
+template <class U, class T>
+concept ResultValue = std::is_convertible_v<U, T> && !std::is_same_v<std::remove_cvref_t<U>, Result<T>> &&
+                      !std::is_same_v<std::remove_cvref_t<U>, Error>;
+
 /// What an operation that can fail answers. Look at it: the compiler warns where a result is dropped.
 ///
 ///     if (auto const width = settings.Get<int>(1))
@@ -30,10 +38,8 @@ public:
     using value_type = T;
 
     /// A success, from whatever the value can be made of without a cast.
-    template <class U = T>
-    requires(std::is_convertible_v<U, T> && !std::is_same_v<std::remove_cvref_t<U>, Result> &&
-             !std::is_same_v<std::remove_cvref_t<U>, Error>) Result(U&& value)
-        : mContent(std::in_place_index<0>, std::forward<U>(value))
+    template <ResultValue<T> U = T>
+    Result(U&& value) : mContent(std::in_place_index<0>, std::forward<U>(value))
     {}
 
     /// A failure.

@@ -21,6 +21,10 @@
 
 namespace KORVA::CXX
 {
+/// Handles of any kind, to go over.
+template <class Range>
+concept RangeOfHandles = std::ranges::input_range<Range> && HandleType<std::ranges::range_value_t<Range>>;
+
 /// How objects are written.
 struct SaveOptions
 {
@@ -157,8 +161,9 @@ Result<std::vector<std::byte>> ToBytes(Handle<I> const& object, SaveOptions cons
 /// Before anything is touched: `kNotPersistent`; `kNotSerialized` when the object's own writing threw (one
 /// inside of it that throws is cut short, as the stream has it); `kTooLarge`; `kNotAFile`; `kLocked` when
 /// somebody has the file open for writing, also another process; `kBadText` for a path that is not UTF-8.
-/// With the old file left: `kFileNotFound` (no such directory), `kNotPermitted`, `kNoSpace`.
-/// `kFileSystemFailed` tells nothing more; after it the file may be the old one or the new one.
+/// With the old file left: `kFileNotFound` (no such directory), `kNoSpace`. After `kNotPermitted` and
+/// `kFileSystemFailed` it is the old one or the new one: the last thing that can fail is to wait for the new
+/// name to be on the disk.
 ///
 /// Any text is a path here: name a URL by a `URI`.
 inline Result<void> Save(std::filesystem::path const& path, IObject const& object,
@@ -195,9 +200,8 @@ Result<void> Save(URI const& uri, Handle<I> const& object, SaveOptions const& op
 
 /// Makes the records of all `objects` (a range of handles), one after the other, the whole content of the
 /// file. Errors as of `Save`; no object at all makes an empty file.
-template <std::ranges::input_range Range>
-requires HandleType<std::ranges::range_value_t<Range>> Result<void>
-SaveAll(std::filesystem::path const& path, Range&& objects, SaveOptions const& options = {})
+template <RangeOfHandles Range>
+Result<void> SaveAll(std::filesystem::path const& path, Range&& objects, SaveOptions const& options = {})
 {
     std::vector<Object> held;
     for (auto const& object : objects)

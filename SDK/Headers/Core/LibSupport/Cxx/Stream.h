@@ -17,10 +17,14 @@
 
 namespace KORVA::CXX
 {
+/// What a stream writes in as many bytes as it has.
+template <class T>
+concept PlainStreamValue = Number<T> || std::same_as<T, bool> || std::same_as<T, GUID>;
+
 /// What a stream writes and reads beside objects.
 template <class T>
-concept StreamValue = Number<T> || std::same_as<T, bool> || std::same_as<T, GUID> ||
-    std::same_as<T, STRING::CoreString> || std::same_as<T, std::u16string> || std::same_as<T, std::string>;
+concept StreamValue = PlainStreamValue<T> || std::same_as<T, STRING::CoreString> ||
+    std::same_as<T, std::u16string> || std::same_as<T, std::string>;
 
 /// Owns a typed stream over a data provider. The interface's own operators report nothing; this one compares
 /// positions around each of them, and remembers the first failure:
@@ -72,8 +76,8 @@ public:
     void ClearStatus() { mError.reset(); }
 
     /// Writes a number, a truth value or an identifier.
-    template <class T>
-    requires(Number<T> || std::same_as<T, bool> || std::same_as<T, GUID>) Stream& operator<<(T const& value)
+    template <PlainStreamValue T>
+    Stream& operator<<(T const& value)
     {
         return Note(WriteValue(value, sizeof(T)));
     }

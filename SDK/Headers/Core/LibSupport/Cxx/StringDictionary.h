@@ -15,6 +15,10 @@
 
 namespace KORVA::CXX
 {
+/// What a text can be fetched as.
+template <class T>
+concept OwnedText = std::same_as<T, std::u16string> || std::same_as<T, std::string>;
+
 /// Owns a dictionary of texts. Copies share it. Keys and values may be empty, and each may be given in UTF-16
 /// or in UTF-8. Used by one thread at a time.
 class StringDictionary : public Handle<IStringDictionary>
@@ -39,9 +43,8 @@ public:
 
     /// A copy of the value, as `std::u16string` or, in UTF-8, as `std::string`. `kNoEntry` when there is
     /// none, `kBadText` for a key that is not well-formed UTF-8, or a value that UTF-8 can't say.
-    template <class T = std::u16string, Text Key>
-    requires(std::same_as<T, std::u16string> || std::same_as<T, std::string>) Result<T> Get(Key const& key)
-    const
+    template <OwnedText T = std::u16string, Text Key>
+    Result<T> Get(Key const& key) const
     {
         Result<STRING::CoreString> const name = ToCoreString(key);
         if (!name)
