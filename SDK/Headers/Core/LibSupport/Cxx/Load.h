@@ -88,7 +88,7 @@ Result<T> LoadOne(Result<DataProvider> provider, LoadOptions const& options, Tas
     Result<void> const order = SetOrder(*provider, options, task);
     if (!order)
         return order.error();
-    Result<T> object = ReadRecord<T>(**provider, task, options.keepDamaged);
+    Result<T> object = ReadRecord<T>(**provider, provider->Size(), task, options.keepDamaged);
     if (object && !options.ignoreRest && !provider->AtEnd())
         return task.Failed(kMoreRecords);
     return object;
@@ -123,11 +123,11 @@ Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& op
         return order.error();
     Loaded<T> loaded;
     loaded.order = provider->Order();
-    while (!provider->AtEnd())
+    int64 const size = provider->Size();
+    for (int64 before = provider->Position(); before < size; before = provider->Position())
     {
-        int64 const before = provider->Position();
         Task const one{task.operation, "the record at " + std::to_string(before) + " of " + task.subject};
-        Result<T> object = ReadRecord<T>(**provider, one, options.keepDamaged);
+        Result<T> object = ReadRecord<T>(**provider, size, one, options.keepDamaged);
         if (object)
             loaded.objects.push_back(*std::move(object));
         else if (provider->Position() > before)

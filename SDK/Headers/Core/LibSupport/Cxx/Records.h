@@ -183,12 +183,12 @@ inline Result<void> FindOrder(IO::IDataProvider& provider, Task const& task)
 
 /// Reads the record at the provider's position as a `T`. The position is the record's end afterwards, on
 /// failure too where that is known, else it stays. With `keepDamaged`, an object that did not come out of
-/// its record quite as it should is a success.
+/// its record quite as it should is a success. `size` is the provider's: a file is slow to tell it.
 template <HandleType T>
-Result<T> ReadRecord(IO::IDataProvider& provider, Task const& task, bool keepDamaged)
+Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
 {
     int64 const start = provider.GetPosition();
-    int64 const left = provider.Size() - start;
+    int64 const left = size - start;
     if (left <= 0)
         return task.Failed(IO::kEndOfData);
     Result<RecordHead> const head = PeekHead(provider);

@@ -170,7 +170,7 @@ public:
         Result<DataProvider> const provider = Provider();
         if (!provider)
             return provider.error();
-        return DETAIL::ReadRecord<T>(**provider, {"read", "the object"}, false);
+        return DETAIL::ReadRecord<T>(**provider, provider->Size(), {"read", "the object"}, false);
     }
 
     /// Reads bytes as they are: see `DataProvider::Read`.
