@@ -2,6 +2,7 @@
 #include "Cxx/Save.h"
 
 #include "Cxx/Dictionary.h"
+#include "Cxx/File.h"
 #include "Cxx/Load.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "Platform/Posix/ResourceLimit.h"
@@ -9,7 +10,10 @@
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -205,6 +209,27 @@ TEST_F(CxxSave, WithoutSpaceLeavesTheOldFile)
     EXPECT_EQ(child.Wait(), 0);
     EXPECT_EQ(Content(Path("a")), "old");
     EXPECT_EQ(Names(), List{"a"});
+}
+
+TEST_F(CxxSave, OnAFullDeviceLeavesTheOldFile)
+{
+    constexpr int kNoDevice = 77;
+    ChildProcess child([this] {
+        // A small device of the child's own, gone with it.
+        int const space = CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER);
+        if (unshare(space) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("none", directory.Path().c_str(), "tmpfs", 0, "size=65536") != 0)
+            return kNoDevice;
+        if (!Save(Path("a"), dictionary) || !dictionary.Set(2, std::vector<unsigned char>(100'000, 1)))
+            return 1;
+        if (Save(Path("a"), dictionary).error().Code() != CXX::kNoSpace)
+            return 2;
+        return HexOf(Path("a")) == kLittle && Names() == List{"a"} ? 0 : 3;
+    });
+    int const result = child.Wait();
+    if (result == kNoDevice)
+        GTEST_SKIP() << "this process may not make a device";
+    EXPECT_EQ(result, 0);
 }
 
 TEST_F(CxxSave, WithoutTheFileSystemSaysSo)

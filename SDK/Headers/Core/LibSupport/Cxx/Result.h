@@ -75,7 +75,7 @@ public:
     T const& operator*() const& { return value(); }
     /// The same as `value`.
     T operator*() && { return std::move(*this).value(); }
-    /// Into the value; throws as `value` does.
+    /// Into the value; throws as `value` does. What a temporary result lends this way dies with it.
     T* operator->() { return &value(); }
     /// Into the value; throws as `value` does.
     T const* operator->() const { return &value(); }
