@@ -1,39 +1,30 @@
-#include "CoreRegistry/CoreRegistry.h"
+#include "Cxx/TessIO.h"
 #include "Host/Host.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IURIRegistry.h"
-#include "TessIO/LibUtils.h"
 #include <cstdio>
 
 using namespace KORVA;
-using COREREGISTRY::CreateObject;
 
 int main(int argc, char** argv)
 {
-    std::string error;
-    auto const host = HOST::Host::Boot(error);
+    std::string reason;
+    auto const host = HOST::Host::Boot(reason);
+    auto const complain = [](std::string const& text) {
+        return std::fprintf(stderr, "%s\n", text.c_str()), 1;
+    };
     if (!host || argc != 2)
-        return std::fprintf(stderr, "%s\n", host ? "usage: example_host FILE" : error.c_str()), 1;
-    IO::IURIPtr uri;
-    IO::IURIFilePtr file;
-    IO::CreateURI(host->Registry(), uri, argv[1]);
-    CreateObject<IO::IURIRegistry>(IO::IID_URI_REGISTRY)->Create(*uri, file, nullptr);
+        return complain(host ? "usage: example_host FILE" : reason);
 
-    TInterfacePtr<IO::IDataProviderStream> stream;
-    if (!file || file->Create() != kNoError || file->Write(stream) != kNoError)
-        return std::fprintf(stderr, "cannot write %s\n", argv[1]), 1;
-    auto const settings = CreateObject<IDictionary>(IO::IID_DICTIONARY);
-    settings->Put(1, 640);
-    settings->Put(2, u"Tuesday", 7);
-    stream->GetDataProvider()->SetSize(0);
-    *stream << *settings;
-    stream.Reset(); // closes the file
-
-    TInterfacePtr<IDictionary> loaded;
-    int width = 0;
-    if (file->Read(stream) == kNoError)
-        *stream >> loaded.Out();
-    if (!loaded || loaded->Get(1, width) != kNoError)
-        return std::fprintf(stderr, "cannot read %s\n", argv[1]), 1;
-    std::printf("%u entries, width %d\n", loaded->Size(), width);
+    auto settings = CXX::Dictionary::Create().value();
+    settings.Set(1, 640);
+    if (auto const set = settings.Set(2, u"Tuesday"); !set)
+        return complain(set.error().Message());
+    if (auto const saved = CXX::Save(argv[1], settings); !saved)
+        return complain(saved.error().Message());
+    auto const loaded = CXX::Load<CXX::Dictionary>(argv[1]);
+    if (!loaded)
+        return complain(loaded.error().Message());
+    auto const width = loaded->Get<int>(1);
+    if (!width)
+        return complain(width.error().Message());
+    std::printf("%zu entries, width %d\n", loaded->Size(), *width);
 }

@@ -46,6 +46,7 @@ std::set<std::string> const kBasis = SDK({"ObjectModel", "CoreString", "Logger"}
 std::set<std::string> const kCompanions =
     SDK({"ObjectModel", "CoreRegistry", "CoreString", "FileIO", "Logger"});
 std::set<std::string> const kWholeSDK = With(With(kCompanions, kSDK + "TessIO"), kSDK + "Host");
+std::set<std::string> const kPrograms = With(kWholeSDK, kSDK + "Cxx");
 
 // What a folder includes of itself is its own business.
 std::vector<Area> const kAreas = {
@@ -56,6 +57,7 @@ std::vector<Area> const kAreas = {
     {kSDK + "Logger", kBasis},
     {kSDK + "Host", SDK({"ObjectModel", "CoreRegistry"})},
     {kSDK + "TessIO", kCompanions},
+    {kSDK + "Cxx", With(kCompanions, kSDK + "TessIO")},
     {kLibrary, With(With(kCompanions, kSDK + "TessIO"), "Platform/Headers")},
     {"Core/Common/Constructs/UniCharUtils", With(SDK({"ObjectModel", "Logger"}), "Platform/Headers")},
     {"Platform/Headers", {}},
@@ -65,8 +67,8 @@ std::vector<Area> const kAreas = {
     {"Companions/FileIO", With(kCompanions, kSDK + "Host"), true},
     {"Companions/Logger", With(kCompanions, kSDK + "Host"), true},
     {"Companions/Host", kWholeSDK, true},
-    {"Tools", kWholeSDK, true},
-    {"Examples", kWholeSDK, true},
+    {"Tools", kPrograms, true},
+    {"Examples", kPrograms, true},
 };
 
 /// The headers of the language's own library.
@@ -250,6 +252,11 @@ Row const kRows[] = {
     {"CompanionFromTheLibrarysHeaders", kSDK + "TessIO/X.h", "CoreRegistry/CoreRegistry.h", true},
     {"PlatformFromTheLibrarysHeaders", kSDK + "TessIO/X.h", "Platform/URL.h", false},
     {"HostFromTheLibrarysHeaders", kSDK + "TessIO/X.h", "Host/Host.h", false},
+    {"LayerFromTheLibrarysHeaders", kSDK + "TessIO/X.h", "Cxx/Dictionary.h", false},
+    {"LayerFromTheHostsHeader", kSDK + "Host/X.h", "Cxx/Dictionary.h", false},
+    {"LibraryFromTheLayer", kSDK + "Cxx/X.h", "TessIO/IURI.h", true},
+    {"HostFromTheLayer", kSDK + "Cxx/X.h", "Host/Host.h", false},
+    {"SystemFromTheLayer", kSDK + "Cxx/X.h", "unistd.h", false},
     {"RegistryFromTheHostsHeader", kSDK + "Host/X.h", "CoreRegistry/CoreRegistry.h", true},
     {"StringsFromTheHostsHeader", kSDK + "Host/X.h", "CoreString/CoreString.h", false},
     {"PlatformFromTheLibrary", kLibrary + "/X.cpp", "Platform/URL.h", true},
@@ -268,6 +275,9 @@ Row const kRows[] = {
     {"PlatformFromACompanionsSource", "Companions/FileIO/X.cpp", "Platform/URL.h", false},
     {"AnotherCompanionsSource", "Companions/FileIO/X.cpp", "../Logger/LogFile.h", false},
     {"PackagedLibraryFromACompanion", "Companions/Logger/X.cpp", "spdlog/logger.h", true},
+    {"LayerFromTheLibrary", kLibrary + "/X.cpp", "Cxx/Dictionary.h", false},
+    {"LayerFromACompanionsSource", "Companions/Host/X.cpp", "Cxx/Dictionary.h", false},
+    {"LayerFromAnExample", "Examples/host/X.cpp", "Cxx/Dictionary.h", true},
     {"SDKFromATool", "Tools/tessio/X.cpp", "TessIO/IURI.h", true},
     {"PlatformFromATool", "Tools/tessio/X.cpp", "Platform/URL.h", false},
     {"PrivateHeaderFromATool", "Tools/tessio/X.cpp", "DataProviderImpl.h", false},

@@ -77,7 +77,7 @@ TEST(Example, TheHostOfTheReadmeSavesAndLoads)
     EXPECT_EQ(outcome.out, "2 entries, width 640\n");
     Outcome const refused = RunProgram({program, "/no/such/place"}, directory.Path().string());
     EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_EQ(refused.err, "cannot write /no/such/place\n");
+    EXPECT_EQ(refused.err, "cannot save \"/no/such/place\": no such file or directory (kFileNotFound)\n");
 }
 } // namespace
 } // namespace KORVA::TESTS

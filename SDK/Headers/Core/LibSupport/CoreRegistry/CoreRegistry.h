@@ -3,6 +3,7 @@
 
 #include "CoreRegistry/ICoreRegistry.h"
 
+/// Where class factories are registered and objects created by class id.
 namespace KORVA::COREREGISTRY
 {
 /// Creates an empty registry of the reference implementation; the caller adopts it.

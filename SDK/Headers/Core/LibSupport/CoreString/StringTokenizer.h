@@ -14,6 +14,7 @@ public:
     /// `flag` is reserved and must be 0.
     StringTokenizer(CoreString const& text, CoreString const& delimiters, int flag);
 
+    /// How many pieces there are.
     int32 NumTokens() const;
     /// The token at `index`, counted from 0; empty when there is none.
     CoreString Get(int32 index) const;

@@ -10,6 +10,7 @@ namespace KORVA::FILE_SYS
 inline constexpr GUID IID_COPY_PROGRESS{
     0x6B1E54D0, 0x29C7, 0x4E0B, {0x9A, 0x4F, 0x0D, 0x7C, 0x15, 0xE2, 0x83, 0x66}};
 
+/// Hears of the copies of `IFile::CopyTo`.
 class [[gnu::visibility("default")]] ICopyProgress : public IObject
 {
 public:

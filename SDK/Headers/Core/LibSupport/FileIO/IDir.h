@@ -17,5 +17,6 @@ public:
     virtual ErrCode GetPath(int flag, STRING::CoreString& path) const = 0;
 };
 
+/// Holds a directory.
 using IDirPtr = TInterfacePtr<IDir>;
 } // namespace KORVA::FILE_SYS

@@ -5,11 +5,13 @@
 #include "ObjectModel/IObject.h"
 #include "ObjectModel/TInterfacePtr.h"
 
+/// Files and well-known directories.
 namespace KORVA::FILE_SYS
 {
 /// 0 for success, else one of the statuses below or another non-zero number.
 using ErrCode = int32;
 
+/// It did what it says.
 inline constexpr ErrCode kDone = 0;
 /// A failure that has no status of its own.
 inline constexpr ErrCode kFailed = 1;
@@ -54,10 +56,12 @@ public:
 
     /// Each getter leaves its argument unchanged on failure. The creation date is there only where the file
     /// system keeps one; a date before 1970 is a failure.
+    ///@{
     virtual ErrCode GetSize(uint64 & size) = 0;
     virtual ErrCode GetModificationDate(uint64 & date) = 0;
     virtual ErrCode SetModificationDate(uint64 & date) = 0;
     virtual ErrCode GetCreationDate(uint64 & date) = 0;
+    ///@}
     /// Always a failure: no interface of this system sets a creation date.
     virtual ErrCode SetCreationDate(uint64 & date) = 0;
 
@@ -80,5 +84,6 @@ public:
     virtual ErrCode Replace(void const* data, uint64 count) = 0;
 };
 
+/// Holds a file.
 using IFilePtr = TInterfacePtr<IFile>;
 } // namespace KORVA::FILE_SYS

@@ -7,6 +7,7 @@
 
 namespace KORVA::FILE_SYS
 {
+/// Where `CreateSystemFile` logs.
 inline constexpr LogSite kSiteCreateSystemFileNoFactory{
     "../../../../SDK/Headers/Core/LibSupport/FileIO/LibUtils",
     "ErrCode KORVA::FILE_SYS::CreateSystemFile(KORVA::IClassFactory *, IFilePtr &, const STRING::CoreString "

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+/// Booting a process that uses the library.
 namespace KORVA::HOST
 {
 /// A booted process: a component registry, the companions, the library, and plug-ins. One at a time; made,
@@ -13,6 +14,7 @@ namespace KORVA::HOST
 class [[gnu::visibility("default")]] Host
 {
 public:
+    /// Where the parts are.
     struct Options
     {
         /// The library's file; by default the one installed beside this companion.
@@ -24,8 +26,10 @@ public:
     /// Installs a registry, loads the file-system companion and the library and initialises them. The caller
     /// owns the host; null and the reason in `error` when something can't be loaded or a host is there
     /// already.
+    ///@{
     static std::unique_ptr<Host> Boot(Options const& options, std::string& error);
     static std::unique_ptr<Host> Boot(std::string & error) { return Boot(Options(), error); }
+    ///@}
 
     /// Shuts down plug-ins in reverse order, then the library and the companions, and clears the registry.
     /// Code stays loaded, so that objects that are still held can be released afterwards.

@@ -6,11 +6,17 @@ namespace KORVA
 /// One message as the service receives it. The texts are borrowed for the duration of the call.
 struct KLogRecord
 {
+    /// 1 notice, 2 failure.
     int logType;
+    /// Where the message comes from: see `LogSite`.
+    ///@{
     char const* sourcePath;
     char const* functionSignature;
     int line;
+    ///@}
+    /// The text.
     wchar_t const* message;
+    /// 1 normal, 2 informative.
     int logLevel;
 };
 

@@ -13,10 +13,15 @@ namespace KORVA
 /// when the code around the call moves; 0 stands for a site without a line.
 struct LogSite
 {
+    /// The source's path, without its ending.
     char const* source;
+    /// The whole signature of the logging function.
     char const* signature;
+    /// The line that is reported, wherever the call stands.
     int line;
+    /// 1 notice, 2 failure.
     int type = 2;
+    /// 1 normal, 2 informative.
     int level = 1;
 };
 

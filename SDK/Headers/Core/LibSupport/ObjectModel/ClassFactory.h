@@ -17,6 +17,7 @@ IObject* New()
 template <IObject* (*Create)(), GUID const&... ClassIds>
 struct Makes
 {
+    /// A new object with the count 1 where `classId` is one of the row's, else null.
     static IObject* Try(GUID const& classId) { return ((classId == ClassIds) || ...) ? Create() : nullptr; }
 };
 

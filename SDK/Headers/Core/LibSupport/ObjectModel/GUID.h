@@ -9,16 +9,20 @@
 /// A class or interface identifier: 16 bytes in host byte order.
 struct GUID
 {
+    /// The groups of the registry text, the last two together in `Data4`.
+    ///@{
     std::uint32_t Data1;
     std::uint16_t Data2;
     std::uint16_t Data3;
     std::uint8_t Data4[8];
+    ///@}
 };
 
 static_assert(sizeof(GUID) == 16);
 
 namespace KORVA
 {
+/// How identifiers are passed.
 using REFIID = GUID const&;
 
 /// The identifier as four 32-bit words read in host order. Comparison and ordering work on these words.
@@ -28,6 +32,7 @@ constexpr std::array<std::uint32_t, 4> GUIDWords(GUID const& id)
 }
 } // namespace KORVA
 
+/// Whether all four words are equal.
 constexpr bool operator==(GUID const& a, GUID const& b) { return KORVA::GUIDWords(a) == KORVA::GUIDWords(b); }
 
 /// Orders identifiers by their four host-order words, the first unequal word deciding. On a little-endian
@@ -36,6 +41,7 @@ constexpr bool operator==(GUID const& a, GUID const& b) { return KORVA::GUIDWord
 template <>
 struct std::less<GUID>
 {
+    /// Whether `a` comes before `b`.
     constexpr bool operator()(GUID const& a, GUID const& b) const
     {
         return KORVA::GUIDWords(a) < KORVA::GUIDWords(b);

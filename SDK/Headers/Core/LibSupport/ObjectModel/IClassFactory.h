@@ -5,6 +5,7 @@
 
 namespace KORVA
 {
+/// Makes objects of the classes that it serves; registered with the component registry.
 class [[gnu::visibility("default")]] IClassFactory : public IObject
 {
 public:

@@ -13,11 +13,16 @@ template <class I>
 class TInterfacePtr
 {
 public:
+    /// Empty.
     TInterfacePtr() = default;
+    /// Takes a reference of its own.
     TInterfacePtr(TInterfacePtr const& other) { Share(other.mInterface); }
+    /// Takes over the reference; `other` is empty afterwards.
     TInterfacePtr(TInterfacePtr&& other) noexcept : mInterface(other.Detach()) {}
+    /// Releases what is held.
     virtual ~TInterfacePtr() { Reset(); }
 
+    /// Shares what `other` holds and releases what was held.
     TInterfacePtr& operator=(TInterfacePtr const& other)
     {
         if (this != &other)
@@ -25,6 +30,7 @@ public:
         return *this;
     }
 
+    /// Releases what was held and takes over the reference of `other`, which is empty afterwards.
     TInterfacePtr& operator=(TInterfacePtr&& other) noexcept
     {
         if (this != &other)
@@ -65,18 +71,24 @@ public:
 
     /// The component, borrowed; null when empty.
     I* Get() const noexcept { return mInterface; }
+    /// Into the component; the pointer must not be empty.
+    ///@{
     I* operator->() const noexcept { return mInterface; }
     I& operator*() const noexcept { return *mInterface; }
+    ///@}
+    /// Whether it holds a component.
     explicit operator bool() const noexcept { return mInterface != nullptr; }
 
     /// Receives the object of a creating call and adopts it when the full expression ends.
     class OutParameter
     {
     public:
+        /// For `owner`, borrowed.
         explicit OutParameter(TInterfacePtr& owner) : mOwner(owner) {}
         OutParameter(OutParameter const&) = delete;
         OutParameter& operator=(OutParameter const&) = delete;
         ~OutParameter() { mOwner.Adopt(static_cast<I*>(mObject)); }
+        /// Where the creating call puts its object.
         operator IObject**() { return &mObject; }
 
     private:

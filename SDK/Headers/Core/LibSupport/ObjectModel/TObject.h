@@ -13,10 +13,12 @@ template <class I>
 class TObject : public I
 {
 public:
+    /// With the count 1 and no aggregates.
     TObject() = default;
     TObject(TObject const&) = delete;
     TObject& operator=(TObject const&) = delete;
 
+    /// Answers from the aggregates alone: a class that is to answer its own interface id overrides this.
     ErrCode QueryInterface(GUID const& iid, IObject** out) const override
     {
         auto const found = mAggregates.find(iid);
@@ -27,8 +29,10 @@ public:
         return kNoError;
     }
 
+    /// Atomic.
     int32 AddRef() override { return mRefCount.fetch_add(1) + 1; }
 
+    /// Atomic; deletes the object with the last reference.
     int32 Release() override
     {
         int32 const count = mRefCount.fetch_sub(1) - 1;
@@ -37,6 +41,7 @@ public:
         return count;
     }
 
+    /// Not locked, nor are the two that follow.
     void Aggregate(IObject* object, GUID iid) override
     {
         if (!object)
@@ -52,6 +57,7 @@ public:
         entry->second = object;
     }
 
+    /// Releases the one aggregate.
     void UnAggregate(GUID const& iid) override
     {
         auto const found = mAggregates.find(iid);
@@ -61,6 +67,7 @@ public:
         mAggregates.erase(found);
     }
 
+    /// Releases all in the order of `std::less<GUID>`.
     void ClearAggregates() override
     {
         for (auto const& [iid, object] : mAggregates)
@@ -68,9 +75,11 @@ public:
         mAggregates.clear();
     }
 
+    /// Not a copy.
     AggregateMap const& GetAggregates() const override { return mAggregates; }
 
 protected:
+    /// Releases the aggregates.
     ~TObject() override { TObject::ClearAggregates(); }
 
 private:

@@ -28,5 +28,6 @@ public:
     virtual ErrCode CancelTask() = 0;
 };
 
+/// Holds an operation.
 using IAsyncTaskPtr = TInterfacePtr<IAsyncTask>;
 } // namespace KORVA::IO

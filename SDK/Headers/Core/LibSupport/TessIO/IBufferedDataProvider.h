@@ -6,10 +6,12 @@
 namespace KORVA::IO
 {
 /// What `IBufferedDataProvider::Init` is to buffer; the values add up.
+///@{
 using BufferMode = int;
 inline constexpr BufferMode kBufferNothing = 0;
 inline constexpr BufferMode kBufferReads = 1;
 inline constexpr BufferMode kBufferWrites = 2;
+///@}
 /// Both, through the same buffer.
 inline constexpr BufferMode kBufferBoth = 3;
 

@@ -19,12 +19,14 @@ class IURI;
 /// | 2    | read, write, resize              | read and write, after a check that nobody locks it    |
 /// | 3    | write, resize                    | read                                                  |
 /// | 4    | resize                           | read and write, without the check                     |
+///@{
 using StreamMode = int32;
 inline constexpr StreamMode kStreamRead = 0;
 inline constexpr StreamMode kStreamWrite = 1;
 inline constexpr StreamMode kStreamReadWrite = 2;
 inline constexpr StreamMode kStreamMode3 = 3;
 inline constexpr StreamMode kStreamMode4 = 4;
+///@}
 
 /// Bytes with a position: caller memory, a growable memory block, or a file. Class id `IID_IDATAPROVIDER`
 /// (the facade over all three, to be initialised once); `IBufferedDataProvider` buffers any of them. Used by
@@ -35,7 +37,9 @@ public:
     /// The byte order in which a stream over the provider writes numbers.
     enum Endian : int32
     {
+        /// The most significant byte first.
         kBigEndian = 0,
+        /// The least significant byte first: the native order.
         kLittleEndian = 1,
         /// For constructors only, which turn it into the native order. `SetEndian` keeps it as it is, and a
         /// provider so set is not native.
@@ -46,8 +50,11 @@ public:
     /// and buffered providers; the file provider adds the offset to the end.
     enum Offset : int32
     {
+        /// The offset is the position.
         kFromStart = 0,
+        /// From the size, in the direction said above.
         kFromEnd = 1,
+        /// From the position.
         kFromCurrent = 2
     };
 
@@ -94,6 +101,7 @@ public:
     /// 0 when not initialised.
     virtual int64 GetPosition() const = 0;
 
+    /// The byte order as it was last set; `kLittleEndian` at first.
     virtual Endian GetEndian() const = 0;
     /// Whether the byte order is exactly `kLittleEndian`.
     virtual bool IsNative() const = 0;
@@ -106,7 +114,9 @@ public:
     /// Delivers what a buffered provider holds back; 0 and nothing to do for the others.
     virtual ErrCode Flush() = 0;
     /// Meaningful for buffered providers only; the others answer true.
+    ///@{
     virtual bool GetAutoFlush() = 0;
     virtual void SetAutoFlush(bool autoFlush) = 0;
+    ///@}
 };
 } // namespace KORVA::IO

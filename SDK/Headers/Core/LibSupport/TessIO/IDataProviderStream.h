@@ -28,6 +28,8 @@ public:
     /// The provider, with a reference of its own; empty when there is none.
     virtual TInterfacePtr<IDataProvider> GetDataProvider() const = 0;
 
+    /// Reads a value and gives this stream.
+    ///@{
     virtual IDataProviderStream& operator>>(signed char& value) = 0;
     virtual IDataProviderStream& operator>>(unsigned char& value) = 0;
     virtual IDataProviderStream& operator>>(short& value) = 0;
@@ -40,13 +42,17 @@ public:
     virtual IDataProviderStream& operator>>(float& value) = 0;
     virtual IDataProviderStream& operator>>(double& value) = 0;
     virtual IDataProviderStream& operator>>(STRING::CoreString& value) = 0;
+    ///@}
     /// Reads a record and re-creates its object through the registry. `*result` adopts it, or becomes null
     /// when the class is unknown or not persistent, the body threw, or the length is out of range (below 0
     /// or above 2147483647). Whatever the body did, the position is the record's end afterwards; only after
     /// a length out of range it stays behind the length. A record nested more than 1,000 deep is skipped.
     virtual IDataProviderStream& operator>>(IObject** result) = 0;
+    /// Reads an identifier and gives this stream.
     virtual IDataProviderStream& operator>>(GUID& value) = 0;
 
+    /// Writes a value and gives this stream.
+    ///@{
     virtual IDataProviderStream& operator<<(signed char value) = 0;
     virtual IDataProviderStream& operator<<(unsigned char value) = 0;
     virtual IDataProviderStream& operator<<(STRING::CoreString const& value) = 0;
@@ -59,11 +65,13 @@ public:
     virtual IDataProviderStream& operator<<(float value) = 0;
     virtual IDataProviderStream& operator<<(double value) = 0;
     virtual IDataProviderStream& operator<<(bool value) = 0;
+    ///@}
     /// Writes the object's record, its persistent aggregates included. An object without a persistence
     /// interface writes nothing and is logged; a body that throws leaves the record cut short but whole. An
     /// object is written wherever it stands, so one that contains itself is written 1,000 levels deep; one
     /// that does so twice would never end.
     virtual IDataProviderStream& operator<<(IObject const& object) = 0;
+    /// Writes an identifier and gives this stream.
     virtual IDataProviderStream& operator<<(GUID const& value) = 0;
 
     /// Straight to the provider: its result, or 29 when there is none.

@@ -14,6 +14,7 @@ namespace KORVA
 class [[gnu::visibility("default")]] IDictionary : public IObject
 {
 public:
+    /// What `ForEach` calls.
     class [[gnu::visibility("default")]] IDictionaryFunctor
     {
     public:
@@ -25,10 +26,13 @@ public:
     /// Copies the entries to `target`, sharing the values. An empty pointer gets a new dictionary; one that
     /// holds a dictionary has it cleared first, and filled only when it is of this class. Always 0.
     virtual ErrCode Clone(TInterfacePtr<IDictionary> & target) const = 0;
+    /// Releases every value and forgets it.
     virtual void Clear() = 0;
+    /// Releases the value under `key`, if there is one, and forgets it.
     virtual void Remove(unsigned int key) = 0;
 
     /// Puts a value under `key`, replacing what is there.
+    ///@{
     virtual void Put(unsigned int key, signed char value) = 0;
     virtual void Put(unsigned int key, unsigned char value) = 0;
     virtual void Put(unsigned int key, short value) = 0;
@@ -40,6 +44,7 @@ public:
     virtual void Put(unsigned int key, float value) = 0;
     virtual void Put(unsigned int key, double value) = 0;
     virtual void Put(unsigned int key, GUID value) = 0;
+    ///@}
     /// Copies `length` bytes. Null, or a length below 1, is logged and changes nothing.
     virtual void Put(unsigned int key, unsigned char const* data, int length) = 0;
     /// Copies `count` UTF-16 units. Null, or a count below 1, is logged and changes nothing.
@@ -49,6 +54,7 @@ public:
 
     /// Number getters: 0; -1 and `value` unchanged when the key is absent or its value not a plain one. The
     /// type does not matter: integers are cut to the width asked for, buffers and identifiers give 0.
+    ///@{
     virtual ErrCode Get(unsigned int key, signed char& value) const = 0;
     virtual ErrCode Get(unsigned int key, unsigned char& value) const = 0;
     virtual ErrCode Get(unsigned int key, short& value) const = 0;
@@ -59,6 +65,7 @@ public:
     virtual ErrCode Get(unsigned int key, unsigned long long& value) const = 0;
     virtual ErrCode Get(unsigned int key, float& value) const = 0;
     virtual ErrCode Get(unsigned int key, double& value) const = 0;
+    ///@}
     /// 0; -1 as above; 10 and `value` unchanged when the value is not an identifier.
     virtual ErrCode Get(unsigned int key, GUID& value) const = 0;
     /// 0 and the value's own bytes, borrowed while the value lives; -1 as above; 10 when the value is not a

@@ -27,6 +27,7 @@ public:
 class [[gnu::visibility("default")]] IPersistentDataEx : public IPersistentData
 {
 public:
+    /// The class id to write to this very stream, in place of `GetUID`.
     virtual GUID GetUIDFor(IDataProviderStream & stream) = 0;
 };
 } // namespace KORVA::IO

@@ -53,5 +53,6 @@ public:
     virtual void GetBaseDir(FILE_SYS::IDir * *dir) const = 0;
 };
 
+/// Holds a relative URI.
 using IRelativeURIPtr = TInterfacePtr<IRelativeURI>;
 } // namespace KORVA::IO

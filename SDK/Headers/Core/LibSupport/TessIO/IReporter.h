@@ -7,6 +7,7 @@ namespace KORVA::IO
 {
 class IURI;
 
+/// Given to file-backed providers, files and the URI registry, which share it.
 class [[gnu::visibility("default")]] IReporter : public IObject
 {
 public:

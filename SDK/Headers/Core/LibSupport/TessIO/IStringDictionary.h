@@ -11,6 +11,7 @@ namespace KORVA
 class [[gnu::visibility("default")]] IStringDictionary : public IObject
 {
 public:
+    /// What `ForEach` calls.
     class [[gnu::visibility("default")]] IForEachFunctor
     {
     public:
@@ -23,9 +24,13 @@ public:
     virtual void Put(STRING::CoreString const& key, STRING::CoreString const& value) = 0;
     /// True and a copy of the value; false and `value` unchanged when the key is absent.
     virtual bool Get(STRING::CoreString const& key, STRING::CoreString& value) const = 0;
+    /// Whether there is an entry under `key`.
     virtual bool Has(STRING::CoreString const& key) const = 0;
+    /// Removes the entry under `key`, if there is one.
     virtual void Remove(STRING::CoreString const& key) = 0;
+    /// Removes every entry.
     virtual void Clear() = 0;
+    /// The number of entries.
     virtual uint32 Size() const = 0;
     /// Calls the functor with each entry in ascending key order.
     virtual void ForEach(IForEachFunctor & functor) const = 0;

@@ -25,8 +25,11 @@ public:
     /// escaped already. Changes nothing when `base` is not of class `URI`.
     virtual void InitRelative(IURI const& base, STRING::CoreString const& relative) = 0;
 
+    /// As they stand in the URL, without what separates them.
+    ///@{
     virtual STRING::CoreString GetScheme() const = 0;
     virtual STRING::CoreString GetHost() const = 0;
+    ///@}
     /// 0 when there is none.
     virtual uint32 GetPortNumber() const = 0;
     /// Unescaped, without a trailing separator, path parameters included. The last `?` of a URL separates
@@ -42,5 +45,6 @@ public:
     virtual bool operator==(IURI const& other) const = 0;
 };
 
+/// Holds a URI.
 using IURIPtr = TInterfacePtr<IURI>;
 } // namespace KORVA::IO

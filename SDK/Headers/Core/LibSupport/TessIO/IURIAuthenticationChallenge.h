@@ -16,10 +16,12 @@ public:
     virtual void Init(uint32 previousFailureCount, int previousFailureError,
                       IURICredential* proposedCredential) = 0;
 
-    /// 0, 0 and null before `Init`.
+    /// 0 before `Init`.
+    ///@{
     virtual uint32 GetPreviousFailureCount() const = 0;
     virtual int GetPreviousFailureError() const = 0;
-    /// Borrowed.
+    ///@}
+    /// Borrowed; null before `Init`.
     virtual IURICredential* GetProposedCredential() const = 0;
 };
 } // namespace KORVA::IO

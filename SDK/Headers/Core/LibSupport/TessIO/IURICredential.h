@@ -17,9 +17,12 @@ public:
     virtual void Init(STRING::CoreString const& username, STRING::CoreString const& password) = 0;
 
     /// Empty before `Init`; valid until the next one.
+    ///@{
     virtual STRING::CoreString const& GetUsername() const = 0;
     virtual STRING::CoreString const& GetPassword() const = 0;
+    ///@}
 };
 
+/// Holds a credential.
 using IURICredentialPtr = TInterfacePtr<IURICredential>;
 } // namespace KORVA::IO

@@ -5,6 +5,7 @@
 
 namespace KORVA::IO
 {
+/// What the class `DataProvider` implements.
 class [[gnu::visibility("default")]] IURIDataProvider : public IDataProvider
 {
 public:

@@ -9,12 +9,15 @@
 
 namespace KORVA::IO
 {
+/// Where `CreateURI` logs.
+///@{
 inline constexpr LogSite kSiteCreateURINoObject{
     "../../../../SDK/Headers/Core/LibSupport/TessIO/LibUtils",
     "ErrCode KORVA::IO::CreateURI(KORVA::IClassFactory *, IURIPtr &, const STRING::CoreString &)", 470};
 inline constexpr LogSite kSiteCreateURINoFactory{
     "../../../../SDK/Headers/Core/LibSupport/TessIO/LibUtils",
     "ErrCode KORVA::IO::CreateURI(KORVA::IClassFactory *, IURIPtr &, const STRING::CoreString &)", 476};
+///@}
 
 /// Creates a URI through `factory` (the component registry, say) and initialises it with `location`.
 /// 0 and the URI in `uri`, which adopts it (releasing what it held); 12 (logged) and `uri` unchanged when

@@ -19,12 +19,16 @@ template <class T>
 class PersistentData final : public TObject<IPersistentData>
 {
 public:
+    /// Serves `object`, borrowed.
     explicit PersistentData(T& object) : mObject(&object) {}
 
+    /// As `IPersistentData` says.
+    ///@{
     IObject* GetObj() const override { return mObject; }
     IDataProviderStream& Read(IDataProviderStream& stream) override { return mObject->Read(stream); }
     IDataProviderStream& Write(IDataProviderStream& stream) const override { return mObject->Write(stream); }
     GUID const& GetUID() const override { return T::GetClassId(); }
+    ///@}
 
 private:
     friend struct KORVA::LayoutProbe;

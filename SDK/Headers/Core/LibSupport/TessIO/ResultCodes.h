@@ -21,7 +21,9 @@ inline constexpr ErrCode kNoObject = 12;
 inline constexpr ErrCode kBadArgument = 13;
 /// No file-system path, platform URL or file reference can be made.
 inline constexpr ErrCode kNoConversion = 14;
+/// A file could not be removed.
 inline constexpr ErrCode kDeleteFailed = 24;
+/// A file could not be made.
 inline constexpr ErrCode kCreateFailed = 25;
 /// No path, no such file, or a directory.
 inline constexpr ErrCode kFileNotFound = 26;
@@ -35,6 +37,7 @@ inline constexpr ErrCode kNotInitialized = 29;
 inline constexpr ErrCode kNotAllowed = 30;
 /// A copy failed or would cross schemes.
 inline constexpr ErrCode kCopyFailed = 31;
+/// There is no such file attribute.
 inline constexpr ErrCode kUnknownAttribute = 32;
 /// A file attribute can't be set; the system does not permit it.
 inline constexpr ErrCode kNotPermitted = 33;

@@ -3,6 +3,7 @@
 
 #include "CoreRegistry/ICoreRegistry.h"
 
+/// The library: data providers, streams and object records, dictionaries, URIs.
 namespace KORVA::IO
 {
 /// Registers the library's class factories with `registry` and maps the scheme "file" to the file proxy.

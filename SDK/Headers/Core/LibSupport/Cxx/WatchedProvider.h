@@ -1,0 +1,84 @@
+// Sees what the typed stream does not report.
+#pragma once
+
+#include "ObjectModel/TInterfacePtr.h"
+#include "ObjectModel/TObject.h"
+#include "TessIO/IDataProvider.h"
+
+#include <cstddef>
+
+namespace KORVA::CXX::DETAIL
+{
+/// Passes everything on to another provider, shared, and notes what went wrong. The stream answers nothing, a
+/// record that was not read as it was written is set straight without a word; here both can be seen.
+class WatchedProvider final : public TObject<IO::IDataProvider>
+{
+public:
+    explicit WatchedProvider(IO::IDataProvider& provider) { mProvider.Share(&provider); }
+
+    /// The first result of a write that was not 0.
+    OperationId WriteResult() const { return mWriteResult; }
+    /// Whether a read brought less than was asked for.
+    bool HasShortRead() const { return mHasShortRead; }
+    /// Whether the position was set to another place than where it stood.
+    bool HasMoved() const { return mHasMoved; }
+
+    /// What is found on the provider is found here.
+    ErrCode QueryInterface(GUID const& iid, IObject** out) const override
+    {
+        return mProvider->QueryInterface(iid, out);
+    }
+    AggregateMap const& GetAggregates() const override { return mProvider->GetAggregates(); }
+
+    void InitHandleBased(int mode) override { mProvider->InitHandleBased(mode); }
+    ErrCode InitReadOnlyMem(void const* data, int32 size) override
+    {
+        return mProvider->InitReadOnlyMem(data, size);
+    }
+    ErrCode InitURIBased(IO::IURI& uri, int mode, IO::IReporter* reporter) override
+    {
+        return mProvider->InitURIBased(uri, mode, reporter);
+    }
+
+    OperationId Write(void const* data, std::size_t count) override
+    {
+        OperationId const result = mProvider->Write(data, count);
+        if (mWriteResult == kNoError)
+            mWriteResult = result;
+        return result;
+    }
+
+    OperationId Read(void* buffer, int32& count) override
+    {
+        int32 const wanted = count;
+        OperationId const result = mProvider->Read(buffer, count);
+        mHasShortRead = mHasShortRead || count < wanted;
+        return result;
+    }
+
+    ErrCode SetPosition(int64 offset, Offset origin) override
+    {
+        int64 const before = mProvider->GetPosition();
+        ErrCode const result = mProvider->SetPosition(offset, origin);
+        mHasMoved = mHasMoved || result != kNoError || mProvider->GetPosition() != before;
+        return result;
+    }
+
+    int64 Size() const override { return mProvider->Size(); }
+    ErrCode SetSize(int64 size) override { return mProvider->SetSize(size); }
+    int64 GetPosition() const override { return mProvider->GetPosition(); }
+    Endian GetEndian() const override { return mProvider->GetEndian(); }
+    bool IsNative() const override { return mProvider->IsNative(); }
+    void SetEndian(Endian endian) override { mProvider->SetEndian(endian); }
+    bool AtEnd() override { return mProvider->AtEnd(); }
+    ErrCode Flush() override { return mProvider->Flush(); }
+    bool GetAutoFlush() override { return mProvider->GetAutoFlush(); }
+    void SetAutoFlush(bool autoFlush) override { mProvider->SetAutoFlush(autoFlush); }
+
+private:
+    TInterfacePtr<IO::IDataProvider> mProvider;
+    OperationId mWriteResult = kNoError;
+    bool mHasShortRead = false;
+    bool mHasMoved = false;
+};
+} // namespace KORVA::CXX::DETAIL

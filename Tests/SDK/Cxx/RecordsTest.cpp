@@ -1,0 +1,115 @@
+// What goes into a record and comes out of it when somebody watches.
+#include "Cxx/Dictionary.h"
+#include "Cxx/Load.h"
+#include "Cxx/Save.h"
+#include "Cxx/Stream.h"
+#include "Cxx/WatchedProvider.h"
+#include "SDK/Cxx/Note.h"
+#include "Support/Library.h"
+
+namespace KORVA::TESTS
+{
+namespace
+{
+using CXX::Dictionary;
+using CXX::Object;
+
+constexpr GUID kFacet{0x11223344, 0x5566, 0x7788, {1, 2, 3, 4, 5, 6, 7, 8}};
+
+class CxxRecords : public LibraryTest
+{
+protected:
+    CxxRecords() { COREREGISTRY::RegisterNewFactory<NoteFactory>(Registry()); }
+};
+
+TEST_F(CxxRecords, HoldTheAggregates)
+{
+    Dictionary facet = Dictionary::Create().value();
+    facet.Set(1, 7);
+    CXX::Handle<INote> const note = MakeNote(5);
+    note->Aggregate(&*facet, kFacet);
+    auto const bytes = CXX::ToBytes(note).value();
+    EXPECT_EQ(bytes.size(), 36u + 16u + 84u);
+    auto const loaded = CXX::FromBytes<CXX::Handle<INote>>(bytes).value();
+    EXPECT_EQ(loaded->Number(), 5);
+    IObject* found = nullptr;
+    ASSERT_EQ(loaded->QueryInterface(kFacet, &found), 0);
+    EXPECT_EQ(CXX::As<Dictionary>(Object(*found))->Get<int>(1).value(), 7);
+}
+
+TEST_F(CxxRecords, AggregateOfAnUnknownClassIsDamage)
+{
+    CXX::Handle<INote> const note = MakeNote(5);
+    note->Aggregate(&*MakeNote(6), kFacet);
+    auto bytes = CXX::ToBytes(note).value();
+    // The class id of the aggregate's record, which stands behind 32 bytes of the note, a count and a key.
+    bytes[52] = std::byte{0xAA};
+    EXPECT_EQ(CXX::FromBytes<Object>(bytes).error().Code(), 2025);
+    auto const kept = CXX::FromBytes<Object>(bytes, {.keepDamaged = true}).value();
+    EXPECT_EQ(kept->QueryInterface(kFacet, nullptr), -1004);
+}
+
+/// Stands for a class that chooses its class id by the stream, and may throw.
+class Choosing final : public TObject<IO::IPersistentDataEx>
+{
+public:
+    explicit Choosing(bool throws) : mThrows(throws) {}
+
+    IObject* GetObj() const override { return nullptr; }
+    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream) override { return stream; }
+    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const override
+    {
+        stream << static_cast<unsigned char>(0xEE);
+        if (mThrows)
+            throw std::runtime_error("not to be written");
+        return stream;
+    }
+    GUID const& GetUID() const override { return IO::IID_DICTIONARY; }
+    GUID GetUIDFor(IO::IDataProviderStream&) override { return IID_NOTE; }
+
+private:
+    bool mThrows;
+};
+
+TEST_F(CxxRecords, OfAClassThatChoosesItsIdCarryIt)
+{
+    TInterfacePtr<IObject> object;
+    object.Adopt(new Mute);
+    TInterfacePtr<IObject> adapter;
+    adapter.Adopt(new Choosing(false));
+    object->Aggregate(adapter.Get(), IO::IPERSISTENT_DATA_EX);
+    auto const bytes = CXX::ToBytes(*object, {.order = CXX::ByteOrder::kLittle}).value();
+    ASSERT_EQ(bytes.size(), 29u);
+    EXPECT_EQ(bytes[0], std::byte{0x77}) << "the first byte of the chosen id";
+    EXPECT_EQ(bytes[24], std::byte{0xEE});
+    adapter.Adopt(new Choosing(true));
+    object->Aggregate(adapter.Get(), IO::IPERSISTENT_DATA_EX);
+    EXPECT_EQ(CXX::ToBytes(*object).error().Code(), 2012);
+    log.Take();
+}
+
+TEST_F(CxxRecords, BodiesFindWhatTheProviderHas)
+{
+    auto const memory = MakeMemory();
+    CXX::Handle<INote> const note = MakeNote(5);
+    memory->Aggregate(&*note, kFacet);
+    TInterfacePtr<CXX::DETAIL::WatchedProvider> watched;
+    watched.Adopt(new CXX::DETAIL::WatchedProvider(*memory));
+    IObject* found = nullptr;
+    EXPECT_EQ(watched->QueryInterface(kFacet, &found), 0);
+    EXPECT_EQ(found, &*note);
+    EXPECT_EQ(watched->GetAggregates().size(), 1u);
+}
+
+TEST_F(CxxRecords, WritesThatFailAreSeen)
+{
+    auto const readOnly = CXX::Create<CXX::DataProvider>(IO::IID_IDATAPROVIDER).value();
+    unsigned char const bytes[] = {1, 2, 3};
+    ASSERT_EQ(readOnly->InitReadOnlyMem(bytes, 3), 0);
+    CXX::Stream stream = CXX::Stream::Over(readOnly).value();
+    stream << MakeNote(5);
+    EXPECT_EQ(stream.Status().error().Code(), 30);
+    log.Take();
+}
+} // namespace
+} // namespace KORVA::TESTS
