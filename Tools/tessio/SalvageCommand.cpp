@@ -93,8 +93,9 @@ void Run(Common const& common, Arguments const& arguments)
     Session const session(common);
     Bytes const content = ReadInput(session, common, file);
     std::optional<Order> const order = OrderArgument(arguments.source.endian);
-    Salvaged const salvaged = Salvage(content, order ? *order : OrderOf(content, file));
     auto const size = static_cast<int64>(content.size());
+    Progress progress("searching " + Quoted(file), size);
+    Salvaged const salvaged = Salvage(content, order ? *order : OrderOf(content, file), &progress);
     WriteOutput(session, arguments.out, salvaged.content);
     if (common.json && (arguments.report.empty() || arguments.report == "-"))
         PrintJson(ReportJson(salvaged, file, arguments.out, size));

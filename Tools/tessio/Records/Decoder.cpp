@@ -43,6 +43,7 @@ public:
     std::optional<Node> ByContent(int64 offset, int64 limit);
 
 private:
+    void Count(int64 offset);
     bool ReadHeader(Node& node, int64 limit, char const* holder);
     void ReadContent(Node& node, int64 end, int depth);
     void Body(Node& node, int64 end, int depth);
@@ -167,12 +168,20 @@ bool Decoder::ReadHeader(Node& node, int64 limit, char const* holder)
     return node.regular;
 }
 
-Node Decoder::Record(int64 offset, int64 limit, char const* holder, Label label, int depth)
+/// Records and text entries count, for each takes memory.
+void Decoder::Count(int64 offset)
 {
     if (++mRecords > mOptions.limits.count)
         throw Failure(Exit::kLimit,
                       fmt::format("more than {} records: the record at offset {} is one too many",
                                   mOptions.limits.count, offset));
+    if (mOptions.progress)
+        mOptions.progress->At(offset);
+}
+
+Node Decoder::Record(int64 offset, int64 limit, char const* holder, Label label, int depth)
+{
+    Count(offset);
     if (depth >= mOptions.limits.depth)
         throw Failure(Exit::kLimit, fmt::format("the record at offset {} is nested more than {} deep", offset,
                                                 mOptions.limits.depth));
@@ -306,6 +315,7 @@ void Decoder::Strings(Node& node, int64 end)
         if (end - mPosition < 8)
             throw Broken{"count-too-large", at,
                          fmt::format("should hold {} entries, there is room for {}", count, i)};
+        Count(mPosition);
         Node entry;
         entry.kind = Kind::kStringEntry;
         entry.offset = mPosition;

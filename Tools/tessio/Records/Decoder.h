@@ -1,6 +1,7 @@
 // From the bytes of a file to its records.
 #pragma once
 
+#include "Progress.h"
 #include "Records/Limits.h"
 #include "Records/Node.h"
 
@@ -68,6 +69,7 @@ struct DecodeOptions
     Limits limits;
     FieldSink* fields = nullptr;
     ClassReader const* classes = nullptr;
+    Progress* progress = nullptr;
 };
 
 /// Reads the structure of a whole file. What can't be made sense of is named in the nodes; ends the command

@@ -105,6 +105,8 @@ Document LoadDocument(Session const& session, Common const& common, Source const
     options.order = order ? *order : OrderOf(document.content, source.file);
     options.limits = common.limits;
     options.classes = &classes;
+    Progress progress("reading " + Quoted(source.file), static_cast<int64>(document.content.size()));
+    options.progress = &progress;
     document.tree = Decode(document.content, options);
     return document;
 }

@@ -20,7 +20,7 @@ using namespace KORVA;
 class Finds
 {
 public:
-    Finds(ByteView content, Order order);
+    Finds(ByteView content, Order order, Progress* progress);
 
     /// The end of the whole record that begins there; 0 when there is none. Records inside others do not
     /// count.
@@ -99,7 +99,7 @@ private:
     std::vector<std::array<unsigned char, 16>> mIds;
 };
 
-Finds::Finds(ByteView content, Order order)
+Finds::Finds(ByteView content, Order order, Progress* progress)
 {
     Search const search(content, order);
     auto const size = static_cast<int64>(content.size());
@@ -110,6 +110,8 @@ Finds::Finds(ByteView content, Order order)
             ++at;
             continue;
         }
+        if (progress)
+            progress->At(at);
         int64 const end = search.EndOfWhole(at);
         bool const isWhole = end != 0 && !search.IsCutInto(at, end);
         if (isWhole)
@@ -137,9 +139,9 @@ bool LooksLikeId(GUID const& id)
 class Salvager
 {
 public:
-    Salvager(ByteView content, Order order)
-        : mContent(content), mOrder(order), mSize(static_cast<int64>(content.size())), mFinds(content, order),
-          mOut(order)
+    Salvager(ByteView content, Order order, Progress* progress)
+        : mContent(content), mOrder(order), mSize(static_cast<int64>(content.size())),
+          mFinds(content, order, progress), mOut(order)
     {
         mOptions.order = order;
     }
@@ -687,5 +689,8 @@ char const* FateName(Fate::Type type)
     return "lost";
 }
 
-Salvaged Salvage(ByteView content, Order order) { return Salvager(content, order).Run(); }
+Salvaged Salvage(ByteView content, Order order, Progress* progress)
+{
+    return Salvager(content, order, progress).Run();
+}
 } // namespace TOOL

@@ -46,5 +46,5 @@ struct Salvaged
 /// Makes a sound record file of everything that is whole. A record of a known class with none of its bytes
 /// damaged is always kept: under its key where the dictionary around it can still be followed, else at the
 /// top.
-Salvaged Salvage(ByteView content, Order order);
+Salvaged Salvage(ByteView content, Order order, Progress* progress = nullptr);
 } // namespace TOOL

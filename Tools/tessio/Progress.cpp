@@ -1,0 +1,39 @@
+#include "Progress.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace TOOL
+{
+namespace
+{
+constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kPause{100};
+} // namespace
+
+Progress::Progress(std::string what, KORVA::int64 total)
+    : mWhat(std::move(what)), mTotal(total), mIsTerminal(isatty(STDERR_FILENO) != 0),
+      mNext(std::chrono::steady_clock::now() + kPatience)
+{}
+
+Progress::~Progress()
+{
+    // Blanks instead of a terminal's own command: every terminal has them.
+    if (mIsShown)
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(mWhat.size()) + 16, "");
+}
+
+void Progress::At(KORVA::int64 done)
+{
+    if (!mIsTerminal || mTotal <= 0)
+        return;
+    auto const now = std::chrono::steady_clock::now();
+    if (now < mNext)
+        return;
+    mNext = now + kPause;
+    mIsShown = true;
+    std::fprintf(stderr, "\rtessio: %s %3d %%", mWhat.c_str(), static_cast<int>(done * 100 / mTotal));
+    std::fflush(stderr);
+}
+} // namespace TOOL

@@ -1,0 +1,31 @@
+// Work that takes long enough to wonder about.
+#pragma once
+
+#include "ObjectModel/Types.h"
+
+#include <chrono>
+#include <string>
+
+namespace TOOL
+{
+/// One line on standard error, from half a second on and on terminals only; it goes away with the object.
+class Progress
+{
+public:
+    /// `what` is done to `total` bytes.
+    Progress(std::string what, KORVA::int64 total);
+    Progress(Progress const&) = delete;
+    Progress& operator=(Progress const&) = delete;
+    ~Progress();
+
+    /// So many of the bytes are done. Cheap enough for every record.
+    void At(KORVA::int64 done);
+
+private:
+    std::string mWhat;
+    KORVA::int64 mTotal;
+    bool mIsTerminal;
+    bool mIsShown = false;
+    std::chrono::steady_clock::time_point mNext;
+};
+} // namespace TOOL
