@@ -119,12 +119,16 @@ TEST(Readme, ShowsTheExampleHostAsItIs)
     EXPECT_EQ(blocks.at("cpp"), Content(TESSIO_SOURCE_DIR "/Examples/host/main.cpp"));
 }
 
-TEST(Readme, ShowsWhatTheToolPrints)
+class Page : public ::testing::TestWithParam<char const*>
+{
+};
+
+TEST_P(Page, ShowsWhatTheToolPrints)
 {
     TemporaryDirectory const directory;
     std::filesystem::create_directory(directory.Path() / "bin");
     std::filesystem::create_symlink(TESSIO_BINARY_DIR "/bin/tessio", directory.Path() / "bin/tessio");
-    auto const blocks = Blocks("README.md");
+    auto const blocks = Blocks(GetParam());
     ASSERT_EQ(blocks.count("console"), 1u);
     // One shell runs all commands in turn, so that later ones see what earlier ones made.
     std::string script = "PATH=" + (directory.Path() / "bin").string() + ":$PATH\n";
@@ -142,5 +146,8 @@ TEST(Readme, ShowsWhatTheToolPrints)
     EXPECT_EQ(outcome.out, expected);
     EXPECT_EQ(outcome.err, "");
 }
+
+INSTANTIATE_TEST_SUITE_P(Rows, Page, ::testing::Values("README.md", "Docs/Tool.md"),
+                         [](auto const& info) { return info.index == 0 ? "Readme" : "Tool"; });
 } // namespace
 } // namespace KORVA::TESTS
