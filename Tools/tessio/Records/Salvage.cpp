@@ -75,6 +75,10 @@ public:
     int64 EndOfWhole(int64 offset) const
     {
         auto const size = static_cast<int64>(mContent.size());
+        // Most that are broken say so with their length; what is in them need not be read for that.
+        if (auto const length = Load<int64>(mContent.data() + offset + 16, mOptions.order);
+            length < 0 || length > size - offset - kHeader)
+            return 0;
         Node const node = DecodeRecord(mContent, offset, size, mOptions);
         // A length of 0 before what reads as the record's content is a length that was lost.
         bool const isWhole =
