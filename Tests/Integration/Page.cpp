@@ -91,16 +91,16 @@ bool Knows(HeaderNames const& header, Words const& parts)
     }
     return false;
 }
-
-Words PartsOf(std::string const& name)
-{
-    Words parts;
-    static std::regex const kWord(R"(\w+)");
-    for (std::smatch const& match : Matches(name, kWord))
-        parts.push_back(match.str());
-    return parts;
-}
 } // namespace
+
+Words WordsOf(std::string const& text)
+{
+    Words words;
+    static std::regex const kWord(R"(\w+)");
+    for (std::smatch const& match : Matches(text, kWord))
+        words.push_back(match.str());
+    return words;
+}
 
 std::string Anchor(std::string_view heading)
 {
@@ -176,7 +176,7 @@ HeaderNames::HeaderNames(std::string_view header)
         line = line.substr(0, line.find("//"));
         if (std::smatch match; std::regex_search(line, match, kNamespace))
             namespaces.insert(match[1]);
-        for (std::string const& word : PartsOf(line))
+        for (std::string const& word : WordsOf(line))
             words.insert(word);
     }
 }
@@ -242,11 +242,21 @@ Words UnknownNames(Page const& page, std::vector<HeaderNames> const& headers)
     for (std::string const& piece : page.code)
         for (std::smatch const& match : Matches(piece, kName))
         {
-            Words const parts = PartsOf(match.str());
+            Words const parts = WordsOf(match.str());
             if (std::none_of(headers.begin(), headers.end(),
                              [&parts](HeaderNames const& header) { return Knows(header, parts); }))
                 unknown.push_back(match.str());
         }
+    return unknown;
+}
+
+Words UnknownTargets(Page const& page, std::set<std::string> const& buildWords)
+{
+    static std::regex const kTarget(R"(tessio_\w+|\w+_tests)");
+    Words unknown;
+    for (std::string const& piece : page.code)
+        if (std::regex_match(piece, kTarget) && !buildWords.contains(piece))
+            unknown.push_back(piece);
     return unknown;
 }
 

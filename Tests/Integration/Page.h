@@ -33,6 +33,9 @@ std::string Anchor(std::string_view heading);
 /// Every file and folder of the project, relative to its root; what a template makes counts as there.
 std::set<std::string> PathsOfTheProject();
 
+/// Every word in a text.
+std::vector<std::string> WordsOf(std::string const& text);
+
 /// What a header of the SDK declares or uses, comments left out.
 struct HeaderNames
 {
@@ -60,6 +63,9 @@ std::vector<std::string> UnknownTests(Page const& page,
 
 /// Names KORVA::..., k..., IID_..., IPERSISTENT_... and I...::... in backticks that no header has.
 std::vector<std::string> UnknownNames(Page const& page, std::vector<HeaderNames> const& headers);
+
+/// Targets in backticks, tessio_... and ..._tests, that are no words of the build files.
+std::vector<std::string> UnknownTargets(Page const& page, std::set<std::string> const& buildWords);
 
 /// Entries that don't say why a caller cares, what to do instead and what pins them, or that the index lacks.
 std::vector<std::string> UnfinishedEntries(Page const& page);

@@ -62,6 +62,17 @@ TEST(Pages, LinkToWhatIsThere)
         EXPECT_THAT(BrokenLinks(page, file, pages, paths), IsEmpty()) << file;
 }
 
+TEST(Pages, NameTargetsThatAreThere)
+{
+    std::set<std::string> words;
+    for (std::string const& path : PathsOfTheProject())
+        if (path.ends_with("CMakeLists.txt") || path.ends_with(".cmake"))
+            for (std::string const& word : WordsOf(fs::exists(kRoot / path) ? Content(kRoot / path) : ""))
+                words.insert(word);
+    for (auto const& [file, page] : Pages())
+        EXPECT_THAT(UnknownTargets(page, words), IsEmpty()) << file;
+}
+
 TEST(Quirks, QuoteTestsThatAreThere)
 {
     EXPECT_THAT(UnknownTests(Pages().at("Docs/Quirks.md"), TestSources()), IsEmpty());
@@ -170,6 +181,12 @@ TEST(PageRules, NamesNeedAHeader)
                     "`KORVA::IO::Other` `KORVA::Run` `ISome::Other` `kGone` `IID_GONE` `IPERSISTENT_X`");
     EXPECT_EQ(UnknownNames(page, headers),
               (List{"KORVA::IO::Other", "KORVA::Run", "ISome::Other", "kGone", "IID_GONE", "IPERSISTENT_X"}));
+}
+
+TEST(PageRules, TargetsNeedABuildFile)
+{
+    EXPECT_EQ(UnknownTargets(Page("`tessio_a` `b_tests` `tessio_c` `d_tests` `e`"), {"tessio_a", "b_tests"}),
+              (List{"tessio_c", "d_tests"}));
 }
 
 TEST(PageRules, EntriesNeedAllTheirParts)
