@@ -123,7 +123,6 @@ PathRow const kPaths[] = {
     {"Alternatives", "`Tools/t/{B,C}.h` `Tools/{u,v}`", {"Tools/{u,v}"}},
     {"AnyOfThem", "`Tools/X` `Docs2/X`", {"Docs2/X"}},
     {"NotOfTheProject", "`/etc/C.h` `../C.h` `http://h/C.h` `build/x` `a/b` `x y/C.h` `N::C.h`", {}},
-    {"InABlock", "```sh\n`C.h`\n```\n", {}},
     {"AcrossLines", "`Docs/A.md`\n`C.h`", {"C.h"}},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, PathRule, ::testing::ValuesIn(kPaths), RowName());
@@ -159,6 +158,14 @@ LinkRow const kLinks[] = {
     {"InCode", "`[x](y)`", {}},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, LinkRule, ::testing::ValuesIn(kLinks), RowName());
+
+TEST(PageRules, BlocksAreNoPartOfAPage)
+{
+    Page const page("```sh\n# No\n### Nor\n[x](y)\n```\n# Yes\n[z](w)\n");
+    EXPECT_EQ(page.anchors, std::set<std::string>{"yes"});
+    EXPECT_THAT(page.entries, IsEmpty());
+    EXPECT_EQ(page.links, List{"w"});
+}
 
 TEST(PageRules, QuotedTestsNeedTheirFile)
 {
