@@ -22,10 +22,10 @@ constexpr int kSchema = 1;
 constexpr char const* kCodes[] = {"", "2", "1", "36", "35", "32", "32", "31", "33", "1;31", "33"};
 bool sColour = false;
 
-std::string Escape(CoreString const& text, bool quotes)
+std::string Escape(std::wstring_view text, bool quotes)
 {
     std::string result;
-    for (wchar_t const wide : text.ToWide())
+    for (wchar_t const wide : text)
     {
         auto const c = static_cast<char32_t>(wide);
         if (c == U'\n')
@@ -89,11 +89,13 @@ void PrintJson(Json const& document)
     Print(whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
-std::string Escaped(CoreString const& text) { return Escape(text, false); }
+std::string Escaped(CoreString const& text) { return Escape(text.ToWide(), false); }
 
-std::string Escaped(std::string_view utf8) { return Escape(CoreString(utf8), false); }
+std::string EscapedWide(std::wstring_view text) { return Escape(text, false); }
 
-std::string Quoted(CoreString const& text) { return '"' + Escape(text, true) + '"'; }
+std::string Escaped(std::string_view utf8) { return Escape(CoreString(utf8).ToWide(), false); }
+
+std::string Quoted(CoreString const& text) { return '"' + Escape(text.ToWide(), true) + '"'; }
 
 std::string Quoted(std::string_view utf8) { return Quoted(CoreString(utf8)); }
 

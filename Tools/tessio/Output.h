@@ -45,6 +45,8 @@ void PrintJson(Json const& document);
 /// text shows U+FFFD.
 std::string Escaped(KORVA::STRING::CoreString const& text);
 std::string Escaped(std::string_view utf8);
+/// One element for each character.
+std::string EscapedWide(std::wstring_view text);
 
 /// The same between double quotes, quotes and backslashes escaped, so that nothing is ambiguous.
 std::string Quoted(KORVA::STRING::CoreString const& text);

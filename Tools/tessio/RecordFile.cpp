@@ -87,8 +87,12 @@ void RecordFile::Load(GUID const& classId, Use use)
     mOrder = OrderOf(mContent, mLocation);
     if (mContent.size() < static_cast<std::size_t>(kHeader))
         throw Failure(Exit::kNotARecordFile, Quoted(mLocation) + " is not a record file");
+    if (int64 const most = mSession.Bounds().bytes; static_cast<int64>(mContent.size()) > most)
+        throw Failure(Exit::kLimit,
+                      fmt::format("{} is {} bytes, more than {}", Quoted(mLocation), mContent.size(), most));
     DecodeOptions options;
     options.order = mOrder;
+    options.limits = mSession.Bounds();
     Node const first = DecodeRecord(mContent, 0, static_cast<int64>(mContent.size()), options);
     mFirstEnd = first.offset + first.length;
     if (ClassName(first.classId) != ClassName(classId))

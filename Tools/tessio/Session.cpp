@@ -5,11 +5,12 @@
 #include "Output.h"
 
 #include <cstdio>
+#include <new>
 #include <string>
 
 namespace TOOL
 {
-Session::Session(Common const& common) : mVerbose(common.verbose)
+Session::Session(Common const& common) : mVerbose(common.verbose), mLimits(common.limits)
 {
     KORVA::KLoggerLibInterface::InstallSink(this);
     std::string error;
@@ -35,8 +36,17 @@ Session::~Session()
 bool Session::OnMessage(KORVA::KLogRecord const& record) noexcept
 {
     // A command reports what matters itself; the messages are for whoever asks for them, not for a log file.
-    if (mVerbose)
-        std::fprintf(stderr, "tessio: %s:%d: %ls\n", record.sourcePath, record.line, record.message);
+    if (!mVerbose)
+        return false;
+    try
+    {
+        std::fprintf(stderr, "tessio: %s:%d: %s\n", record.sourcePath, record.line,
+                     EscapedWide(record.message).c_str());
+    }
+    catch (std::bad_alloc const&)
+    {
+        // Without memory for the message there is none.
+    }
     return false;
 }
 

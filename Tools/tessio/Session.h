@@ -33,11 +33,15 @@ public:
         return object;
     }
 
+    /// The bounds for record files that the user set.
+    Limits const& Bounds() const { return mLimits; }
+
 private:
     bool OnMessage(KORVA::KLogRecord const& record) noexcept override;
     [[noreturn]] static void Missing(GUID const& classId);
 
     bool mVerbose;
+    Limits mLimits;
     std::unique_ptr<KORVA::HOST::Host> mHost;
 };
 } // namespace TOOL
