@@ -1,0 +1,210 @@
+// Dictionaries of which something is damaged.
+#include "Records/Salvager.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace TOOL
+{
+using namespace KORVA;
+
+/// The end of the aggregates, whose count stands there; nothing when they make no sense.
+std::optional<int64> Salvager::EndOfAggregates(int64 offset, int64 limit) const
+{
+    if (limit - offset < 4)
+        return std::nullopt;
+    auto const count = At<uint32>(offset);
+    int64 at = offset + 4;
+    for (uint32 i = 0; i < count; ++i)
+    {
+        if (limit - at < 16 + kHeader)
+            return std::nullopt;
+        int64 const whole = mFinds.WholeAt(at + 16);
+        auto const end = whole != 0 && whole <= limit ? std::optional(whole) : EndOfUnknown(at + 16, limit);
+        if (!end)
+            return std::nullopt;
+        at = *end;
+    }
+    return at;
+}
+
+bool Salvager::Ends(Rebuilding const& dictionary) const
+{
+    auto const end = EndOfAggregates(dictionary.at, dictionary.limit);
+    if (!end)
+        return false;
+    if (dictionary.end && *end == *dictionary.end && IsBoundary(*end, dictionary.limit, dictionary.depth))
+        return true;
+    // A key of 0 looks like no aggregates; while entries are missing it is a key.
+    bool const mayBeKey = dictionary.entries < dictionary.count && mFinds.AnyAt(dictionary.at + 4);
+    return !mayBeKey && IsBoundary(*end, dictionary.limit, dictionary.depth);
+}
+
+/// Takes the entry that should stand there. False when there is none that can be followed.
+bool Salvager::Entry(Rebuilding& dictionary)
+{
+    int64 const record = dictionary.at + 4;
+    int64 const reach = dictionary.Reach();
+    if (reach - dictionary.at < 4 + kHeader)
+        return false;
+    // Writers put keys in ascending order. One that is not is another dictionary's, unless it leads to the
+    // end.
+    auto const key = At<uint32>(dictionary.at);
+    if (dictionary.lastKey && key <= *dictionary.lastKey &&
+        !(dictionary.end && Reaches(dictionary.at, dictionary)))
+        return false;
+    std::string const path = fmt::format("{}/dict[{}]", dictionary.path, key);
+    if (int64 const whole = mFinds.WholeAt(record); whole != 0 && whole <= reach)
+    {
+        Copy(dictionary.at, whole);
+        Keep(dictionary.at, whole, Fate::Type::kKept, path);
+        dictionary.at = whole;
+    }
+    else if (mFinds.BrokenAt(record))
+    {
+        std::size_t const before = mOut.Size();
+        Copy(dictionary.at, record);
+        int64 const stop = Broken(record, reach, dictionary.depth + 1, path);
+        if (stop == 0)
+        {
+            mOut.Cut(before);
+            return false;
+        }
+        Keep(dictionary.at, record, Fate::Type::kKept, path, "key");
+        dictionary.isDamaged = true;
+        dictionary.at = stop;
+    }
+    else
+    {
+        auto const end = EndOfUnknown(record, reach);
+        if (!end || !IsBoundary(*end, reach, dictionary.depth + 1))
+            return false;
+        if (auto const id = LostClass(record, *end))
+        {
+            Copy(dictionary.at, record);
+            KeepUnder(*id, record, *end, path);
+            Keep(dictionary.at, record, Fate::Type::kKept, path, "key");
+            dictionary.at = *end;
+            dictionary.isDamaged = true;
+            dictionary.lastKey = key;
+            ++dictionary.entries;
+            return true;
+        }
+        Copy(dictionary.at, *end);
+        Keep(dictionary.at, *end, Fate::Type::kOpaque, path, "of an unknown class");
+        dictionary.at = *end;
+    }
+    ++dictionary.entries;
+    dictionary.lastKey = key;
+    return true;
+}
+
+/// Whether whole entries lead from there exactly to where the dictionary ends by its length.
+bool Salvager::Reaches(int64 entry, Rebuilding& dictionary) const
+{
+    std::vector<int64> way;
+    bool does = false;
+    for (int64 at = entry;;)
+    {
+        if (auto const known = dictionary.reaches.find(at); known != dictionary.reaches.end())
+        {
+            does = known->second;
+            break;
+        }
+        way.push_back(at);
+        if (EndOfAggregates(at, dictionary.limit) == dictionary.end)
+        {
+            does = true;
+            break;
+        }
+        int64 const next = at + 4 <= *dictionary.end ? mFinds.WholeAt(at + 4) : 0;
+        if (next == 0 || next > *dictionary.end)
+            break;
+        at = next;
+    }
+    for (int64 const at : way)
+        dictionary.reaches[at] = does;
+    return does;
+}
+
+/// Goes on behind damage, where that is sure to be still inside.
+bool Salvager::FindNextEntry(Rebuilding& dictionary)
+{
+    if (!dictionary.end)
+        return false;
+    auto const& whole = mFinds.Whole();
+    for (auto next = whole.lower_bound(dictionary.at + 4);
+         next != whole.end() && next->second <= *dictionary.end; ++next)
+        if (next->first - 4 > dictionary.at && Reaches(next->first - 4, dictionary))
+        {
+            dictionary.at = next->first - 4;
+            return true;
+        }
+    // Nothing whole may be left before its end, and certainly nothing that reaches over its last bytes.
+    int64 const last = *dictionary.end - 4;
+    auto const following = whole.lower_bound(dictionary.at);
+    if (last > dictionary.at && (following == whole.end() || following->first >= *dictionary.end) &&
+        At<uint32>(last) == 0 && IsBoundary(*dictionary.end, dictionary.limit, dictionary.depth))
+    {
+        dictionary.at = last;
+        return true;
+    }
+    return false;
+}
+
+int64 Salvager::Aggregates(Rebuilding& dictionary)
+{
+    int64 const end = *EndOfAggregates(dictionary.at, dictionary.limit);
+    Copy(dictionary.at, end);
+    Keep(dictionary.at, end, Fate::Type::kKept, dictionary.path, "aggregates");
+    return end;
+}
+
+int64 Salvager::Dictionary(int64 offset, int64 limit, int depth, std::string const& path)
+{
+    if (std::min(limit, mFinds.NextWhole(offset, limit)) - offset < kHeader + 4)
+        return 0;
+    Rebuilding dictionary{.offset = offset,
+                          .end = EndByLength(offset, limit),
+                          .limit = limit,
+                          .depth = depth,
+                          .path = path,
+                          .at = offset + kHeader + 4,
+                          .entries = 0,
+                          .count = At<uint32>(offset + kHeader),
+                          .lastKey = {},
+                          .isDamaged = false,
+                          .reaches = {}};
+    mOut.Begin(LoadId(mContent.data() + offset, mOrder));
+    std::size_t const room = mOut.Room();
+    std::size_t const place = mFates.size();
+    bool ended = Ends(dictionary);
+    while (!ended)
+    {
+        if (!Entry(dictionary))
+        {
+            dictionary.isDamaged = true;
+            if (!FindNextEntry(dictionary))
+                break;
+        }
+        ended = Ends(dictionary);
+    }
+    int64 end = dictionary.at;
+    if (ended)
+        end = Aggregates(dictionary);
+    else
+        mOut.Put(int32{0});
+    mOut.Fill(room, dictionary.entries);
+    mOut.End();
+    bool const isPartial = dictionary.isDamaged || !ended;
+    std::string const words =
+        isPartial
+            ? fmt::format("{} of {} entries", dictionary.entries, dictionary.count)
+            : fmt::format("its {} was wrong", dictionary.entries == dictionary.count ? "length" : "count");
+    mFates.insert(
+        mFates.begin() + static_cast<std::ptrdiff_t>(place),
+        {isPartial ? Fate::Type::kPartial : Fate::Type::kRepaired, offset, kHeader + 4, path, words});
+    return end;
+}
+} // namespace TOOL

@@ -1,0 +1,92 @@
+// How a damaged record file is taken apart and put together again.
+#pragma once
+
+#include "Records/Finds.h"
+#include "Records/RecordWriter.h"
+#include "Records/Salvage.h"
+
+#include <map>
+#include <optional>
+
+namespace TOOL
+{
+/// One run over one file.
+class Salvager
+{
+public:
+    Salvager(ByteView content, Order order, Progress* progress)
+        : mContent(content), mOrder(order), mSize(static_cast<KORVA::int64>(content.size())),
+          mFinds(content, order, progress), mOut(order)
+    {
+        mOptions.order = order;
+    }
+
+    Salvaged Run();
+
+private:
+    // What the bytes say.
+    template <class Number>
+    Number At(KORVA::int64 offset) const
+    {
+        return Load<Number>(mContent.data() + offset, mOrder);
+    }
+    /// The end of a record by its length; nothing when that can't be right.
+    std::optional<KORVA::int64> EndByLength(KORVA::int64 offset, KORVA::int64 limit) const;
+    std::optional<KORVA::int64> EndOfUnknown(KORVA::int64 offset, KORVA::int64 limit) const;
+    bool LeadsOn(KORVA::int64 offset) const;
+    bool IsBoundary(KORVA::int64 offset, KORVA::int64 limit, int depth) const;
+    std::optional<KORVA::int64> EndOfAggregates(KORVA::int64 offset, KORVA::int64 limit) const;
+
+    // What becomes of them.
+    void Keep(KORVA::int64 from, KORVA::int64 to, Fate::Type type, std::string path, std::string words = {});
+    void Copy(KORVA::int64 from, KORVA::int64 to)
+    {
+        mOut.Put(mContent.subspan(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
+    }
+    std::string TopPath() { return "/" + std::to_string(mTop++); }
+    void Unknown(KORVA::int64 from, KORVA::int64 to);
+    std::optional<GUID> LostClass(KORVA::int64 from, KORVA::int64 to) const;
+    void KeepUnder(GUID const& classId, KORVA::int64 from, KORVA::int64 to, std::string path);
+    KORVA::int64 Broken(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
+    KORVA::int64 Leaf(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
+    KORVA::int64 Strings(KORVA::int64 offset, KORVA::int64 limit, std::string const& path);
+    KORVA::int64 Dictionary(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
+    struct Rebuilding;
+    bool Entry(Rebuilding& dictionary);
+    bool Ends(Rebuilding const& dictionary) const;
+    bool FindNextEntry(Rebuilding& dictionary);
+    bool Reaches(KORVA::int64 entry, Rebuilding& dictionary) const;
+    KORVA::int64 Aggregates(Rebuilding& dictionary);
+    void KeepTheRest();
+
+    ByteView mContent;
+    Order mOrder;
+    KORVA::int64 mSize;
+    DecodeOptions mOptions;
+    Finds mFinds;
+    RecordWriter mOut;
+    std::vector<Fate> mFates;
+    KORVA::int64 mTop = 0;
+};
+
+/// A dictionary on its way into the result.
+struct Salvager::Rebuilding
+{
+    KORVA::int64 offset = 0;
+    /// Where it ends by its length, or nothing when that can't be.
+    std::optional<KORVA::int64> end;
+    KORVA::int64 limit = 0;
+    int depth = 0;
+    std::string path;
+    /// Where the next key should stand.
+    KORVA::int64 at = 0;
+    KORVA::uint32 entries = 0;
+    KORVA::uint32 count = 0;
+    std::optional<KORVA::uint32> lastKey;
+    bool isDamaged = false;
+    /// Whether entries lead from there exactly to the end.
+    std::map<KORVA::int64, bool> reaches;
+
+    KORVA::int64 Reach() const { return end ? *end : limit; }
+};
+} // namespace TOOL
