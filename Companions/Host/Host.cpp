@@ -1,6 +1,7 @@
 #include "Host/Host.h"
 
 #include "CoreRegistry/CoreRegistry.h"
+#include "EntryPoints.h"
 #include "SharedObject.h"
 
 #include <algorithm>
@@ -11,15 +12,6 @@ namespace KORVA::HOST
 namespace
 {
 using COREREGISTRY::ICoreRegistry;
-using PlugInFunction = int(ICoreRegistry*);
-using LibraryInit = int(ICoreRegistry*);
-using LibraryShutdown = void();
-
-// The library exports C++ functions: KORVA::IO::Init(ICoreRegistry*) and KORVA::IO::Shutdown().
-constexpr char kLibraryInit[] = "_ZN5KORVA2IO4InitEPNS_12COREREGISTRY13ICoreRegistryE";
-constexpr char kLibraryShutdown[] = "_ZN5KORVA2IO8ShutdownEv";
-constexpr char kPlugInInit[] = "KorvaPlugInInit";
-constexpr char kPlugInShutdown[] = "KorvaPlugInShutdown";
 
 struct PlugIn
 {

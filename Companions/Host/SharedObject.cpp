@@ -1,7 +1,10 @@
 #include "SharedObject.h"
 
+#include "LinkedObjects.h"
+
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -24,6 +27,11 @@ std::string Located(std::string const& file)
 
 bool SharedObject::Load(std::string const& file, std::string& error)
 {
+    if (std::ranges::find(LinkedFunctions(), file, &LinkedFunction::file) != LinkedFunctions().end())
+    {
+        mLinked = file;
+        return true;
+    }
     mHandle = dlopen(Located(file).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!mHandle)
         error = dlerror();
@@ -32,9 +40,18 @@ bool SharedObject::Load(std::string const& file, std::string& error)
 
 void SharedObject::Unload()
 {
+    mLinked.clear();
     if (void* const handle = std::exchange(mHandle, nullptr))
         dlclose(handle);
 }
 
-void* SharedObject::Symbol(char const* name) const { return mHandle ? dlsym(mHandle, name) : nullptr; }
+SharedObject::AnyFunction* SharedObject::Symbol(char const* name) const
+{
+    if (mHandle)
+        return reinterpret_cast<AnyFunction*>(dlsym(mHandle, name));
+    for (LinkedFunction const& linked : LinkedFunctions())
+        if (linked.file == mLinked && linked.name == name)
+            return linked.function;
+    return nullptr;
+}
 } // namespace KORVA::HOST

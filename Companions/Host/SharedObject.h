@@ -1,4 +1,4 @@
-// A loaded shared object.
+// A loaded shared object, or what the program itself has of it.
 #pragma once
 
 #include <string>
@@ -9,7 +9,8 @@ namespace KORVA::HOST
 class SharedObject
 {
 public:
-    /// False and the system's words in `error` when it can't be loaded.
+    /// Nothing is loaded where the program has it already. False and the system's words in `error` when it
+    /// can't be loaded.
     bool Load(std::string const& file, std::string& error);
     void Unload();
 
@@ -21,8 +22,12 @@ public:
     }
 
 private:
-    void* Symbol(char const* name) const;
+    using AnyFunction = void();
+
+    AnyFunction* Symbol(char const* name) const;
 
     void* mHandle = nullptr;
+    /// The file's name, when it is linked into the program.
+    std::string mLinked;
 };
 } // namespace KORVA::HOST

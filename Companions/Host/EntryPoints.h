@@ -1,0 +1,17 @@
+// The names of the functions that a host calls in what it loads.
+#pragma once
+
+#include "CoreRegistry/ICoreRegistry.h"
+
+namespace KORVA::HOST
+{
+using PlugInFunction = int(COREREGISTRY::ICoreRegistry*);
+using LibraryInit = int(COREREGISTRY::ICoreRegistry*);
+using LibraryShutdown = void();
+
+// The library exports C++ functions: KORVA::IO::Init(ICoreRegistry*) and KORVA::IO::Shutdown().
+inline constexpr char kLibraryInit[] = "_ZN5KORVA2IO4InitEPNS_12COREREGISTRY13ICoreRegistryE";
+inline constexpr char kLibraryShutdown[] = "_ZN5KORVA2IO8ShutdownEv";
+inline constexpr char kPlugInInit[] = "KorvaPlugInInit";
+inline constexpr char kPlugInShutdown[] = "KorvaPlugInShutdown";
+} // namespace KORVA::HOST
