@@ -1,0 +1,46 @@
+#include "RequestURL.h"
+
+#include <string_view>
+
+namespace HTTP
+{
+namespace
+{
+bool IsHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
+
+/// Whether a character may stand in a path, query or fragment as it is.
+bool IsPlain(char c)
+{
+    return static_cast<unsigned char>(c) > ' ' && static_cast<unsigned char>(c) < 0x7F &&
+           std::string_view("\"<>\\^`{|}").find(c) == std::string_view::npos;
+}
+} // namespace
+
+//! [escape]
+std::string RequestURLOf(KORVA::IO::IURI const& uri)
+{
+    // The URI's own text is unescaped: what a person typed. A "%" in it is an escape where digits follow.
+    std::string const text = uri.GetAbsoluteString().ToUTF8();
+    std::size_t const host = text.find("://") + 3;
+    if ((!text.starts_with("http://") && !text.starts_with("https://")) || uri.GetHost().empty())
+        return {};
+    std::size_t const path = std::min(text.find_first_of("/?#", host), text.size());
+    if (text.find('@', host) < path)
+        return {};
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string url = text.substr(0, path);
+    for (std::size_t i = path; i < text.size(); ++i)
+    {
+        char const c = text[i];
+        bool const isEscape =
+            c == '%' && i + 2 < text.size() && IsHexDigit(text[i + 1]) && IsHexDigit(text[i + 2]);
+        auto const byte = static_cast<unsigned char>(c);
+        if (isEscape || (IsPlain(c) && c != '%'))
+            url += c;
+        else
+            url.append({'%', kDigits[byte >> 4], kDigits[byte & 0xF]});
+    }
+    return url;
+}
+//! [escape]
+} // namespace HTTP
