@@ -29,18 +29,14 @@ constexpr int64 kLargestBuffered = std::numeric_limits<int32>::max();
 struct Arguments
 {
     std::vector<std::string> locations;
+    std::string user;
     bool async = false;
     uint64 buffer = 0;
 };
 
-[[noreturn]] void CutShort(std::string const& location, int64 done, int64 size)
-{
-    throw Failure(Exit::kInputOutput,
-                  fmt::format("cannot read {}: {} of {} bytes could be read", Quoted(location), done, size));
-}
-
 /// From `done`, where the provider stands, to its end, in pieces.
-void PrintFrom(IDataProvider& provider, int64 done, std::size_t pieceSize, std::string const& location)
+void PrintFrom(Session const& session, IDataProvider& provider, int64 done, std::size_t pieceSize,
+               std::string const& location)
 {
     std::vector<char> piece(pieceSize);
     int64 const size = provider.Size();
@@ -53,12 +49,15 @@ void PrintFrom(IDataProvider& provider, int64 done, std::size_t pieceSize, std::
         Print({piece.data(), static_cast<std::size_t>(count)});
         done += count;
     }
-    if (done < size)
-        CutShort(location, done, size);
+    // Not every file tells its size beforehand.
+    std::string const reason = session.Failures().Take();
+    if (!reason.empty() || done < size)
+        CutShort(location, reason, done, std::max(size, provider.Size()));
 }
 
 /// Many reads under way, printed in their order: what is slow to come is asked for early.
-void PrintAhead(IDataProvider& provider, IO::IAsyncReader& reader, std::string const& location)
+void PrintAhead(Session const& session, IDataProvider& provider, IO::IAsyncReader& reader,
+                std::string const& location)
 {
     int64 const size = provider.Size();
     constexpr auto kPiece = static_cast<int64>(Block::kSize);
@@ -75,13 +74,13 @@ void PrintAhead(IDataProvider& provider, IO::IAsyncReader& reader, std::string c
                 // What became shorter, or never was as long as it said, is read as far as it goes.
                 int64 const done = (i - kAhead) * kPiece;
                 static_cast<void>(provider.SetPosition(done, IDataProvider::kFromStart));
-                return PrintFrom(provider, done, Block::kSize, location);
+                return PrintFrom(session, provider, done, Block::kSize, location);
             }
             Print({block.Data(), block.Length()});
         }
         if (i < pieces && !block.BeginRead(reader, i * kPiece,
                                            static_cast<std::size_t>(std::min(kPiece, size - i * kPiece))))
-            CutShort(location, 0, size);
+            CutShort(location, {}, 0, size);
     }
 }
 
@@ -97,7 +96,7 @@ void PrintBuffered(Session const& session, TInterfacePtr<IDataProvider> const& p
     counting.Adopt(new CountingProvider(provider));
     auto const buffered = session.Create<IO::IBufferedDataProvider>(IO::IID_BUFFERED_DATAPROVIDER);
     static_cast<void>(buffered->Init(*counting.Get(), static_cast<int>(arguments.buffer), IO::kBufferReads));
-    PrintFrom(*buffered, 0, kPiece, location);
+    PrintFrom(session, *buffered, 0, kPiece, location);
     if (common.verbose)
         std::fprintf(stderr, "tessio: %s: %llu %s of the file for %llu bytes\n", Quoted(location).c_str(),
                      counting->Reads(), counting->Reads() == 1 ? "read" : "reads", counting->BytesRead());
@@ -106,19 +105,22 @@ void PrintBuffered(Session const& session, TInterfacePtr<IDataProvider> const& p
 void Run(Common const& common, Arguments const& arguments)
 {
     constexpr std::size_t kPiece = std::size_t{256} << 10;
-    Session const session(common);
+    Session const session(common, arguments.user);
     for (std::string const& location : arguments.locations)
     {
+        // The system's own files tell no size, nor do some servers; these are read to their end.
+        uint64 size = 0;
+        bool const isBuffered =
+            arguments.buffer > 0 && FileOf(session, location)->GetSize(size) == kNoError && size > 0;
         auto const stream = OpenToRead(session, location);
         TInterfacePtr<IDataProvider> const provider = stream->GetDataProvider();
         IO::IAsyncReader* const reader = arguments.async ? ReaderOf(*provider) : nullptr;
-        // The system's own files tell no size; they are read to their end.
-        if (arguments.buffer > 0 && provider->Size() > 0)
+        if (isBuffered)
             PrintBuffered(session, provider, location, arguments, common);
         else if (reader && provider->Size() > 0)
-            PrintAhead(*provider, *reader, location);
+            PrintAhead(session, *provider, *reader, location);
         else
-            PrintFrom(*provider, 0, kPiece, location);
+            PrintFrom(session, *provider, 0, kPiece, location);
     }
 }
 } // namespace
@@ -137,6 +139,7 @@ void AddCatCommand(CLI::App& app, Common const& common)
         ->transform(CLI::AsSizeValue(false))
         ->check(CLI::Range(uint64{1}, static_cast<uint64>(kLargestBuffered)))
         ->excludes(async);
+    AddUserOption(*command, arguments->user);
     command->callback([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

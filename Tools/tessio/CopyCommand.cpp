@@ -1,6 +1,7 @@
 // tessio cp: copies a file, with progress on a terminal.
 #include "Blocks.h"
 #include "Commands.h"
+#include "Dates.h"
 #include "Failure.h"
 #include "FileIO/ICopyProgress.h"
 #include "Location.h"
@@ -11,6 +12,7 @@
 
 #include <fmt/format.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,6 +23,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 namespace TOOL
 {
@@ -33,6 +36,7 @@ struct Arguments
 {
     std::string source;
     std::string target;
+    std::string user;
     bool clone = false;
 };
 
@@ -201,13 +205,77 @@ bool CopyPieces(Session const& session, Arguments const& arguments, IO::IURIFile
     return true;
 }
 
+/// The permissions of the file that is to be replaced, or those that a new one gets.
+std::filesystem::perms PermissionsAt(std::filesystem::path const& path)
+{
+    std::error_code error;
+    std::filesystem::file_status const there = std::filesystem::status(path, error);
+    if (std::filesystem::exists(there))
+        return there.permissions();
+    mode_t const mask = umask(077);
+    umask(mask);
+    return static_cast<std::filesystem::perms>(0666 & ~mask);
+}
+
+/// Copies a file that is no file of this system: forward, piece by piece, to its end, wherever that is.
+void CopyForward(Session const& session, Arguments const& arguments, IO::IURIFile const& source,
+                 std::string const& target)
+{
+    uint64 told = 0;
+    int64 const size = source.GetSize(told) == kNoError ? static_cast<int64>(told) : 0;
+    std::filesystem::path const path = URIOf(session, target)->GetPath().ToUTF8();
+    SafeTarget safe(session, path, WhatOf(arguments, target));
+    auto const to = OpenToWrite(session, safe.Temporary())->GetDataProvider();
+    auto const from = OpenToRead(session, arguments.source)->GetDataProvider();
+    IO::IAsyncWriter* const writer = WriterOf(*to);
+    TInterfacePtr<Progress> progress;
+    progress.Adopt(new Progress);
+    std::vector<char> piece(Block::kSize);
+    int64 done = 0;
+    for (;;)
+    {
+        auto count = static_cast<int32>(piece.size());
+        static_cast<void>(from->Read(piece.data(), count));
+        if (count <= 0)
+            break;
+        IO::IAsyncTaskPtr task;
+        if (!writer ||
+            writer->WriteAsync(done, piece.data(), static_cast<std::size_t>(count), task) != kNoError)
+            CannotCopy(arguments, target, "the target can't be written");
+        static_cast<void>(task->WaitForCompletion());
+        if (task->GetStatus() != kNoError)
+            CannotCopy(arguments, target, "writing failed, or no space left");
+        done += count;
+        if (!progress->OnCopied(static_cast<uint64>(done), told))
+            CannotCopy(arguments, target, "interrupted");
+    }
+    std::string const reason = session.Failures().Take();
+    if (!reason.empty() || done < size)
+        CutShort(arguments.source, reason, done, size);
+    uint64 modified = 0;
+    if (source.GetModificationDate(modified) != kNoError)
+        modified = Now();
+    safe.Commit(PermissionsAt(path), modified);
+}
+
 void Run(Common const& common, Arguments const& arguments)
 {
-    Session const session(common);
+    Session const session(common, arguments.user);
     IO::IURIFilePtr const source = FileOf(session, arguments.source);
     if (!source->Exists())
-        NoSuchFile("copy", arguments.source, *source->GetURI());
+        NoSuchFile(session, "copy", arguments.source, *source);
+    if (!IsLocal(*FileOf(session, arguments.target)->GetURI()))
+        throw Failure(Exit::kUsage,
+                      WhatOf(arguments, arguments.target) + ": only files of this system can be written");
     std::string const target = TargetOf(session, arguments);
+    if (!IsLocal(*source->GetURI()))
+    {
+        if (arguments.clone)
+            throw Failure(Exit::kUsage,
+                          WhatOf(arguments, target) + ": only files of this system can be cloned");
+        InterruptGuard const guard;
+        return CopyForward(session, arguments, *source, target);
+    }
     IO::IURIFilePtr const copy = FileOf(session, target);
     std::filesystem::path const from = source->GetURI()->GetPath().ToUTF8();
     std::error_code error;
@@ -230,6 +298,7 @@ void AddCopyCommand(CLI::App& app, Common const& common)
     command->add_option("TARGET", arguments->target, "Its new name, or a directory")->required();
     command->add_flag("--clone", arguments->clone,
                       "Let the file system copy, which may share the blocks instead");
+    AddUserOption(*command, arguments->user);
     command->callback([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

@@ -26,6 +26,7 @@ struct Arguments
 {
     std::vector<std::string> locations;
     std::string date;
+    std::string user;
     Target target;
 };
 
@@ -55,7 +56,7 @@ void StatOne(Session const& session, std::string const& location, Common const& 
 {
     IO::IURIFilePtr const file = FileOf(session, location);
     if (!file->Exists())
-        NoSuchFile("stat", location, *file->GetURI());
+        NoSuchFile(session, "stat", location, *file);
     auto const size = Ask(*file, &IURIFile::GetSize);
     auto const modified = Ask(*file, &IURIFile::GetModificationDate);
     auto const created = Ask(*file, &IURIFile::GetCreationDate);
@@ -86,7 +87,7 @@ void StatOne(Session const& session, std::string const& location, Common const& 
 
 void Stat(Common const& common, Arguments const& arguments)
 {
-    Session const session(common);
+    Session const session(common, arguments.user);
     Json all = Json::array();
     for (std::string const& location : arguments.locations)
         StatOne(session, location, common, all);
@@ -117,9 +118,10 @@ void RemoveFiles(Common const& common, Arguments const& arguments)
         if (file->Delete() == kNoError)
             continue;
         if (!file->Exists())
-            NoSuchFile("remove", location, *file->GetURI());
+            NoSuchFile(session, "remove", location, *file);
         std::error_code error;
-        bool const isDirectory = std::filesystem::is_directory(file->GetURI()->GetPath().ToUTF8(), error);
+        bool const isDirectory = IsLocal(*file->GetURI()) &&
+                                 std::filesystem::is_directory(file->GetURI()->GetPath().ToUTF8(), error);
         throw Failure(Exit::kInputOutput, fmt::format("cannot remove {}: {}", Quoted(location),
                                                       isDirectory ? "is a directory" : "permission denied"));
     }
@@ -150,7 +152,7 @@ void AddFileCommands(CLI::App& app, Common const& common)
         command->callback([&common, arguments, run] { run(common, *arguments); });
         return command;
     };
-    add("stat", "Show size, dates and permissions of files", &Stat);
+    AddUserOption(*add("stat", "Show size, dates and permissions of files", &Stat), arguments->user);
     AddTarget(*add("rm", "Remove files, or what a path of a record file names: rm FILE /0/dict[42] -i",
                    &RemoveFiles),
               arguments->target);

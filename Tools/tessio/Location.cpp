@@ -8,6 +8,7 @@
 #include "TessIO/IURIRegistry.h"
 #include "TessIO/ResultCodes.h"
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <limits>
@@ -32,29 +33,52 @@ bool IsURL(std::string const& location)
     return separator != std::string::npos && separator > 0 && notScheme == separator;
 }
 
-/// Why a file can't be opened, in words.
-[[noreturn]] void CannotOpen(IO::IURI const& uri, std::string const& location, ErrCode code)
+struct Reason
+{
+    Exit exit = Exit::kInputOutput;
+    std::string text;
+};
+
+/// Why a file of this system can't be opened, in words.
+Reason LocalReason(IO::IURI const& uri, ErrCode code)
 {
     std::filesystem::path path;
     std::error_code error;
     bool const known = IO::FilePathOf(uri, path) == kNoError;
-    std::string reason = "error " + std::to_string(code);
-    Exit exit = Exit::kInputOutput;
     std::filesystem::file_status const status = std::filesystem::status(path, error);
     if (error == std::errc::permission_denied)
-        reason = "permission denied";
-    else if (known && std::filesystem::is_directory(status))
-        reason = "is a directory";
-    else if (!known || !std::filesystem::exists(status))
+        return {.text = "permission denied"};
+    if (known && std::filesystem::is_directory(status))
+        return {.text = "is a directory"};
+    if (!known || !std::filesystem::exists(status))
+        return {Exit::kNotFound, "no such file"};
+    if (code == IO::kOpenRefused)
+        return {.text = "permission denied"};
+    if (code == IO::kLocked)
+        return {.text = "locked by another process"};
+    return {.text = "error " + std::to_string(code)};
+}
+
+/// Why a server's file can't be had: what the server says of the user, what was reported, or what the code
+/// says.
+Reason RemoteReason(Session const& session, IO::IURIFile const& file, ErrCode code)
+{
+    std::string const reported = session.Failures().Take();
+    if (std::string const refusal = RefusalOf(file); !refusal.empty())
+        return {.text = refusal};
+    if (!reported.empty())
+        return {.text = reported};
+    switch (code)
     {
-        reason = "no such file";
-        exit = Exit::kNotFound;
+    case IO::kFileNotFound:
+        return {Exit::kNotFound, "no such file"};
+    case IO::kBadArgument:
+        return {Exit::kUsage, "is no URL that can be asked for"};
+    case IO::kNotAllowed:
+        return {.text = "can't be written"};
+    default:
+        return {.text = "error " + std::to_string(code)};
     }
-    else if (code == IO::kOpenRefused)
-        reason = "permission denied";
-    else if (code == IO::kLocked)
-        reason = "locked by another process";
-    throw Failure(exit, "cannot open " + Quoted(location) + ": " + reason);
 }
 
 TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string const& location,
@@ -62,32 +86,55 @@ TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string cons
                                             const)
 {
     IO::IURIFilePtr const file = FileOf(session, location);
+    IO::IURIPtr const uri = file->GetURI();
+    bool const isLocal = IsLocal(*uri);
     // A pipe without data looks like the end of a file, and a device may have none.
     std::filesystem::path path;
     std::error_code error;
     std::filesystem::file_status status;
-    if (IO::FilePathOf(*file->GetURI(), path) == kNoError)
+    if (isLocal && IO::FilePathOf(*uri, path) == kNoError)
         status = std::filesystem::status(path, error);
     if (std::filesystem::is_other(status))
         throw Failure(Exit::kInputOutput, "cannot open " + Quoted(location) + ": is not a regular file");
     TInterfacePtr<IDataProviderStream> stream;
-    ErrCode const code = (file.Get()->*open)(stream);
-    if (code != kNoError)
-        CannotOpen(*file->GetURI(), location, code);
+    if (ErrCode const code = (file.Get()->*open)(stream); code != kNoError)
+    {
+        Reason const reason = isLocal ? LocalReason(*uri, code) : RemoteReason(session, *file, code);
+        throw Failure(reason.exit, "cannot open " + Quoted(location) + ": " + reason.text);
+    }
+    // What failed before and did not matter is no reason for what may fail now.
+    static_cast<void>(session.Failures().Take());
+    stream->Aggregate(&session.Failures(), IID_LAST_FAILURE);
     return stream;
 }
 } // namespace
 
-void NoSuchFile(char const* operation, std::string const& location, IO::IURI const& uri)
+bool IsLocal(IO::IURI const& uri) { return uri.GetScheme().compare("file") == 0; }
+
+void NoSuchFile(Session const& session, char const* operation, std::string const& location,
+                IO::IURIFile const& file)
 {
+    IO::IURIPtr const uri = file.GetURI();
+    Reason reason{Exit::kNotFound, "no such file"};
     std::filesystem::path path;
     std::error_code error;
-    if (IO::FilePathOf(uri, path) == kNoError)
+    if (!IsLocal(*uri))
+        reason = RemoteReason(session, file, IO::kFileNotFound);
+    else if (IO::FilePathOf(*uri, path) == kNoError)
         static_cast<void>(std::filesystem::status(path, error));
-    bool const closed = error == std::errc::permission_denied;
-    throw Failure(closed ? Exit::kInputOutput : Exit::kNotFound,
-                  std::string("cannot ") + operation + " " + Quoted(location) +
-                      (closed ? ": permission denied" : ": no such file"));
+    if (error == std::errc::permission_denied)
+        reason = {.text = "permission denied"};
+    throw Failure(reason.exit,
+                  std::string("cannot ") + operation + " " + Quoted(location) + ": " + reason.text);
+}
+
+void CutShort(std::string const& location, std::string const& reason, int64 done, int64 size)
+{
+    std::string const of = size > done ? " of " + std::to_string(size) : "";
+    std::string const bytes = std::to_string(done) + of + " bytes";
+    throw Failure(Exit::kInputOutput,
+                  "cannot read " + Quoted(location) + ": " +
+                      (reason.empty() ? bytes + " could be read" : reason + " after " + bytes));
 }
 
 std::string ReasonOf(FILE_SYS::ErrCode status)
@@ -111,6 +158,8 @@ IO::IURIPtr URIOf(Session const& session, std::string const& location)
     {
         auto uri = session.Create<IO::IURI>(IO::IID_IURI);
         uri->Init(TextArgument(location, "location"));
+        if (session.Credential())
+            uri->Aggregate(session.Credential(), IO::IID_URI_CREDENTIAL);
         return uri;
     }
     IO::IURIPtr uri;
@@ -125,7 +174,7 @@ IO::IURIFilePtr FileOf(Session const& session, std::string const& location)
     IO::IURIPtr const uri = URIOf(session, location);
     auto const registry = session.Create<IO::IURIRegistry>(IO::IID_URI_REGISTRY);
     IO::IURIFilePtr file;
-    ErrCode const code = registry->Create(*uri, file, nullptr);
+    ErrCode const code = registry->Create(*uri, file, &session.Failures());
     if (code == kIdNotFound)
         throw Failure(Exit::kUsage, "cannot open " + Quoted(location) + ": nothing serves the scheme " +
                                         Quoted(uri->GetScheme()));
@@ -164,11 +213,13 @@ std::vector<unsigned char> ReadWhole(IDataProviderStream& stream, std::string co
         if (count == 0)
             break;
     }
+    IObject* found = nullptr;
+    std::string reason;
+    if (stream.QueryInterface(IID_LAST_FAILURE, &found) == kNoError)
+        reason = static_cast<LastFailure*>(found)->Take();
     // A file of a known size that ends early was cut meanwhile, or the disk fails.
-    if (static_cast<int64>(content.size()) < size)
-        throw Failure(Exit::kInputOutput, "cannot read " + Quoted(location) + ": " +
-                                              std::to_string(content.size()) + " of " + std::to_string(size) +
-                                              " bytes could be read");
+    if (!reason.empty() || static_cast<int64>(content.size()) < size)
+        CutShort(location, reason, static_cast<int64>(content.size()), std::max(size, provider->Size()));
     return content;
 }
 

@@ -17,8 +17,17 @@ KORVA::IO::IURIPtr URIOf(Session const& session, std::string const& location);
 /// The file object that serves the location's scheme.
 KORVA::IO::IURIFilePtr FileOf(Session const& session, std::string const& location);
 
+/// Whether it is a file of this system, which everything else is to be asked of as well.
+bool IsLocal(KORVA::IO::IURI const& uri);
+
 /// Ends the command: a file that can't be found to stat, copy or remove it.
-[[noreturn]] void NoSuchFile(char const* operation, std::string const& location, KORVA::IO::IURI const& uri);
+[[noreturn]] void NoSuchFile(Session const& session, char const* operation, std::string const& location,
+                             KORVA::IO::IURIFile const& file);
+
+/// Ends the command: a file of `size` bytes (what is known of it) of which only `done` could be read.
+/// `reason` may be empty.
+[[noreturn]] void CutShort(std::string const& location, std::string const& reason, KORVA::int64 done,
+                           KORVA::int64 size);
 
 /// Opens the file for reading, or for reading and writing (which locks it against others).
 KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToRead(Session const& session,

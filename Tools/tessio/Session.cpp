@@ -10,8 +10,10 @@
 
 namespace TOOL
 {
-Session::Session(Common const& common) : mVerbose(common.verbose), mLimits(common.limits)
+Session::Session(Common const& common, std::string const& user)
+    : mVerbose(common.verbose), mLimits(common.limits)
 {
+    mFailures.Adopt(new LastFailure);
     KORVA::KLoggerLibInterface::InstallSink(this);
     std::string error;
     mHost = KORVA::HOST::Host::Boot(error);
@@ -25,6 +27,7 @@ Session::Session(Common const& common) : mVerbose(common.verbose), mLimits(commo
             throw Failure(Exit::kInputOutput,
                           "cannot load the plug-in " + Quoted(plugIn) + ": " + Escaped(error));
     }
+    mCredential = CredentialOf(user);
 }
 
 Session::~Session()

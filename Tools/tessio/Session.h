@@ -1,6 +1,7 @@
 // The host that a command runs in.
 #pragma once
 
+#include "Access.h"
 #include "Commands.h"
 #include "CoreRegistry/CoreRegistry.h"
 #include "Host/Host.h"
@@ -15,13 +16,18 @@ class Session final : private KORVA::KLogSink
 {
 public:
     /// Loads the plug-ins that were named. With `verbose`, the library's own messages go to standard error
-    /// too.
-    explicit Session(Common const& common);
+    /// too. `user` is who asks servers; empty for nobody.
+    explicit Session(Common const& common, std::string const& user = {});
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
     ~Session();
 
     KORVA::COREREGISTRY::ICoreRegistry* Registry() const { return mHost->Registry(); }
+
+    /// Hears of what fails.
+    LastFailure& Failures() const { return *mFailures; }
+    /// Borrowed; null for nobody.
+    KORVA::IO::IURICredential* Credential() const { return mCredential.Get(); }
 
     /// Creates an object that must be there.
     template <class I>
@@ -43,5 +49,7 @@ private:
     bool mVerbose;
     Limits mLimits;
     std::unique_ptr<KORVA::HOST::Host> mHost;
+    KORVA::TInterfacePtr<LastFailure> mFailures;
+    KORVA::IO::IURICredentialPtr mCredential;
 };
 } // namespace TOOL
