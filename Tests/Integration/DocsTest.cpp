@@ -35,6 +35,49 @@ std::map<std::string, std::string> Blocks(std::string const& page)
     return blocks;
 }
 
+/// The lines between the two markers "//! [name]" (or "#! [name]") of a source; all of it without a name.
+std::string Region(std::string const& source, std::string const& name)
+{
+    std::istringstream lines(Content(TESSIO_SOURCE_DIR "/" + source));
+    std::string region;
+    bool inside = name.empty();
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (line == "//! " + name || line == "#! " + name)
+            inside = !inside;
+        else if (inside)
+            region += line + "\n";
+    }
+    return region;
+}
+
+/// Runs the commands of a page's console block in one shell, so that later ones see what earlier ones made,
+/// and compares what they print with what stands there.
+void ExpectConsole(std::string const& page, std::vector<std::string> const& programs)
+{
+    TemporaryDirectory const directory;
+    std::filesystem::create_directory(directory.Path() / "bin");
+    for (std::string const& program : programs)
+        std::filesystem::create_symlink(TESSIO_BINARY_DIR "/bin/" + program,
+                                        directory.Path() / "bin" / program);
+    auto const blocks = Blocks(page);
+    ASSERT_EQ(blocks.count("console"), 1u);
+    std::string script = "PATH=" + (directory.Path() / "bin").string() + ":$PATH\n";
+    std::string expected;
+    std::istringstream lines(blocks.at("console"));
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (line.starts_with("$ "))
+            script += line.substr(2) + "\n";
+        else
+            expected += line + "\n";
+    }
+    Outcome const outcome = RunProgram({"/bin/sh", "-c", script}, directory.Path().string());
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out, expected);
+    EXPECT_EQ(outcome.err, "");
+}
+
 /// Makes the objects that the page on the format shows the bytes of.
 TInterfacePtr<IObject> Sample(std::string const& name)
 {
@@ -119,35 +162,32 @@ TEST(Readme, ShowsTheExampleHostAsItIs)
     EXPECT_EQ(blocks.at("cpp"), Content(TESSIO_SOURCE_DIR "/Examples/host/main.cpp"));
 }
 
-class Page : public ::testing::TestWithParam<char const*>
-{
-};
+TEST(Readme, ShowsWhatTheToolPrints) { ExpectConsole("README.md", {"tessio"}); }
 
-TEST_P(Page, ShowsWhatTheToolPrints)
+TEST(Guide, ShowsTheSourcesAsTheyAre)
 {
-    TemporaryDirectory const directory;
-    std::filesystem::create_directory(directory.Path() / "bin");
-    std::filesystem::create_symlink(TESSIO_BINARY_DIR "/bin/tessio", directory.Path() / "bin/tessio");
-    auto const blocks = Blocks(GetParam());
-    ASSERT_EQ(blocks.count("console"), 1u);
-    // One shell runs all commands in turn, so that later ones see what earlier ones made.
-    std::string script = "PATH=" + (directory.Path() / "bin").string() + ":$PATH\n";
-    std::string expected;
-    std::istringstream lines(blocks.at("console"));
-    for (std::string line; std::getline(lines, line);)
+    int shown = 0;
+    for (auto const& [header, text] : Blocks("Docs/Guide.md"))
     {
-        if (line.starts_with("$ "))
-            script += line.substr(2) + "\n";
-        else
-            expected += line + "\n";
+        SCOPED_TRACE(header);
+        // ```LANGUAGE SOURCE [REGION]
+        std::istringstream words(header);
+        std::string language;
+        std::string source;
+        std::string name;
+        words >> language >> source >> name;
+        EXPECT_TRUE(!source.empty() || language == "sh" || language == "console");
+        if (source.empty())
+            continue;
+        EXPECT_NE(text, "");
+        EXPECT_EQ(text, Region(source, name));
+        ++shown;
     }
-    Outcome const outcome = RunProgram({"/bin/sh", "-c", script}, directory.Path().string());
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.out, expected);
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(shown, 17);
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, Page, ::testing::Values("README.md", "Docs/Tool.md"),
-                         [](auto const& info) { return info.index == 0 ? "Readme" : "Tool"; });
+TEST(Guide, ShowsWhatTheProgramsPrint) { ExpectConsole("Docs/Guide.md", {"tessio", "example_walk"}); }
+
+TEST(ToolTour, ShowsWhatTheToolPrints) { ExpectConsole("Docs/Tool.md", {"tessio"}); }
 } // namespace
 } // namespace KORVA::TESTS
