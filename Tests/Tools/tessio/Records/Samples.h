@@ -44,10 +44,10 @@ std::vector<FindingRow> const& Findings();
 /// value, oddities, and the files of `Findings`.
 std::vector<Sample> const& Samples();
 
-/// The samples, every beginning of the file with one of each class, and that file with each byte changed in
-/// three ways. `visit(content, order, name)`.
+/// The samples, every beginning of the file with one of each class, and that file with each byte changed, by
+/// each of `changes` in turn. `visit(content, order, name)`.
 template <class Visit>
-void ForEachFile(Visit const& visit)
+void ForEachFile(std::initializer_list<int> changes, Visit const& visit)
 {
     for (TOOL::Order const order : kOrders)
     {
@@ -58,7 +58,7 @@ void ForEachFile(Visit const& visit)
             visit(Bytes(every.begin(), every.begin() + static_cast<std::ptrdiff_t>(size)), order,
                   "cut after " + std::to_string(size));
         for (std::size_t at = 0; at < every.size(); ++at)
-            for (int const change : {0x01, 0x80, 0xFF})
+            for (int const change : changes)
             {
                 Bytes flipped = every;
                 flipped[at] = static_cast<unsigned char>(flipped[at] ^ change);

@@ -144,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Text, AndBackIsTheIdentityOnEveryFile)
 {
-    ForEachFile([](Bytes const& content, TOOL::Order order, std::string const& name) {
+    ForEachFile({0x01, 0x80, 0xFF}, [](Bytes const& content, TOOL::Order order, std::string const& name) {
         std::string const text = TOOL::WriteText(Read(order, content), content);
         ASSERT_TRUE(TOOL::ReadText(text, "TEXT") == content) << name << "\n" << text;
     });
