@@ -18,13 +18,13 @@ std::string Lines(std::vector<Difference> const& differences)
     std::string text;
     for (Difference const& difference : differences)
         text += difference.type == Difference::Type::kRemoved ? "- " + difference.path + "  " + difference.a
-                : difference.type == Difference::Type::kAdded ? "+ " + difference.path + "  " + difference.b
-                                                              : "~ " + difference.path + "  " + difference.a +
-                                                                    " -> " + difference.b;
+                : difference.type == Difference::Type::kAdded
+                    ? "+ " + difference.path + "  " + difference.b
+                    : "~ " + difference.path + "  " + difference.a + " -> " + difference.b;
     return text;
 }
 
-std::string Compared(Bytes const& a, TOOL::Order orderOfA, Bytes const& b, TOOL::Order orderOfB, bool subset)
+std::string Compared(Bytes const& a, Order orderOfA, Bytes const& b, Order orderOfB, bool subset)
 {
     TOOL::RecordTree const treeOfA = Read(orderOfA, a);
     TOOL::RecordTree const treeOfB = Read(orderOfB, b);
@@ -50,8 +50,8 @@ class CompareOfFiles : public ::testing::TestWithParam<CompareRow>
 
 TEST_P(CompareOfFiles, NamesEachDifferenceInAnyOrders)
 {
-    for (TOOL::Order const a : kOrders)
-        for (TOOL::Order const b : kOrders)
+    for (Order const a : kOrders)
+        for (Order const b : kOrders)
         {
             SCOPED_TRACE(std::string(TOOL::OrderName(a)) + ", " + TOOL::OrderName(b));
             Bytes const first = Laid(a, GetParam().a);
@@ -98,8 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
         CompareRow{"HalfAPair", "URI 10:8 2:4 ^D800 0:4", "URI 10:8 2:4 ^D801 0:4",
                    "~ /0  URI \"\\u{D800}\" -> URI \"\\u{D801}\"\n",
                    "~ /0  URI \"\\u{D800}\" -> URI \"\\u{D801}\"\n"},
-        CompareRow{"Port", "Relative 24:8 0:4 0:4 80:4 0:4 3:4 0:4",
-                   "Relative 24:8 0:4 0:4 81:4 0:4 3:4 0:4",
+        CompareRow{"Port", "Relative 24:8 0:4 0:4 80:4 0:4 3:4 0:4", "Relative 24:8 0:4 0:4 81:4 0:4 3:4 0:4",
                    "~ /0  RelativeURI documents \"\" -> RelativeURI documents \"\"\n",
                    "~ /0  RelativeURI documents \"\" -> RelativeURI documents \"\"\n"},
         CompareRow{"Directory", "Relative 24:8 0:4 0:4 0:4 0:4 1:4 0:4",
@@ -108,13 +107,12 @@ INSTANTIATE_TEST_SUITE_P(
                    "~ /0  RelativeURI home \"\" -> RelativeURI documents \"\"\n"},
         CompareRow{"SameUnknown", "{00000009-0000-0000-0000-000000000000} 2:8 =0102",
                    "{00000009-0000-0000-0000-000000000000} 2:8 =0102", "", ""},
-        CompareRow{
-            "UnknownBytes", "{00000009-0000-0000-0000-000000000000} 2:8 =0102",
-            "{00000009-0000-0000-0000-000000000000} 3:8 =010203",
-            "~ /0  unknown class {00000009-0000-0000-0000-000000000000}, 2 bytes -> unknown class "
-            "{00000009-0000-0000-0000-000000000000}, 3 bytes\n",
-            "~ /0  unknown class {00000009-0000-0000-0000-000000000000}, 2 bytes -> unknown class "
-            "{00000009-0000-0000-0000-000000000000}, 3 bytes\n"},
+        CompareRow{"UnknownBytes", "{00000009-0000-0000-0000-000000000000} 2:8 =0102",
+                   "{00000009-0000-0000-0000-000000000000} 3:8 =010203",
+                   "~ /0  unknown class {00000009-0000-0000-0000-000000000000}, 2 bytes -> unknown class "
+                   "{00000009-0000-0000-0000-000000000000}, 3 bytes\n",
+                   "~ /0  unknown class {00000009-0000-0000-0000-000000000000}, 2 bytes -> unknown class "
+                   "{00000009-0000-0000-0000-000000000000}, 3 bytes\n"},
         CompareRow{"OtherUnknown", "{00000009-0000-0000-0000-000000000000} 2:8 =0102",
                    "{00000008-0000-0000-0000-000000000000} 2:8 =0102",
                    "~ /0  unknown class {00000009-0000-0000-0000-000000000000}, 2 bytes -> unknown class "
@@ -142,8 +140,7 @@ INSTANTIATE_TEST_SUITE_P(
         CompareRow{"OrderOfKeysIsNoDifference",
                    "Dict 80:8 2:4 1:4 Value 8:8 'UNNT 0:4 2:4 Value 8:8 'UNNT 0:4 0:4",
                    "Dict 80:8 2:4 2:4 Value 8:8 'UNNT 0:4 1:4 Value 8:8 'UNNT 0:4 0:4", "", ""},
-        CompareRow{"KeyTwiceAgainstOnce",
-                   "Dict 80:8 2:4 1:4 Value 8:8 'UNNT 0:4 1:4 Value 8:8 'UNNT 0:4 0:4",
+        CompareRow{"KeyTwiceAgainstOnce", "Dict 80:8 2:4 1:4 Value 8:8 'UNNT 0:4 1:4 Value 8:8 'UNNT 0:4 0:4",
                    "Dict 44:8 1:4 1:4 Value 8:8 'UNNT 0:4 0:4", "- /0/dict[1]  DictValue none\n",
                    "- /0/dict[1]  DictValue none\n"},
         CompareRow{"Deeper", "Dict 84:8 1:4 1:4 Dict 48:8 1:4 2:4 Value 12:8 'UNIC 0:4 0:4 0:4 0:4",
@@ -151,8 +148,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "~ /0/dict[1]/dict[2]  DictValue text \"\" -> DictValue bytes \n",
                    "~ /0/dict[1]/dict[2]  DictValue text \"\" -> DictValue bytes \n"},
         CompareRow{"Text", "Strings 22:8 1:4 2:4 \"a\" 4:4 \"xy\" 0:4",
-                   "Strings 22:8 1:4 2:4 \"a\" 4:4 \"xz\" 0:4",
-                   "~ /0/strings[\"a\"]  \"xy\" -> \"xz\"\n", "~ /0/strings[\"a\"]  \"xy\" -> \"xz\"\n"},
+                   "Strings 22:8 1:4 2:4 \"a\" 4:4 \"xz\" 0:4", "~ /0/strings[\"a\"]  \"xy\" -> \"xz\"\n",
+                   "~ /0/strings[\"a\"]  \"xy\" -> \"xz\"\n"},
         CompareRow{"TextKey", "Strings 22:8 1:4 2:4 \"a\" 4:4 \"xy\" 0:4",
                    "Strings 22:8 1:4 2:4 \"b\" 4:4 \"xy\" 0:4",
                    "- /0/strings[\"a\"]  \"xy\"\n+ /0/strings[\"b\"]  \"xy\"\n",
@@ -174,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Compare, EveryFileIsTheSameAsItselfAndContainedInItself)
 {
-    ForEachFile({0x01, 0xFF}, [](Bytes const& content, TOOL::Order order, std::string const& name) {
+    ForEachFile({0x01, 0xFF}, [](Bytes const& content, Order order, std::string const& name) {
         ASSERT_EQ(Compared(content, order, content, order, false), "") << name;
         ASSERT_EQ(Compared(content, order, content, order, true), "") << name;
     });
@@ -182,7 +179,7 @@ TEST(Compare, EveryFileIsTheSameAsItselfAndContainedInItself)
 
 TEST(Compare, AChangeOfAnyByteOfAValueIsADifference)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         Bytes const seven = Laid(order, kSeven);
         for (std::size_t at = 0; at < seven.size(); ++at)

@@ -72,7 +72,7 @@ TEST_P(DecoderFinding, HasSeverityCodeOffsetPathAndWords)
     std::string expected;
     for (Noticed const& noticed : GetParam().findings)
         expected += Line(noticed.severity, noticed.code, noticed.offset, noticed.path, noticed.words);
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         SCOPED_TRACE(TOOL::OrderName(order));
         EXPECT_EQ(AllFindings(Read(order, Laid(order, GetParam().words))), expected);
@@ -94,7 +94,7 @@ std::string Lines(RecordTree const& tree)
 
 TEST(Decoder, ReadsOneOfEachClassInEitherOrder)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         SCOPED_TRACE(TOOL::OrderName(order));
         RecordTree const tree = Read(order, Laid(order, kEvery));
@@ -127,7 +127,7 @@ TEST(Decoder, ReadsEachTypeOfNumber)
     {
         if (std::string_view(sample.name) != "Numbers")
             continue;
-        for (TOOL::Order const order : kOrders)
+        for (Order const order : kOrders)
         {
             SCOPED_TRACE(TOOL::OrderName(order));
             EXPECT_EQ(Lines(Read(order, Laid(order, sample.words))),
@@ -147,7 +147,7 @@ TEST(Decoder, ReadsEachTypeOfNumber)
 
 TEST(Decoder, DamageInOneRecordLeavesThoseAroundAndBehindIt)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         // The inner dictionary lacks its number of aggregates.
         RecordTree const tree = Read(order, Laid(order, R"(
@@ -188,8 +188,7 @@ TEST(Decoder, ALengthThatNobodyBelievesIsNamed)
         std::copy(header.begin(), header.end(), bytes);
         DecodeOptions options;
         options.order = kBig;
-        RecordTree const tree =
-            TOOL::Decode({bytes, 24 + static_cast<std::size_t>(length)}, options);
+        RecordTree const tree = TOOL::Decode({bytes, 24 + static_cast<std::size_t>(length)}, options);
         EXPECT_EQ(AllFindings(tree),
                   std::string(length == 2147483647 ? ""
                                                    : "error length-not-believed at 16 of /0: its length is "
@@ -200,7 +199,7 @@ TEST(Decoder, ALengthThatNobodyBelievesIsNamed)
 }
 
 /// Dictionaries in each other, the innermost one without entries.
-Bytes Nested(TOOL::Order order, int records)
+Bytes Nested(Order order, int records)
 {
     std::string words;
     for (int i = records - 1; i > 0; --i)
@@ -213,7 +212,7 @@ Bytes Nested(TOOL::Order order, int records)
 
 TEST(Decoder, ARecordNestedMoreThanAThousandDeepIsNotRead)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         EXPECT_EQ(AllFindings(Read(order, Nested(order, 1000))), "");
         std::string path = "/0";
@@ -287,7 +286,7 @@ class DecoderOrder : public ::testing::TestWithParam<OrderRow>
 
 TEST_P(DecoderOrder, IsFoundFromTheContent)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         auto const found = TOOL::FindOrder(Laid(order, GetParam().words));
         EXPECT_EQ(found, GetParam().isFound ? std::optional(order) : std::nullopt) << TOOL::OrderName(order);
@@ -304,8 +303,7 @@ INSTANTIATE_TEST_SUITE_P(
         OrderRow{"OnlyUnknown", "{76543210-BA98-4EDC-9F01-23456789ABCD} 2:8 =0102", true},
         OrderRow{"KnownButDamaged", "Value -1:8", true},
         OrderRow{"UnknownThatLeadsNowhere", "{76543210-BA98-4EDC-9F01-23456789ABCD} 3:8 =0102", false},
-        OrderRow{"Nothing", "", false},
-        OrderRow{"TooFewBytes", "=D50CE973", false}),
+        OrderRow{"Nothing", "", false}, OrderRow{"TooFewBytes", "=D50CE973", false}),
     RowName());
 
 /// Pretends to know one class, whose body is a number of four bytes, then a record when there is room.
@@ -314,8 +312,7 @@ class FakeClasses final : public TOOL::ClassReader
 public:
     explicit FakeClasses(bool reads) : mReads(reads) {}
 
-    std::optional<TOOL::ReadBody> Read(GUID const&, TOOL::ByteView body, int64 offset,
-                                       TOOL::Order) const override
+    std::optional<TOOL::ReadBody> Read(GUID const&, TOOL::ByteView body, int64 offset, Order) const override
     {
         if (!mReads)
             return std::nullopt;
@@ -333,7 +330,7 @@ private:
     bool mReads;
 };
 
-RecordTree ReadWith(FakeClasses const& classes, TOOL::Order order, char const* words)
+RecordTree ReadWith(FakeClasses const& classes, Order order, char const* words)
 {
     DecodeOptions options;
     options.order = order;
@@ -343,7 +340,7 @@ RecordTree ReadWith(FakeClasses const& classes, TOOL::Order order, char const* w
 
 TEST(Decoder, PartsOfAPlugInsObjectAreWhatItReads)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         RecordTree const tree =
             ReadWith(FakeClasses(true), order,
@@ -367,7 +364,7 @@ TEST(Decoder, AClassThatDoesNotTellHowItReadsIsOpaque)
 
 TEST(Decoder, ByContentFindsWhereARecordEndsWithoutItsLength)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         DecodeOptions options;
         options.order = order;
@@ -386,7 +383,7 @@ TEST(Decoder, ByContentFindsWhereARecordEndsWithoutItsLength)
 TEST(Decoder, NoFileIsTooDamagedToBeRead)
 {
     int files = 0;
-    ForEachFile({0x01, 0x80, 0xFF}, [&](Bytes const& content, TOOL::Order order, std::string const& name) {
+    ForEachFile({0x01, 0x80, 0xFF}, [&](Bytes const& content, Order order, std::string const& name) {
         ++files;
         RecordTree const tree = Read(order, content);
         int64 at = 0;

@@ -13,7 +13,7 @@ namespace KORVA::TESTS
 {
 namespace
 {
-TOOL::Document DocumentOf(TOOL::Order order, std::string const& words)
+TOOL::Document DocumentOf(Order order, std::string const& words)
 {
     TOOL::Document document{"FILE", Laid(order, words), {}};
     document.tree = Read(order, document.content);
@@ -50,7 +50,7 @@ class EditOfFile : public ::testing::TestWithParam<EditRow>
 
 TEST_P(EditOfFile, ChangesTheBytesOfThePlaceLengthsAndCounts)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         SCOPED_TRACE(TOOL::OrderName(order));
         TOOL::Document const before = DocumentOf(order, GetParam().before);
@@ -71,15 +71,16 @@ constexpr char kTwoAggregates[] =
 
 INSTANTIATE_TEST_SUITE_P(
     Top, EditOfFile,
-    ::testing::Values(EditRow{"Replaced", "URI 8:8 0:4 0:4 Dict 8:8 0:4 0:4", "/0", kNone,
-                              "Value 8:8 'UNNT 0:4 Dict 8:8 0:4 0:4"},
-                      EditRow{"Added", kNone, "/1", "URI 8:8 0:4 0:4", "Value 8:8 'UNNT 0:4 URI 8:8 0:4 0:4"},
-                      EditRow{"TakenAway", "URI 8:8 0:4 0:4 Dict 8:8 0:4 0:4 Value 8:8 'UNNT 0:4", "/1",
-                              nullptr, "URI 8:8 0:4 0:4 Value 8:8 'UNNT 0:4"},
-                      EditRow{"LastTakenAway", kNone, "/0", nullptr, ""},
-                      // Damage is replaced where nothing around it depends on it, and what is left over stays.
-                      EditRow{"DamagedReplaced", "Value 9:8 'UNNT 0:4 =AA Dict 8:8 1:4 0:4 =BB", "/1",
-                              "Dict 8:8 0:4 0:4", "Value 9:8 'UNNT 0:4 =AA Dict 8:8 0:4 0:4 =BB"}),
+    ::testing::Values(
+        EditRow{"Replaced", "URI 8:8 0:4 0:4 Dict 8:8 0:4 0:4", "/0", kNone,
+                "Value 8:8 'UNNT 0:4 Dict 8:8 0:4 0:4"},
+        EditRow{"Added", kNone, "/1", "URI 8:8 0:4 0:4", "Value 8:8 'UNNT 0:4 URI 8:8 0:4 0:4"},
+        EditRow{"TakenAway", "URI 8:8 0:4 0:4 Dict 8:8 0:4 0:4 Value 8:8 'UNNT 0:4", "/1", nullptr,
+                "URI 8:8 0:4 0:4 Value 8:8 'UNNT 0:4"},
+        EditRow{"LastTakenAway", kNone, "/0", nullptr, ""},
+        // Damage is replaced where nothing around it depends on it, and what is left over stays.
+        EditRow{"DamagedReplaced", "Value 9:8 'UNNT 0:4 =AA Dict 8:8 1:4 0:4 =BB", "/1", "Dict 8:8 0:4 0:4",
+                "Value 9:8 'UNNT 0:4 =AA Dict 8:8 0:4 0:4 =BB"}),
     RowName());
 
 INSTANTIATE_TEST_SUITE_P(
@@ -95,11 +96,9 @@ INSTANTIATE_TEST_SUITE_P(
         EditRow{"AddedBehind", kTwoKeys, "/0/4294967295", kNone,
                 "Dict 116:8 3:4 2:4 Value 8:8 'UNNT 0:4 4:4 Value 8:8 'UNNT 0:4 4294967295:4 Value 8:8 'UNNT "
                 "0:4 0:4"},
-        EditRow{"TakenAway", kTwoKeys, "/0/2", nullptr,
-                "Dict 44:8 1:4 4:4 Value 8:8 'UNNT 0:4 0:4"},
-        EditRow{"LastOfTwoSameTakenAway",
-                "Dict 80:8 2:4 1:4 Value 8:8 'UNNT 0:4 1:4 URI 8:8 0:4 0:4 0:4", "/0/1", nullptr,
-                "Dict 44:8 1:4 1:4 Value 8:8 'UNNT 0:4 0:4"},
+        EditRow{"TakenAway", kTwoKeys, "/0/2", nullptr, "Dict 44:8 1:4 4:4 Value 8:8 'UNNT 0:4 0:4"},
+        EditRow{"LastOfTwoSameTakenAway", "Dict 80:8 2:4 1:4 Value 8:8 'UNNT 0:4 1:4 URI 8:8 0:4 0:4 0:4",
+                "/0/1", nullptr, "Dict 44:8 1:4 1:4 Value 8:8 'UNNT 0:4 0:4"},
         EditRow{"AddedInFrontOfAggregates",
                 "Dict 56:8 0:4 1:4 {00000001-0000-0000-0000-000000000000} Value 8:8 'UNNT 0:4", "/0/1", kNone,
                 "Dict 92:8 1:4 1:4 Value 8:8 'UNNT 0:4 1:4 {00000001-0000-0000-0000-000000000000} Value 8:8 "
@@ -114,17 +113,16 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, EditOfFile,
-    ::testing::Values(
-        EditRow{"Replaced", kTwoTexts, "/0/strings[b]", "2:4 \"b\" 6:4 \"xyz\"",
-                "Strings 36:8 2:4 2:4 \"b\" 6:4 \"xyz\" 2:4 \"d\" 2:4 \"2\" 0:4"},
-        EditRow{"AddedInFront", kTwoTexts, "/0/strings[a]", "2:4 \"a\" 0:4",
-                "Strings 42:8 3:4 2:4 \"a\" 0:4 2:4 \"b\" 2:4 \"1\" 2:4 \"d\" 2:4 \"2\" 0:4"},
-        EditRow{"AddedBetween", kTwoTexts, "/0/strings[c]", "2:4 \"c\" 0:4",
-                "Strings 42:8 3:4 2:4 \"b\" 2:4 \"1\" 2:4 \"c\" 0:4 2:4 \"d\" 2:4 \"2\" 0:4"},
-        EditRow{"AddedBehind", kTwoTexts, "/0/strings[e]", "2:4 \"e\" 0:4",
-                "Strings 42:8 3:4 2:4 \"b\" 2:4 \"1\" 2:4 \"d\" 2:4 \"2\" 2:4 \"e\" 0:4 0:4"},
-        EditRow{"TakenAway", kTwoTexts, "/0/strings[d]", nullptr,
-                "Strings 20:8 1:4 2:4 \"b\" 2:4 \"1\" 0:4"}),
+    ::testing::Values(EditRow{"Replaced", kTwoTexts, "/0/strings[b]", "2:4 \"b\" 6:4 \"xyz\"",
+                              "Strings 36:8 2:4 2:4 \"b\" 6:4 \"xyz\" 2:4 \"d\" 2:4 \"2\" 0:4"},
+                      EditRow{"AddedInFront", kTwoTexts, "/0/strings[a]", "2:4 \"a\" 0:4",
+                              "Strings 42:8 3:4 2:4 \"a\" 0:4 2:4 \"b\" 2:4 \"1\" 2:4 \"d\" 2:4 \"2\" 0:4"},
+                      EditRow{"AddedBetween", kTwoTexts, "/0/strings[c]", "2:4 \"c\" 0:4",
+                              "Strings 42:8 3:4 2:4 \"b\" 2:4 \"1\" 2:4 \"c\" 0:4 2:4 \"d\" 2:4 \"2\" 0:4"},
+                      EditRow{"AddedBehind", kTwoTexts, "/0/strings[e]", "2:4 \"e\" 0:4",
+                              "Strings 42:8 3:4 2:4 \"b\" 2:4 \"1\" 2:4 \"d\" 2:4 \"2\" 2:4 \"e\" 0:4 0:4"},
+                      EditRow{"TakenAway", kTwoTexts, "/0/strings[d]", nullptr,
+                              "Strings 20:8 1:4 2:4 \"b\" 2:4 \"1\" 0:4"}),
     RowName());
 
 INSTANTIATE_TEST_SUITE_P(
@@ -168,13 +166,13 @@ class EditRefusal : public ::testing::TestWithParam<RefusalRow>
 
 TEST_P(EditRefusal, SaysWhy)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         TOOL::Document const document = DocumentOf(order, GetParam().words);
         EXPECT_EQ(FailureOf([&] {
                       if (GetParam().content)
-                          static_cast<void>(TOOL::WithPlaced(document, GetParam().path,
-                                                             Laid(order, GetParam().content)));
+                          static_cast<void>(
+                              TOOL::WithPlaced(document, GetParam().path, Laid(order, GetParam().content)));
                       else
                           static_cast<void>(TOOL::WithoutPlace(document, GetParam().path));
                   }),
@@ -196,8 +194,7 @@ INSTANTIATE_TEST_SUITE_P(
                    "1 \"FILE\" has 1 records; the next one can only be /1"},
         RefusalRow{"NoHolder", kTwoKeys, "/0/1/2", kNone,
                    "1 \"FILE\" has nothing at /0/dict[1]: /0 holds no dict[1]"},
-        RefusalRow{"KeyOfAURI", "URI 8:8 0:4 0:4", "/0/1", kNone,
-                   "2 dict[1] can't be put into a URI"},
+        RefusalRow{"KeyOfAURI", "URI 8:8 0:4 0:4", "/0/1", kNone, "2 dict[1] can't be put into a URI"},
         RefusalRow{"TextOfADictionary", kTwoKeys, "/0/strings[a]", "2:4 \"a\" 0:4",
                    "2 strings[\"a\"] can't be put into a PersistentDictionary"},
         RefusalRow{"DamagedHolder", kDamagedHolder, "/0/3", kNone,
@@ -217,7 +214,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Edit, EveryPlaceCanBeReplacedByItselfAndTakenAway)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         TOOL::Document const document = DocumentOf(order, kEvery);
         TOOL::Walk(document.tree, [&](TOOL::Node const& node, std::string const& path, int) {
@@ -242,7 +239,7 @@ TEST(Edit, EveryPlaceCanBeReplacedByItselfAndTakenAway)
 
 TEST(Edit, AStringEntryIsKeyAndText)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         EXPECT_EQ(ToHex(TOOL::StringEntry(u"a", u"xy", order)), ToHex(Laid(order, "2:4 \"a\" 4:4 \"xy\"")));
         EXPECT_EQ(ToHex(TOOL::StringEntry(u"", u"", order)), ToHex(Laid(order, "0:4 0:4")));
@@ -252,17 +249,17 @@ TEST(Edit, AStringEntryIsKeyAndText)
 TEST(Edit, TurnedRoundEveryWholeFileSaysTheSame)
 {
     int turned = 0;
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
         for (Sample const& sample : Samples())
         {
             TOOL::Document const document = DocumentOf(order, sample.words);
-            TOOL::Order const other = order == kBig ? kLittle : kBig;
+            Order const other = order == kBig ? kLittle : kBig;
             Bytes const expected = Laid(other, sample.words);
             bool isWhole = document.tree.findings.empty();
             TOOL::Walk(document.tree, [&](TOOL::Node const& node, std::string const&, int) {
                 // Nothing but its class is written of an empty record, so it can be turned.
-                isWhole = isWhole && (node.length == 24 || (node.regular && node.kind !=
-                                                                                TOOL::Kind::kUnknownClass));
+                isWhole = isWhole &&
+                          (node.length == 24 || (node.regular && node.kind != TOOL::Kind::kUnknownClass));
             });
             if (!isWhole)
             {

@@ -11,7 +11,7 @@ namespace KORVA::TESTS
 {
 namespace
 {
-std::string Head(TOOL::Order order)
+std::string Head(Order order)
 {
     return std::string(R"({"schema":1,"format":"tessio-dump","order":")") +
            (order == kBig ? "big-endian" : "little-endian") + "\"";
@@ -31,7 +31,7 @@ class JsonOfRecord : public ::testing::TestWithParam<JsonRow>
 
 TEST_P(JsonOfRecord, SaysEveryByteAndGivesItBack)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         SCOPED_TRACE(TOOL::OrderName(order));
         Bytes const content = Laid(order, GetParam().words);
@@ -123,7 +123,7 @@ TEST(JsonDump, WhatIsLeftOverStandsBehindTheRecords)
 
 TEST(JsonDump, AndBackIsTheIdentityOnEveryFile)
 {
-    ForEachFile({0x01}, [](Bytes const& content, TOOL::Order order, std::string const& name) {
+    ForEachFile({0x01}, [](Bytes const& content, Order order, std::string const& name) {
         TOOL::RecordTree const tree = Read(order, content);
         std::string const document = TOOL::WriteJson(tree, content).dump(2);
         ASSERT_TRUE(TOOL::ReadJson(document, "JSON") == content) << name << "\n" << document;
@@ -132,7 +132,7 @@ TEST(JsonDump, AndBackIsTheIdentityOnEveryFile)
 
 TEST(JsonDump, LinesAndBackAreTheIdentityOnEveryFile)
 {
-    ForEachFile({0x80}, [](Bytes const& content, TOOL::Order order, std::string const& name) {
+    ForEachFile({0x80}, [](Bytes const& content, Order order, std::string const& name) {
         std::string const lines = TOOL::WriteJsonLines(Read(order, content), content);
         ASSERT_TRUE(TOOL::ReadJson(lines, "JSON") == content) << name << "\n" << lines;
     });
@@ -152,7 +152,7 @@ class JsonToRecord : public ::testing::TestWithParam<ReadRow>
 
 TEST_P(JsonToRecord, ComputesLengthsAndCounts)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
         EXPECT_EQ(ToHex(TOOL::ReadJson(Head(order) + ",\n\"records\": [" + GetParam().json + "]}", "JSON")),
                   ToHex(Laid(order, GetParam().words)))
             << TOOL::OrderName(order);
@@ -171,12 +171,10 @@ INSTANTIATE_TEST_SUITE_P(
                 "Value 24:8 'FL64 3:8 0x4008000000000000:8 0:4"},
         ReadRow{"UnitsOfAText", DICT_VALUE R"("type":"text","value":{"units":"0068 0069"}})",
                 "Value 16:8 'UNIC 4:4 =68006900 0:4"},
-        ReadRow{"NoUnits", DICT_VALUE R"("type":"text","value":{"units":""}})",
-                "Value 12:8 'UNIC 0:4 0:4"},
+        ReadRow{"NoUnits", DICT_VALUE R"("type":"text","value":{"units":""}})", "Value 12:8 'UNIC 0:4 0:4"},
         ReadRow{"EscapesOfJSON", DICT_VALUE R"("type":"text","value":"\u0068\ud83d\ude00"})",
                 "Value 18:8 'UNIC 6:4 =68003DD800DE 0:4"},
-        ReadRow{"OtherOrderOfMembers",
-                R"({"text":"a","classId":"{2517b49e-bce5-404c-8524-3a6ec3c3b633}"})",
+        ReadRow{"OtherOrderOfMembers", R"({"text":"a","classId":"{2517b49e-bce5-404c-8524-3a6ec3c3b633}"})",
                 "URI 10:8 2:4 \"a\" 0:4"},
         ReadRow{"PartsOfAnObject",
                 R"({"classId":"{00000009-0000-0000-0000-000000000000}","parts":[{"type":"int8","value":-1},)"
@@ -257,14 +255,14 @@ INSTANTIATE_TEST_SUITE_P(
         One("OutOfItsType", DICT_VALUE R"("type":"int8","value":128})", "128 is out of range for int8"),
         One("UnsignedBelowZero", DICT_VALUE R"("type":"uint8","value":-1})", "-1 is no uint8"),
         One("Fraction", DICT_VALUE R"("type":"int32","value":1.5})", "1.5 is no int32"),
-        One("DoubleThatIsAString", DICT_VALUE R"("type":"double","value":"1.5"})",
-            R"("1.5" is no number)"),
+        One("DoubleThatIsAString", DICT_VALUE R"("type":"double","value":"1.5"})", R"("1.5" is no number)"),
         One("ThreeFields", DICT_VALUE R"("type":"int32","fields":[1,2,3]})", R"("fields" are two numbers)"),
         One("UnitOfFiveDigits", DICT_VALUE R"("type":"text","value":{"units":"10000"}})",
             "units are hexadecimal numbers of four digits"),
         One("TextThatIsANumber", DICT_VALUE R"("type":"text","value":7})", R"(there is no "units" in 7)"),
-        One("UnknownPart", R"({"classId":"{00000009-0000-0000-0000-000000000000}",)"
-                           R"("parts":[{"type":"int7","value":1}]})",
+        One("UnknownPart",
+            R"({"classId":"{00000009-0000-0000-0000-000000000000}",)"
+            R"("parts":[{"type":"int7","value":1}]})",
             R"("int7" is no type of part)")),
     RowName());
 

@@ -12,7 +12,7 @@ namespace
 {
 using TOOL::LayoutRow;
 
-std::vector<LayoutRow> Rows(TOOL::Order order, Bytes const& content)
+std::vector<LayoutRow> Rows(Order order, Bytes const& content)
 {
     TOOL::DecodeOptions options;
     options.order = order;
@@ -53,7 +53,7 @@ class LayoutOfFile : public ::testing::TestWithParam<LayoutTableRow>
 
 TEST_P(LayoutOfFile, NamesEachStretch)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         SCOPED_TRACE(TOOL::OrderName(order));
         EXPECT_EQ(Lines(Rows(order, Laid(order, GetParam().words))), GetParam().lines);
@@ -64,8 +64,7 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, LayoutOfFile,
     ::testing::Values(
         LayoutTableRow{"Nothing", "", ""},
-        LayoutTableRow{"Dictionary",
-                       "Dict 60:8 1:4 1:4 Value 24:8 'S32V 7:8 0x401C000000000000:8 0:4 0:4",
+        LayoutTableRow{"Dictionary", "Dict 60:8 1:4 1:4 Value 24:8 'S32V 7:8 0x401C000000000000:8 0:4 0:4",
                        "/0 at 0, 84: PersistentDictionary, 1 entry\n"
                        "0 16 class: class {73E90CD5-BBC6-4326-8241-9BB4250B1B05} PersistentDictionary\n"
                        "16 8 length: length 60\n"
@@ -79,8 +78,7 @@ INSTANTIATE_TEST_SUITE_P(
                        "68 8 value: as a floating-point number 7\n"
                        "76 4 count: aggregates 0\n"
                        "80 4 count: aggregates 0\n"},
-        LayoutTableRow{"Bytes",
-                       "Value 14:8 'CHAR 2:4 =0A0B 0:4",
+        LayoutTableRow{"Bytes", "Value 14:8 'CHAR 2:4 =0A0B 0:4",
                        "/0 at 0, 38: DictValue bytes 0a 0b\n"
                        "0 16 class: class {73E90C21-BBC6-4326-8241-9BB4250B1B05} DictValue\n"
                        "16 8 length: length 14\n"
@@ -88,8 +86,7 @@ INSTANTIATE_TEST_SUITE_P(
                        "28 4 count: bytes of value 2\n"
                        "32 2 value: value 2 bytes\n"
                        "34 4 count: aggregates 0\n"},
-        LayoutTableRow{"Strings",
-                       "Strings 22:8 1:4 2:4 \"a\" 4:4 \"xy\" 0:4",
+        LayoutTableRow{"Strings", "Strings 22:8 1:4 2:4 \"a\" 4:4 \"xy\" 0:4",
                        "/0 at 0, 46: StringDictionary, 1 entry\n"
                        "0 16 class: class {CD210A56-284C-4B7C-813F-42ADDF774853} StringDictionary\n"
                        "16 8 length: length 22\n"
@@ -99,8 +96,7 @@ INSTANTIATE_TEST_SUITE_P(
                        "34 4 count: bytes of text 4\n"
                        "38 4 value: value \"xy\"\n"
                        "42 4 count: aggregates 0\n"},
-        LayoutTableRow{"RelativeURI",
-                       "Relative 34:8 8:4 \"file\" 0:4 0:4 2:4 \"a\" 3:4 0:4",
+        LayoutTableRow{"RelativeURI", "Relative 34:8 8:4 \"file\" 0:4 0:4 2:4 \"a\" 3:4 0:4",
                        "/0 at 0, 58: RelativeURI documents \"a\"\n"
                        "0 16 class: class {4E278406-081C-48E2-97C3-C6C6D87280ED} RelativeURI\n"
                        "16 8 length: length 34\n"
@@ -125,15 +121,13 @@ INSTANTIATE_TEST_SUITE_P(
                        "64 8 length: length 8\n"
                        "72 4 type: type none\n"
                        "76 4 count: aggregates 0\n"},
-        LayoutTableRow{"UnknownClass",
-                       "{76543210-BA98-4EDC-9F01-23456789ABCD} 2:8 =0102",
+        LayoutTableRow{"UnknownClass", "{76543210-BA98-4EDC-9F01-23456789ABCD} 2:8 =0102",
                        "/0 at 0, 26: unknown class {76543210-BA98-4EDC-9F01-23456789ABCD}, skipped\n"
                        "! nobody here knows its class\n"
                        "0 16 class: class {76543210-BA98-4EDC-9F01-23456789ABCD}\n"
                        "16 8 length: length 2\n"
                        "24 2 opaque: body of a class that is not known\n"},
-        LayoutTableRow{"UnexplainedInARecordAndBehindTheLast",
-                       "Value 10:8 'UNNT 0:4 =AABB =CCDDEE",
+        LayoutTableRow{"UnexplainedInARecordAndBehindTheLast", "Value 10:8 'UNNT 0:4 =AABB =CCDDEE",
                        "/0 at 0, 34: DictValue none\n"
                        "! 2 bytes at its end belong to nothing\n"
                        "0 16 class: class {73E90C21-BBC6-4326-8241-9BB4250B1B05} DictValue\n"
@@ -142,8 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
                        "28 4 count: aggregates 0\n"
                        "32 2 unexplained: unexplained\n"
                        "34 3 unexplained: unexplained\n"},
-        LayoutTableRow{"CutShort",
-                       "Value 12:8 'S32V 7:8",
+        LayoutTableRow{"CutShort", "Value 12:8 'S32V 7:8",
                        "/0 at 0, 36: DictValue int32\n"
                        "! a number needs 16 bytes, 8 are left\n"
                        "0 16 class: class {73E90C21-BBC6-4326-8241-9BB4250B1B05} DictValue\n"
@@ -163,7 +156,7 @@ TEST(Layout, LongTextsAreCut)
 
 TEST(Layout, CoversEveryByteOnce)
 {
-    ForEachFile({0x01, 0x80}, [](Bytes const& content, TOOL::Order order, std::string const& name) {
+    ForEachFile({0x01, 0x80}, [](Bytes const& content, Order order, std::string const& name) {
         int64 at = 0;
         for (LayoutRow const& row : Rows(order, content))
         {
@@ -179,7 +172,7 @@ TEST(Layout, CoversEveryByteOnce)
 
 TEST(Layout, ExplainsEveryByteOfWhatIsWhole)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
         for (char const* const words : {kEvery, "Dict 8:8 0:4 0:4"})
             for (LayoutRow const& row : Rows(order, Laid(order, words)))
                 EXPECT_FALSE(row.isUnexplained) << row.field.offset;

@@ -58,54 +58,46 @@ TEST_P(PathOfText, IsUnderstoodOrRefused)
 
 INSTANTIATE_TEST_SUITE_P(
     Understood, PathOfText,
-    ::testing::Values(
-        PathRow{"Top", "/0", "/0"},
-        PathRow{"LastTop", "/4294967295", "/4294967295"},
-        PathRow{"TopInHexadecimal", "/0x10", "/16"},
-        PathRow{"Key", "/0/dict[42]/dict[7]", "/0/dict[42]/dict[7]"},
-        PathRow{"BareKey", "/0/42/7", "/0/dict[42]/dict[7]"},
-        PathRow{"KeyInHexadecimal", "/0/dict[0xFF]/0x10", "/0/dict[255]/dict[16]"},
-        PathRow{"LastKey", "/0/dict[4294967295]", "/0/dict[4294967295]"},
-        PathRow{"Aggregate",
-                "/0/{11111111-2222-3333-4444-555555555555}",
-                "/0/{11111111-2222-3333-4444-555555555555}"},
-        PathRow{"AggregateInSmallLetters",
-                "/0/{abcdefab-cdef-abcd-efab-cdefabcdefab}",
-                "/0/{ABCDEFAB-CDEF-ABCD-EFAB-CDEFABCDEFAB}"},
-        PathRow{"Text", "/1/strings[\"NAME\"]", "/1/strings[\"NAME\"]"},
-        PathRow{"TextWithoutQuotes", "/1/strings[NAME]", "/1/strings[\"NAME\"]"},
-        PathRow{"EmptyText", "/1/strings[\"\"]", "/1/strings[\"\"]"},
-        PathRow{"TextWithBracket", "/1/strings[\"a]b\"]", "/1/strings[\"a]b\"]"},
-        PathRow{"TextWithSlash", "/1/strings[\"a/b\"]", "/1/strings[\"a/b\"]"},
-        PathRow{"TextWithEscapes",
-                R"(/1/strings["\"\\\n\t\u{7}\u{D800}"])",
-                R"(/1/strings["\"\\\n\t\u{7}\u{D800}"])"},
-        PathRow{"TextBeyondASCII", "/1/strings[\"Gr\xC3\xBC\xC3\x9F\xF0\x9F\x98\x80\"]",
-                "/1/strings[\"Gr\xC3\xBC\xC3\x9F\xF0\x9F\x98\x80\"]"},
-        PathRow{"Part", "/0/record[1]/dict[2]", "/0/record[1]/dict[2]"}),
+    ::testing::Values(PathRow{"Top", "/0", "/0"}, PathRow{"LastTop", "/4294967295", "/4294967295"},
+                      PathRow{"TopInHexadecimal", "/0x10", "/16"},
+                      PathRow{"Key", "/0/dict[42]/dict[7]", "/0/dict[42]/dict[7]"},
+                      PathRow{"BareKey", "/0/42/7", "/0/dict[42]/dict[7]"},
+                      PathRow{"KeyInHexadecimal", "/0/dict[0xFF]/0x10", "/0/dict[255]/dict[16]"},
+                      PathRow{"LastKey", "/0/dict[4294967295]", "/0/dict[4294967295]"},
+                      PathRow{"Aggregate", "/0/{11111111-2222-3333-4444-555555555555}",
+                              "/0/{11111111-2222-3333-4444-555555555555}"},
+                      PathRow{"AggregateInSmallLetters", "/0/{abcdefab-cdef-abcd-efab-cdefabcdefab}",
+                              "/0/{ABCDEFAB-CDEF-ABCD-EFAB-CDEFABCDEFAB}"},
+                      PathRow{"Text", "/1/strings[\"NAME\"]", "/1/strings[\"NAME\"]"},
+                      PathRow{"TextWithoutQuotes", "/1/strings[NAME]", "/1/strings[\"NAME\"]"},
+                      PathRow{"EmptyText", "/1/strings[\"\"]", "/1/strings[\"\"]"},
+                      PathRow{"TextWithBracket", "/1/strings[\"a]b\"]", "/1/strings[\"a]b\"]"},
+                      PathRow{"TextWithSlash", "/1/strings[\"a/b\"]", "/1/strings[\"a/b\"]"},
+                      PathRow{"TextWithEscapes", R"(/1/strings["\"\\\n\t\u{7}\u{D800}"])",
+                              R"(/1/strings["\"\\\n\t\u{7}\u{D800}"])"},
+                      PathRow{"TextBeyondASCII", "/1/strings[\"Gr\xC3\xBC\xC3\x9F\xF0\x9F\x98\x80\"]",
+                              "/1/strings[\"Gr\xC3\xBC\xC3\x9F\xF0\x9F\x98\x80\"]"},
+                      PathRow{"Part", "/0/record[1]/dict[2]", "/0/record[1]/dict[2]"}),
     RowName());
 
 INSTANTIATE_TEST_SUITE_P(
     Refused, PathOfText,
-    ::testing::Values(PathRow{"Nothing", "", nullptr}, PathRow{"OnlyASlash", "/", nullptr},
-                      PathRow{"NoSlash", "0", nullptr}, PathRow{"SlashAtTheEnd", "/0/", nullptr},
-                      PathRow{"TwoSlashes", "/0//1", nullptr}, PathRow{"NoNumberAtTheTop", "/a", nullptr},
-                      PathRow{"KeyAtTheTop", "/dict[1]", nullptr},
-                      PathRow{"NumberTooLarge", "/4294967296", nullptr},
-                      PathRow{"KeyTooLarge", "/0/dict[4294967296]", nullptr},
-                      PathRow{"KeyBelowZero", "/0/dict[-1]", nullptr},
-                      PathRow{"NoKey", "/0/dict[]", nullptr},
-                      PathRow{"OpenBracket", "/0/dict[1", nullptr},
-                      PathRow{"MoreBehindABracket", "/0/dict[1]2", nullptr},
-                      PathRow{"OpenQuote", "/0/strings[\"a]", nullptr},
-                      PathRow{"OpenTextBracket", "/0/strings[\"a\"", nullptr},
-                      PathRow{"UnknownEscape", R"(/0/strings["\x"])", nullptr},
-                      PathRow{"EmptyEscape", R"(/0/strings["\u{}"])", nullptr},
-                      PathRow{"OpenEscape", R"(/0/strings["\u{12"])", nullptr},
-                      PathRow{"NotUTF8", "/0/strings[\"\xFF\"]", nullptr},
-                      PathRow{"HalfAnIdentifier", "/0/{11111111-2222}", nullptr},
-                      PathRow{"BlankInFront", " /0", nullptr}, PathRow{"BlankBehind", "/0 ", nullptr},
-                      PathRow{"UnknownWord", "/0/entry[1]", nullptr}),
+    ::testing::Values(
+        PathRow{"Nothing", "", nullptr}, PathRow{"OnlyASlash", "/", nullptr},
+        PathRow{"NoSlash", "0", nullptr}, PathRow{"SlashAtTheEnd", "/0/", nullptr},
+        PathRow{"TwoSlashes", "/0//1", nullptr}, PathRow{"NoNumberAtTheTop", "/a", nullptr},
+        PathRow{"KeyAtTheTop", "/dict[1]", nullptr}, PathRow{"NumberTooLarge", "/4294967296", nullptr},
+        PathRow{"KeyTooLarge", "/0/dict[4294967296]", nullptr},
+        PathRow{"KeyBelowZero", "/0/dict[-1]", nullptr}, PathRow{"NoKey", "/0/dict[]", nullptr},
+        PathRow{"OpenBracket", "/0/dict[1", nullptr}, PathRow{"MoreBehindABracket", "/0/dict[1]2", nullptr},
+        PathRow{"OpenQuote", "/0/strings[\"a]", nullptr},
+        PathRow{"OpenTextBracket", "/0/strings[\"a\"", nullptr},
+        PathRow{"UnknownEscape", R"(/0/strings["\x"])", nullptr},
+        PathRow{"EmptyEscape", R"(/0/strings["\u{}"])", nullptr},
+        PathRow{"OpenEscape", R"(/0/strings["\u{12"])", nullptr},
+        PathRow{"NotUTF8", "/0/strings[\"\xFF\"]", nullptr},
+        PathRow{"HalfAnIdentifier", "/0/{11111111-2222}", nullptr}, PathRow{"BlankInFront", " /0", nullptr},
+        PathRow{"BlankBehind", "/0 ", nullptr}, PathRow{"UnknownWord", "/0/entry[1]", nullptr}),
     RowName());
 
 TEST(Path, WhatIsNoneEndsTheCommandAsWrongUsage)
@@ -130,7 +122,7 @@ class PathToNode : public ::testing::TestWithParam<PlaceRow>
 
 TEST_P(PathToNode, LeadsThereOrSaysHowFarItLeads)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         TOOL::RecordTree const tree = Read(order, Laid(order, kEvery));
         std::string const failure = FailureOf(
@@ -147,27 +139,17 @@ INSTANTIATE_TEST_SUITE_P(
         PlaceRow{"Aggregate", "/0/{11111111-2222-3333-4444-555555555555}", 276, ""},
         PlaceRow{"NoTop", "/4", -1, "1 \"FILE\" has no record 4; it has 4"},
         PlaceRow{"NoKey", "/0/6", -1, "1 \"FILE\" has nothing at /0/dict[6]: /0 holds no dict[6]"},
-        PlaceRow{"NoText",
-                 "/0/3/strings[b]",
-                 -1,
+        PlaceRow{"NoText", "/0/3/strings[b]", -1,
                  "1 \"FILE\" has nothing at /0/dict[3]/strings[\"b\"]: /0/dict[3] holds no strings[\"b\"]"},
-        PlaceRow{"NoAggregate",
-                 "/1/{11111111-2222-3333-4444-555555555555}",
-                 -1,
+        PlaceRow{"NoAggregate", "/1/{11111111-2222-3333-4444-555555555555}", -1,
                  "1 \"FILE\" has nothing at /1/{11111111-2222-3333-4444-555555555555}: /1 holds no "
                  "{11111111-2222-3333-4444-555555555555}"},
-        PlaceRow{"BelowWhatIsNotThere",
-                 "/0/9/1/2",
-                 -1,
+        PlaceRow{"BelowWhatIsNotThere", "/0/9/1/2", -1,
                  "1 \"FILE\" has nothing at /0/dict[9]/dict[1]/dict[2]: /0 holds no dict[9]"},
-        PlaceRow{"InAText",
-                 "/0/3/strings[a]/1",
-                 -1,
+        PlaceRow{"InAText", "/0/3/strings[a]/1", -1,
                  "1 \"FILE\" has nothing at /0/dict[3]/strings[\"a\"]/dict[1]: /0/dict[3]/strings[\"a\"] "
                  "holds no dict[1]"},
-        PlaceRow{"NoPath",
-                 "0",
-                 -1,
+        PlaceRow{"NoPath", "0", -1,
                  "2 \"0\" is no path; paths look like /0, /0/dict[42]/dict[7], /0/{GUID}, "
                  "/0/strings[\"NAME\"]"}),
     RowName());
@@ -196,7 +178,7 @@ TEST(Path, FindNodeTellsHowManyComponentsLeadSomewhere)
 
 TEST(Path, OfEveryNodeLeadsBackToIt)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
         for (Sample const& sample : Samples())
         {
             TOOL::RecordTree const tree = Read(order, Laid(order, sample.words));

@@ -1,7 +1,8 @@
 // Record files, laid out by hand, that many tests look at from their side.
 #pragma once
 
-#include "Tools/tessio/Records/Laid.h"
+#include "Records/Decoder.h"
+#include "Support/Laid.h"
 
 #include <string>
 #include <vector>
@@ -34,9 +35,6 @@ struct FindingRow
     std::vector<Noticed> findings;
 };
 
-/// One of each class, a class that nobody knows inside another record and beside it, an aggregate: 442 bytes.
-extern char const kEvery[];
-
 /// Findings of each kind.
 std::vector<FindingRow> const& Findings();
 
@@ -44,12 +42,15 @@ std::vector<FindingRow> const& Findings();
 /// value, oddities, and the files of `Findings`.
 std::vector<Sample> const& Samples();
 
+/// The tree of a file in that order, without limits.
+TOOL::RecordTree Read(Order order, Bytes const& content);
+
 /// The samples, every beginning of the file with one of each class, and that file with each byte changed, by
 /// each of `changes` in turn. `visit(content, order, name)`.
 template <class Visit>
 void ForEachFile(std::initializer_list<int> changes, Visit const& visit)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         for (Sample const& sample : Samples())
             visit(Laid(order, sample.words), order, std::string(sample.name));

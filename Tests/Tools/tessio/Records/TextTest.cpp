@@ -11,7 +11,7 @@ namespace KORVA::TESTS
 {
 namespace
 {
-std::string Head(TOOL::Order order)
+std::string Head(Order order)
 {
     return order == kBig ? "tessio-dump 1 big-endian\n" : "tessio-dump 1 little-endian\n";
 }
@@ -30,7 +30,7 @@ class TextOfFile : public ::testing::TestWithParam<TextRow>
 
 TEST_P(TextOfFile, SaysEveryByteAndGivesItBack)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
     {
         SCOPED_TRACE(TOOL::OrderName(order));
         Bytes const content = Laid(order, GetParam().words);
@@ -144,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Text, AndBackIsTheIdentityOnEveryFile)
 {
-    ForEachFile({0x01, 0x80, 0xFF}, [](Bytes const& content, TOOL::Order order, std::string const& name) {
+    ForEachFile({0x01, 0x80, 0xFF}, [](Bytes const& content, Order order, std::string const& name) {
         std::string const text = TOOL::WriteText(Read(order, content), content);
         ASSERT_TRUE(TOOL::ReadText(text, "TEXT") == content) << name << "\n" << text;
     });
@@ -163,7 +163,7 @@ class TextToFile : public ::testing::TestWithParam<ReadRow>
 
 TEST_P(TextToFile, ComputesLengthsAndCounts)
 {
-    for (TOOL::Order const order : kOrders)
+    for (Order const order : kOrders)
         EXPECT_EQ(ToHex(TOOL::ReadText(Head(order) + GetParam().text, "TEXT")),
                   ToHex(Laid(order, GetParam().words)))
             << TOOL::OrderName(order);
@@ -188,14 +188,15 @@ INSTANTIATE_TEST_SUITE_P(
         ReadRow{"KeysStayInTheirOrder", "PersistentDictionary { 2: none 1: none }",
                 "Dict 80:8 2:4 2:4 Value 8:8 'UNNT 0:4 1:4 Value 8:8 'UNNT 0:4 0:4"},
         ReadRow{"FloatsAreRounded", "float 0.1", "Value 24:8 'FL32 0:8 0x3FB99999A0000000:8 0:4"},
-        ReadRow{"PartsOfAnObject",
-                "object {00000009-0000-0000-0000-000000000000} { int8 -1 uint8 255 int16 -2 uint16 3 int32 -4 "
-                "uint32 5 int64 -6 uint64 7 bool true bool false float 0.5 double 1.5 float bits 0x7FC00001 "
-                "double bits 0x7FF8000000000001 string \"hi\" guid {00000001-0002-0003-0405-060708090A0B} "
-                "bytes { 0a } holds none }",
-                "{00000009-0000-0000-0000-000000000000} 117:8 =FF =FF -2:2 3:2 -4:4 5:4 -6:8 7:8 =01 =00 "
-                "0x3F000000:4 0x3FF8000000000000:8 0x7FC00001:4 0x7FF8000000000001:8 4:4 \"hi\" "
-                "{00000001-0002-0003-0405-060708090A0B} =0A Value 8:8 'UNNT 0:4 0:4"},
+        ReadRow{
+            "PartsOfAnObject",
+            "object {00000009-0000-0000-0000-000000000000} { int8 -1 uint8 255 int16 -2 uint16 3 int32 -4 "
+            "uint32 5 int64 -6 uint64 7 bool true bool false float 0.5 double 1.5 float bits 0x7FC00001 "
+            "double bits 0x7FF8000000000001 string \"hi\" guid {00000001-0002-0003-0405-060708090A0B} "
+            "bytes { 0a } holds none }",
+            "{00000009-0000-0000-0000-000000000000} 117:8 =FF =FF -2:2 3:2 -4:4 5:4 -6:8 7:8 =01 =00 "
+            "0x3F000000:4 0x3FF8000000000000:8 0x7FC00001:4 0x7FF8000000000001:8 4:4 \"hi\" "
+            "{00000001-0002-0003-0405-060708090A0B} =0A Value 8:8 'UNNT 0:4 0:4"},
         ReadRow{"AggregatesOfAnObject",
                 "object {00000009-0000-0000-0000-000000000000} {} with "
                 "{ {00000001-0000-0000-0000-000000000000}: none }",
@@ -231,14 +232,14 @@ TEST_P(TextError, NamesSourceLineAndReason)
 
 INSTANTIATE_TEST_SUITE_P(
     Heads, TextError,
-    ::testing::Values(
-        ErrorRow{"Nothing", "", "1: \"tessio-dump\" is expected, not the end"},
-        ErrorRow{"OtherText", "\n\nhello", "3: \"tessio-dump\" is expected, not hello"},
-        ErrorRow{"NoVersion", "tessio-dump", "1: the version of the format is expected, not the end"},
-        ErrorRow{"LaterVersion", "tessio-dump 2 big-endian",
-                 "1: only version 1 of the format is known, not 2"},
-        ErrorRow{"NoOrder", "tessio-dump 1\nnone",
-                 "2: \"little-endian\" or \"big-endian\" is expected, not none"}),
+    ::testing::Values(ErrorRow{"Nothing", "", "1: \"tessio-dump\" is expected, not the end"},
+                      ErrorRow{"OtherText", "\n\nhello", "3: \"tessio-dump\" is expected, not hello"},
+                      ErrorRow{"NoVersion", "tessio-dump",
+                               "1: the version of the format is expected, not the end"},
+                      ErrorRow{"LaterVersion", "tessio-dump 2 big-endian",
+                               "1: only version 1 of the format is known, not 2"},
+                      ErrorRow{"NoOrder", "tessio-dump 1\nnone",
+                               "2: \"little-endian\" or \"big-endian\" is expected, not none"}),
     RowName());
 
 // Each stands behind the head, on line 2 or later.
@@ -292,14 +293,12 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorRow{"NumberBeyondAll", "uint64 18446744073709551616",
                  "2: 18446744073709551616 is out of range for a whole number of the type"},
         ErrorRow{"NoNumber", "int32\n", "3: a whole number of the type is expected, not the end"},
-        ErrorRow{"FractionOfAWholeNumber", "int32 1.5",
-                 "2: a whole number of the type is expected, not 1.5"},
+        ErrorRow{"FractionOfAWholeNumber", "int32 1.5", "2: a whole number of the type is expected, not 1.5"},
         ErrorRow{"NoFloatingNumber", "double x", "2: a number is expected, not x"},
         ErrorRow{"FloatOutOfRange", "float 1e39", "2: 1e39 is out of range"},
         ErrorRow{"HalfAByte", "bytes { 0a 0 }", "2: half a byte is left over in 0"},
         ErrorRow{"NoBytes", "bytes { 0g }", "2: pairs of hexadecimal digits is expected, not 0g"},
-        ErrorRow{"OpenBytes", "bytes { 0a\n",
-                 "3: pairs of hexadecimal digits is expected, not the end"},
+        ErrorRow{"OpenBytes", "bytes { 0a\n", "3: pairs of hexadecimal digits is expected, not the end"},
         ErrorRow{"NoIdentifier", "guid 1", "2: an identifier is expected, not 1"},
         ErrorRow{"BrokenIdentifier", "guid {11111111-2222}", "2: an identifier is expected, not {"},
         ErrorRow{"NoClass", "record { 00 }", "2: a class id is expected, not {"},

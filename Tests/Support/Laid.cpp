@@ -1,4 +1,4 @@
-#include "Tools/tessio/Records/Laid.h"
+#include "Support/Laid.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -8,8 +8,6 @@ namespace KORVA::TESTS
 {
 namespace
 {
-using TOOL::Order;
-
 void PutNumber(Bytes& bytes, Order order, uint64 number, std::size_t size)
 {
     for (std::size_t i = 0; i < size; ++i)
@@ -96,10 +94,17 @@ Bytes Laid(Order order, std::string_view words)
     return bytes;
 }
 
-TOOL::RecordTree Read(Order order, Bytes const& content)
-{
-    TOOL::DecodeOptions options;
-    options.order = order;
-    return TOOL::Decode(content, options);
-}
+// By offset: the dictionary 0, its entries 32, 84, 128, 178 and 208, its aggregate 276, the URI 308, the
+// relative one 358, the last one 416.
+char const kEvery[] = R"(
+    Dict 284:8 5:4
+        1:4 Value 24:8 'S32V 7:8 0x401C000000000000:8 0:4
+        2:4 Value 16:8 'UNIC 4:4 =68006900 0:4
+        3:4 Strings 22:8 1:4 2:4 "a" 4:4 "xy" 0:4
+        4:4 {76543210-BA98-4EDC-9F01-23456789ABCD} 2:8 =0102
+        5:4 Value 24:8 'GUID =67452301AB89EF010123456789ABCDEF 0:4
+        1:4 {11111111-2222-3333-4444-555555555555} Value 8:8 'UNNT 0:4
+    URI 26:8 18:4 "file:///a" 0:4
+    Relative 34:8 8:4 "file" 0:4 0:4 2:4 "a" 3:4 0:4
+    {76543210-BA98-4EDC-9F01-23456789ABCD} 2:8 =0102)";
 } // namespace KORVA::TESTS

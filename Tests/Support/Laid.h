@@ -1,16 +1,18 @@
 // Record files laid out by hand, field by field, in either byte order.
 #pragma once
 
-#include "Records/Decoder.h"
 #include "Support/Bytes.h"
+#include "TessIO/IDataProvider.h"
 
 #include <string_view>
 
 namespace KORVA::TESTS
 {
-inline constexpr TOOL::Order kLittle = IO::IDataProvider::kLittleEndian;
-inline constexpr TOOL::Order kBig = IO::IDataProvider::kBigEndian;
-inline constexpr TOOL::Order kOrders[] = {kLittle, kBig};
+using Order = IO::IDataProvider::Endian;
+
+inline constexpr Order kLittle = IO::IDataProvider::kLittleEndian;
+inline constexpr Order kBig = IO::IDataProvider::kBigEndian;
+inline constexpr Order kOrders[] = {kLittle, kBig};
 
 /// Bytes from words with blanks between them; lengths and counts are whatever stands there.
 ///
@@ -20,8 +22,9 @@ inline constexpr TOOL::Order kOrders[] = {kLittle, kBig};
 ///     'S32V                               a type tag
 ///     "hi" ^D800^0041                     units of a text, plain or as hexadecimal numbers
 ///     =0A0B                               bytes as they are, whatever the order
-Bytes Laid(TOOL::Order order, std::string_view words);
+Bytes Laid(Order order, std::string_view words);
 
-/// The tree of a file in that order, without limits.
-TOOL::RecordTree Read(TOOL::Order order, Bytes const& content);
+/// A file with one of each class, a class that nobody knows inside another record and beside it, an
+/// aggregate: 442 bytes.
+extern char const kEvery[];
 } // namespace KORVA::TESTS
