@@ -17,12 +17,15 @@ std::string Head(Order order)
            (order == kBig ? "big-endian" : "little-endian") + "\"";
 }
 
+/// How the record of a value begins.
+std::string const kValue = R"({"class":"DictValue","classId":"{73E90C21-BBC6-4326-8241-9BB4250B1B05}",)";
+
 struct JsonRow
 {
     char const* name;
     char const* words;
     /// Of the one record.
-    char const* json;
+    std::string json;
 };
 
 class JsonOfRecord : public ::testing::TestWithParam<JsonRow>
@@ -45,38 +48,36 @@ TEST_P(JsonOfRecord, SaysEveryByteAndGivesItBack)
     }
 }
 
-#define DICT_VALUE "{\"class\":\"DictValue\",\"classId\":\"{73E90C21-BBC6-4326-8241-9BB4250B1B05}\","
-
 INSTANTIATE_TEST_SUITE_P(
     Values, JsonOfRecord,
     ::testing::Values(
         JsonRow{"Int8", "Value 24:8 'S8VL -128:8 0xC060000000000000:8 0:4",
-                DICT_VALUE R"("type":"int8","value":-128})"},
+                kValue + R"("type":"int8","value":-128})"},
         JsonRow{"UInt32", "Value 24:8 'U32V 4294967295:8 0x41EFFFFFFFE00000:8 0:4",
-                DICT_VALUE R"("type":"uint32","value":4294967295})"},
+                kValue + R"("type":"uint32","value":4294967295})"},
         JsonRow{"Int64", "Value 24:8 'S64V -9223372036854775808:8 0xC3E0000000000000:8 0:4",
-                DICT_VALUE R"("type":"int64","value":"-9223372036854775808"})"},
+                kValue + R"("type":"int64","value":"-9223372036854775808"})"},
         JsonRow{"UInt64", "Value 24:8 'U64V 18446744073709551615:8 0x43F0000000000000:8 0:4",
-                DICT_VALUE R"("type":"uint64","value":"18446744073709551615"})"},
+                kValue + R"("type":"uint64","value":"18446744073709551615"})"},
         JsonRow{"Double", "Value 24:8 'FL64 1:8 0x3FF8000000000000:8 0:4",
-                DICT_VALUE R"("type":"double","value":1.5})"},
+                kValue + R"("type":"double","value":1.5})"},
         JsonRow{"ZeroBelowZero", "Value 24:8 'FL64 0:8 0x8000000000000000:8 0:4",
-                DICT_VALUE R"("type":"double","value":-0.0})"},
+                kValue + R"("type":"double","value":-0.0})"},
         JsonRow{"Infinity", "Value 24:8 'FL32 0x8000000000000000:8 0xFFF0000000000000:8 0:4",
-                DICT_VALUE R"("type":"float","fields":["0x8000000000000000","0xFFF0000000000000"]})"},
+                kValue + R"("type":"float","fields":["0x8000000000000000","0xFFF0000000000000"]})"},
         JsonRow{"NotANumber", "Value 24:8 'FL64 0x8000000000000000:8 0x7FF8000000001234:8 0:4",
-                DICT_VALUE R"("type":"double","fields":["0x8000000000000000","0x7FF8000000001234"]})"},
+                kValue + R"("type":"double","fields":["0x8000000000000000","0x7FF8000000001234"]})"},
         JsonRow{"FieldsThatDiffer", "Value 24:8 'S32V 7:8 0x4020000000000000:8 0:4",
-                DICT_VALUE R"("type":"int32","fields":["0x7","0x4020000000000000"]})"},
-        JsonRow{"None", "Value 8:8 'UNNT 0:4", DICT_VALUE R"("type":"none"})"},
-        JsonRow{"UnknownTag", "Value 8:8 'ABCD 0:4", DICT_VALUE R"("type":"unknown","tag":"0x41424344"})"},
+                kValue + R"("type":"int32","fields":["0x7","0x4020000000000000"]})"},
+        JsonRow{"None", "Value 8:8 'UNNT 0:4", kValue + R"("type":"none"})"},
+        JsonRow{"UnknownTag", "Value 8:8 'ABCD 0:4", kValue + R"("type":"unknown","tag":"0x41424344"})"},
         JsonRow{"Guid", "Value 24:8 'GUID =67452301AB89EF010123456789ABCDEF 0:4",
-                DICT_VALUE R"("type":"guid","value":"{01234567-89AB-01EF-0123-456789ABCDEF}"})"},
-        JsonRow{"Bytes", "Value 14:8 'CHAR 2:4 =0A0B 0:4", DICT_VALUE R"("type":"bytes","value":"0a0b"})"},
+                kValue + R"("type":"guid","value":"{01234567-89AB-01EF-0123-456789ABCDEF}"})"},
+        JsonRow{"Bytes", "Value 14:8 'CHAR 2:4 =0A0B 0:4", kValue + R"("type":"bytes","value":"0a0b"})"},
         JsonRow{"Text", "Value 16:8 'UNIC 4:4 =FC00DF00 0:4",
-                DICT_VALUE "\"type\":\"text\",\"value\":\"\xC3\xBC\xC3\x9F\"}"},
+                kValue + "\"type\":\"text\",\"value\":\"\xC3\xBC\xC3\x9F\"}"},
         JsonRow{"HalvesOfSurrogates", "Value 18:8 'UNIC 6:4 =00D8410000DC 0:4",
-                DICT_VALUE R"("type":"text","value":{"units":"D800 0041 DC00"}})"}),
+                kValue + R"("type":"text","value":{"units":"D800 0041 DC00"}})"}),
     RowName());
 
 INSTANTIATE_TEST_SUITE_P(
@@ -84,7 +85,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         JsonRow{"Dictionary", "Dict 44:8 1:4 4294967295:4 Value 8:8 'UNNT 0:4 0:4",
                 R"({"class":"PersistentDictionary","classId":"{73E90CD5-BBC6-4326-8241-9BB4250B1B05}",)"
-                R"("entries":[{"key":4294967295,"record":)" DICT_VALUE R"("type":"none"}}]})"},
+                R"("entries":[{"key":4294967295,"record":)" +
+                    kValue + R"("type":"none"}}]})"},
         JsonRow{"SecondDictionaryId", "{73E90C1F-BBC6-4326-8241-9BB4250B1B05} 8:8 0:4 0:4",
                 R"({"class":"PersistentDictionary","classId":"{73E90C1F-BBC6-4326-8241-9BB4250B1B05}",)"
                 R"("entries":[]})"},
@@ -103,11 +105,10 @@ INSTANTIATE_TEST_SUITE_P(
         JsonRow{"WrongLength", "{00000009-0000-0000-0000-000000000000} -1:8 =0A",
                 R"({"class":null,"classId":"{00000009-0000-0000-0000-000000000000}","damage":)"
                 R"("its length is -1; the file leaves 1 bytes","length":"-1","body":"0a"})"},
-        JsonRow{"Aggregate",
-                "Value 56:8 'UNNT 1:4 {11111111-2222-3333-4444-555555555555} Value 8:8 'UNNT 0:4",
-                DICT_VALUE R"("type":"none","aggregates":[{"interface":)"
-                           R"("{11111111-2222-3333-4444-555555555555}","record":)" DICT_VALUE
-                           R"("type":"none"}}]})"}),
+        JsonRow{
+            "Aggregate", "Value 56:8 'UNNT 1:4 {11111111-2222-3333-4444-555555555555} Value 8:8 'UNNT 0:4",
+            kValue + R"("type":"none","aggregates":[{"interface":)" +
+                R"("{11111111-2222-3333-4444-555555555555}","record":)" + kValue + R"("type":"none"}}]})"}),
     RowName());
 
 TEST(JsonDump, WhatIsLeftOverStandsBehindTheRecords)
@@ -142,7 +143,7 @@ struct ReadRow
 {
     char const* name;
     /// Of the one record.
-    char const* json;
+    std::string json;
     char const* words;
 };
 
@@ -161,18 +162,18 @@ TEST_P(JsonToRecord, ComputesLengthsAndCounts)
 INSTANTIATE_TEST_SUITE_P(
     Rows, JsonToRecord,
     ::testing::Values(
-        ReadRow{"NumberAsAString", DICT_VALUE R"("type":"int32","value":"7"})",
+        ReadRow{"NumberAsAString", kValue + R"("type":"int32","value":"7"})",
                 "Value 24:8 'S32V 7:8 0x401C000000000000:8 0:4"},
-        ReadRow{"LargeNumberAsANumber", DICT_VALUE R"("type":"uint64","value":18446744073709551615})",
+        ReadRow{"LargeNumberAsANumber", kValue + R"("type":"uint64","value":18446744073709551615})",
                 "Value 24:8 'U64V -1:8 0x43F0000000000000:8 0:4"},
-        ReadRow{"HexadecimalNumber", DICT_VALUE R"("type":"uint16","value":"0x1F"})",
+        ReadRow{"HexadecimalNumber", kValue + R"("type":"uint16","value":"0x1F"})",
                 "Value 24:8 'U16V 31:8 0x403F000000000000:8 0:4"},
-        ReadRow{"WholeNumberAsADouble", DICT_VALUE R"("type":"double","value":3})",
+        ReadRow{"WholeNumberAsADouble", kValue + R"("type":"double","value":3})",
                 "Value 24:8 'FL64 3:8 0x4008000000000000:8 0:4"},
-        ReadRow{"UnitsOfAText", DICT_VALUE R"("type":"text","value":{"units":"0068 0069"}})",
+        ReadRow{"UnitsOfAText", kValue + R"("type":"text","value":{"units":"0068 0069"}})",
                 "Value 16:8 'UNIC 4:4 =68006900 0:4"},
-        ReadRow{"NoUnits", DICT_VALUE R"("type":"text","value":{"units":""}})", "Value 12:8 'UNIC 0:4 0:4"},
-        ReadRow{"EscapesOfJSON", DICT_VALUE R"("type":"text","value":"\u0068\ud83d\ude00"})",
+        ReadRow{"NoUnits", kValue + R"("type":"text","value":{"units":""}})", "Value 12:8 'UNIC 0:4 0:4"},
+        ReadRow{"EscapesOfJSON", kValue + R"("type":"text","value":"\u0068\ud83d\ude00"})",
                 "Value 18:8 'UNIC 6:4 =68003DD800DE 0:4"},
         ReadRow{"OtherOrderOfMembers", R"({"text":"a","classId":"{2517b49e-bce5-404c-8524-3a6ec3c3b633}"})",
                 "URI 10:8 2:4 \"a\" 0:4"},
@@ -185,8 +186,8 @@ INSTANTIATE_TEST_SUITE_P(
                 R"({"type":"float","value":"0x7FC00001"},{"type":"double","value":"0x7FF8000000000001"},)"
                 R"({"type":"string","value":"hi"},)"
                 R"({"type":"guid","value":"{00000001-0002-0003-0405-060708090A0B}"},)"
-                R"({"type":"bytes","value":"0a"},{"type":"record","record":)" DICT_VALUE
-                R"("type":"none"}}]})",
+                R"({"type":"bytes","value":"0a"},{"type":"record","record":)" +
+                    kValue + R"("type":"none"}}]})",
                 "{00000009-0000-0000-0000-000000000000} 117:8 =FF =FF -2:2 3:2 -4:4 5:4 -6:8 7:8 =01 =00 "
                 "0x3F000000:4 0x3FF8000000000000:8 0x7FC00001:4 0x7FF8000000000001:8 4:4 \"hi\" "
                 "{00000001-0002-0003-0405-060708090A0B} =0A Value 8:8 'UNNT 0:4 0:4"}),
@@ -251,15 +252,15 @@ INSTANTIATE_TEST_SUITE_P(
             "half a byte is left over"),
         One("NoBytes", R"({"classId":"{00000009-0000-0000-0000-000000000000}","body":"0g"})",
             "bytes are pairs of hexadecimal digits"),
-        One("UnknownType", DICT_VALUE R"("type":"int7","value":1})", R"("int7" is no type of value)"),
-        One("OutOfItsType", DICT_VALUE R"("type":"int8","value":128})", "128 is out of range for int8"),
-        One("UnsignedBelowZero", DICT_VALUE R"("type":"uint8","value":-1})", "-1 is no uint8"),
-        One("Fraction", DICT_VALUE R"("type":"int32","value":1.5})", "1.5 is no int32"),
-        One("DoubleThatIsAString", DICT_VALUE R"("type":"double","value":"1.5"})", R"("1.5" is no number)"),
-        One("ThreeFields", DICT_VALUE R"("type":"int32","fields":[1,2,3]})", R"("fields" are two numbers)"),
-        One("UnitOfFiveDigits", DICT_VALUE R"("type":"text","value":{"units":"10000"}})",
+        One("UnknownType", kValue + R"("type":"int7","value":1})", R"("int7" is no type of value)"),
+        One("OutOfItsType", kValue + R"("type":"int8","value":128})", "128 is out of range for int8"),
+        One("UnsignedBelowZero", kValue + R"("type":"uint8","value":-1})", "-1 is no uint8"),
+        One("Fraction", kValue + R"("type":"int32","value":1.5})", "1.5 is no int32"),
+        One("DoubleThatIsAString", kValue + R"("type":"double","value":"1.5"})", R"("1.5" is no number)"),
+        One("ThreeFields", kValue + R"("type":"int32","fields":[1,2,3]})", R"("fields" are two numbers)"),
+        One("UnitOfFiveDigits", kValue + R"("type":"text","value":{"units":"10000"}})",
             "units are hexadecimal numbers of four digits"),
-        One("TextThatIsANumber", DICT_VALUE R"("type":"text","value":7})", R"(there is no "units" in 7)"),
+        One("TextThatIsANumber", kValue + R"("type":"text","value":7})", R"(there is no "units" in 7)"),
         One("UnknownPart",
             R"({"classId":"{00000009-0000-0000-0000-000000000000}",)"
             R"("parts":[{"type":"int7","value":1}]})",
@@ -281,6 +282,5 @@ TEST(JsonDump, WhatIsNoJsonNamesSourceAndPlace)
         EXPECT_NE(words.find("line 2"), std::string::npos) << words;
     }
 }
-#undef DICT_VALUE
 } // namespace
 } // namespace KORVA::TESTS
