@@ -70,13 +70,27 @@ Json AsJson(std::vector<Difference> const& differences)
     return list;
 }
 
+/// A file that is not there is trouble, not a difference.
+Document Load(Session const& session, Common const& common, Source const& source)
+{
+    try
+    {
+        return LoadDocument(session, common, source);
+    }
+    catch (Failure const& failure)
+    {
+        throw Failure(failure.Code() == Exit::kNotFound ? Exit::kInputOutput : failure.Code(),
+                      failure.what());
+    }
+}
+
 void Run(Common const& common, Arguments const& arguments)
 {
     if (arguments.a.file == "-" && arguments.b == "-")
         throw Failure(Exit::kUsage, "only one of the files can be standard input");
     Session const session(common);
-    Document const a = LoadDocument(session, common, arguments.a);
-    Document const b = LoadDocument(session, common, {arguments.b, arguments.a.endian});
+    Document const a = Load(session, common, arguments.a);
+    Document const b = Load(session, common, {arguments.b, arguments.a.endian});
     std::vector<Difference> const differences =
         Compare({a.tree, a.content}, {b.tree, b.content}, arguments.subset);
     if (common.json)

@@ -5,6 +5,7 @@
 #include "Records/Document.h"
 #include "Records/JsonDump.h"
 #include "Records/Text.h"
+#include "Target.h"
 
 #include <memory>
 
@@ -21,6 +22,7 @@ struct Arguments
 
 void Dump(Common const& common, Arguments const& arguments)
 {
+    CheckOther(arguments.out, arguments.source.file);
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);
     std::string const format = common.json ? "json" : arguments.format;
@@ -36,8 +38,9 @@ void Dump(Common const& common, Arguments const& arguments)
 
 void Build(Common const& common, Arguments const& arguments)
 {
-    Session const session(common);
     std::string const& file = arguments.source.file;
+    CheckOther(arguments.out, file);
+    Session const session(common);
     Bytes const content = ReadInput(session, common, file);
     std::string_view const text(reinterpret_cast<char const*>(content.data()), content.size());
     std::size_t const start = text.find_first_not_of(" \t\r\n");

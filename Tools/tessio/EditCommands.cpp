@@ -45,7 +45,7 @@ Bytes RawContent(Node const& node, std::string const& path)
 }
 
 /// For one line; of a record that holds others one line for each of these.
-std::string ValueText(Node const& node)
+std::string ValueText(Document const& document, Node const& node)
 {
     switch (node.kind)
     {
@@ -60,6 +60,9 @@ std::string ValueText(Node const& node)
     case Kind::kStrings:
     case Kind::kObject: {
         std::string text;
+        for (Part const& part : node.parts)
+            if (part.type != "record")
+                text += part.type + " " + ShownPart(document.content, part, document.tree.order) + "\n";
         for (auto const* const nodes : {&node.entries, &node.aggregates})
             for (Node const& child : *nodes)
                 text += Styled(Style::kKey, Segment(child.label)) + " " + Summary(child) + "\n";
@@ -83,9 +86,9 @@ void Get(Common const& common, Arguments const& arguments)
     if (arguments.raw)
         WriteOutput(session, "-", RawContent(node, arguments.path));
     else if (common.json)
-        PrintJson({{"entry", ToJson(node, arguments.path)}});
+        PrintJson({{"entry", ToJson(node, PathText(PathArgument(arguments.path)))}});
     else
-        Print(ValueText(node));
+        Print(ValueText(document, node));
 }
 
 /// The one record in a file, to be put into another.
@@ -134,6 +137,7 @@ void Convert(Common const& common, Arguments const& arguments)
 
 void Extract(Common const& common, Arguments const& arguments)
 {
+    CheckOther(arguments.target.out, arguments.source.file);
     static_cast<void>(PathArgument(arguments.path));
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);

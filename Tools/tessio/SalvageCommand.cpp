@@ -4,11 +4,11 @@
 #include "Output.h"
 #include "Records/Document.h"
 #include "Records/Salvage.h"
+#include "Target.h"
 
 #include <fmt/format.h>
 
 #include <array>
-#include <filesystem>
 #include <memory>
 
 namespace TOOL
@@ -73,20 +73,14 @@ Json ReportJson(Salvaged const& salvaged, std::string const& file, std::string c
     return {{"file", file}, {"result", out}, {"size", size}, {"bytes", totals}, {"fates", fates}};
 }
 
-/// The damaged file may be all that is left.
-void CheckNotItself(std::string const& out, std::string const& file)
-{
-    std::error_code error;
-    if (out != "-" && std::filesystem::equivalent(out, file, error))
-        throw Failure(Exit::kUsage, Quoted(out) + " is the damaged file itself: it is never written to");
-}
-
 void Run(Common const& common, Arguments const& arguments)
 {
     std::string const& file = arguments.source.file;
-    CheckNotItself(arguments.out, file);
-    if (!arguments.report.empty())
-        CheckNotItself(arguments.report, file);
+    // The damaged file may be all that is left.
+    CheckOther(arguments.out, file);
+    CheckOther(arguments.report, file);
+    if (arguments.report == arguments.out && arguments.out != "-")
+        throw Failure(Exit::kUsage, "result and report can't both be " + Quoted(arguments.out));
     if (arguments.out == "-" && (arguments.report.empty() || arguments.report == "-"))
         throw Failure(Exit::kUsage,
                       "only one of result and report can go to standard output: name a file with --report");

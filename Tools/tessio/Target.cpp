@@ -3,6 +3,8 @@
 #include "Failure.h"
 #include "Location.h"
 #include "Output.h"
+#include "SafeTarget.h"
+#include "TessIO/FilePaths.h"
 
 #include <filesystem>
 
@@ -30,11 +32,35 @@ void CheckTarget(Target const& target, std::string const& file)
                                         Quoted(file + "~"));
 }
 
+void CheckOther(std::string const& out, std::string const& file)
+{
+    std::error_code error;
+    if (out != "-" && std::filesystem::equivalent(out, file, error))
+        throw Failure(Exit::kUsage, Quoted(out) + " is the file itself, which is only read");
+}
+
+namespace
+{
+/// Like the file, for whom it is for.
+void KeepBackup(Session const& session, Document const& document)
+{
+    KORVA::IO::IURIPtr const uri = URIOf(session, document.file);
+    std::filesystem::path path;
+    if (KORVA::IO::FilePathOf(*uri, path) != KORVA::kNoError)
+        throw Failure(Exit::kUsage, Quoted(document.file) + " can't be changed in place");
+    KORVA::uint64 modified = 0;
+    static_cast<void>(FileOf(session, document.file)->GetModificationDate(modified));
+    SafeTarget backup(session, path.string() + "~", "cannot keep " + Quoted(document.file + "~"));
+    ReplaceContent(session, backup.Temporary(), document.content);
+    backup.Commit(std::filesystem::status(path).permissions(), modified);
+}
+} // namespace
+
 void WriteTarget(Session const& session, Target const& target, Document const& document, Bytes const& content)
 {
     if (!target.inPlace)
         return WriteOutput(session, target.out, content);
-    ReplaceContent(session, document.file + "~", document.content);
+    KeepBackup(session, document);
     if (ReadWhole(*OpenToRead(session, document.file), document.file) != document.content)
         throw Failure(Exit::kInputOutput,
                       Quoted(document.file) +

@@ -22,6 +22,9 @@ void AddTarget(CLI::App& command, Target& target);
 /// Ends the command unless it is said where the result of changing `file` goes.
 void CheckTarget(Target const& target, std::string const& file);
 
+/// Ends the command when the output is a file that is read.
+void CheckOther(std::string const& out, std::string const& file);
+
 /// Writes the result. In place, the file must still be what was read, and "FILE~" keeps it.
 void WriteTarget(Session const& session, Target const& target, Document const& document,
                  Bytes const& content);

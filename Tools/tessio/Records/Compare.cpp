@@ -77,7 +77,7 @@ bool Comparison::SameThemselves(Node const& a, Node const& b) const
     if (a.kind != b.kind || a.classId != b.classId)
         return false;
     // What could not be read is the same only byte for byte.
-    if (a.kind == Kind::kUnknownClass || (a.regular != b.regular && a.kind != Kind::kStringEntry))
+    if (a.kind == Kind::kUnknownClass || !a.regular || !b.regular)
         return SameBytes(a, b);
     switch (a.kind)
     {

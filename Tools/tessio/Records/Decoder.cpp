@@ -49,6 +49,7 @@ private:
     void Body(Node& node, int64 end, int depth);
     void Dictionary(Node& node, int64 end, int depth);
     void Strings(Node& node, int64 end);
+    void CheckOrder(Node& node, Node const& entry, std::set<CoreString>& seen);
     void Relative(Node& node, int64 end);
     void PlainValue(Node& node, int64 end);
     void Number(Value& value, int64 end);
@@ -306,8 +307,27 @@ void Decoder::Dictionary(Node& node, int64 end, int depth)
     }
 }
 
+/// As long as keys ascend, none can be there twice; from then on all of them are kept in `seen`.
+void Decoder::CheckOrder(Node& node, Node const& entry, std::set<CoreString>& seen)
+{
+    CoreString const& key = entry.label.text;
+    if (!node.entries.empty() && seen.empty() && !(node.entries.back().label.text < key))
+        for (Node const& before : node.entries)
+            seen.insert(before.label.text);
+    if (seen.empty())
+        return;
+    CoreString const& before = node.entries.back().label.text;
+    if (!seen.insert(key).second)
+        Note(node, Severity::kWarning, "key-twice", entry.offset,
+             fmt::format("the key {} is there twice; the last one counts", Quoted(key)));
+    else if (key < before)
+        Note(node, Severity::kWarning, "keys-not-ascending", entry.offset,
+             fmt::format("the key {} stands behind {}", Quoted(key), Quoted(before)));
+}
+
 void Decoder::Strings(Node& node, int64 end)
 {
+    std::set<CoreString> seen;
     int64 const at = mPosition;
     auto const count = Read<uint32>(end, Role::kCount, "entries", "the number of entries");
     for (uint32 i = 0; i < count; ++i)
@@ -323,16 +343,7 @@ void Decoder::Strings(Node& node, int64 end)
         entry.label.text = ReadString(node, end, Role::kKey, "key");
         entry.text = ReadString(node, end, Role::kValue, "value");
         entry.length = mPosition - entry.offset;
-        if (!node.entries.empty())
-        {
-            CoreString const& before = node.entries.back().label.text;
-            if (entry.label.text == before)
-                Note(node, Severity::kWarning, "key-twice", entry.offset,
-                     fmt::format("the key {} is there twice; the last one counts", Quoted(before)));
-            else if (entry.label.text < before)
-                Note(node, Severity::kWarning, "keys-not-ascending", entry.offset,
-                     fmt::format("the key {} stands behind {}", Quoted(entry.label.text), Quoted(before)));
-        }
+        CheckOrder(node, entry, seen);
         node.entries.push_back(std::move(entry));
     }
 }
@@ -385,7 +396,9 @@ void Decoder::PlainValue(Node& node, int64 end)
         if (!IsPlainNumber(value))
             Note(node, Severity::kWarning, "number-fields-differ", at + 4,
                  fmt::format("as a whole number it is {}, as a floating-point number {}",
-                             static_cast<int64>(value.integer), std::bit_cast<double>(value.floating)));
+                             value.type.starts_with('u') ? std::to_string(value.integer)
+                                                         : std::to_string(static_cast<int64>(value.integer)),
+                             std::bit_cast<double>(value.floating)));
     }
 }
 

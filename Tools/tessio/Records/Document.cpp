@@ -107,7 +107,14 @@ Document LoadDocument(Session const& session, Common const& common, Source const
     options.classes = &classes;
     Progress progress("reading " + Quoted(source.file), static_cast<int64>(document.content.size()));
     options.progress = &progress;
-    document.tree = Decode(document.content, options);
+    try
+    {
+        document.tree = Decode(document.content, options);
+    }
+    catch (Failure const& failure)
+    {
+        throw Failure(failure.Code(), Quoted(source.file) + ": " + failure.what());
+    }
     return document;
 }
 

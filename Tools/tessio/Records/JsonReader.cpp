@@ -24,17 +24,36 @@ struct Unfit
     std::string why;
 };
 
+/// For messages: a value, or what holds values by its type alone, for it may be deep.
+std::string ShownBriefly(Json const& json)
+{
+    constexpr std::size_t kShown = 60;
+    return json.is_structured() ? std::string("an ") + json.type_name()
+                                : Escaped(json.dump().substr(0, kShown));
+}
+
+/// Ends reading where a document is nested deeper than records can be.
+Json ParseJson(std::string_view text)
+{
+    static constexpr int kDeepestJson = 3 * kDeepest + 100;
+    return Json::parse(text, [](int depth, Json::parse_event_t, Json const&) {
+        if (depth > kDeepestJson)
+            throw Unfit{fmt::format("it is nested more than {} deep", kDeepestJson)};
+        return true;
+    });
+}
+
 Json const& Member(Json const& json, char const* name)
 {
     if (!json.is_object() || !json.contains(name))
-        throw Unfit{fmt::format("there is no \"{}\" in {}", name, Escaped(json.dump().substr(0, 60)))};
+        throw Unfit{fmt::format("there is no \"{}\" in {}", name, ShownBriefly(json))};
     return json.at(name);
 }
 
 std::string const& String(Json const& json, char const* what)
 {
     if (!json.is_string())
-        throw Unfit{fmt::format("{} should be a string, not {}", what, Escaped(json.dump().substr(0, 60)))};
+        throw Unfit{fmt::format("{} should be a string, not {}", what, ShownBriefly(json))};
     return json.get_ref<std::string const&>();
 }
 
@@ -50,7 +69,9 @@ Json const& List(Json const& json, char const* name)
 template <class Number>
 Number Whole(Json const& json, char const* what)
 {
-    std::string const text = json.is_string() ? json.get<std::string>() : json.dump();
+    std::string const text = json.is_string()       ? json.get<std::string>()
+                             : json.is_structured() ? std::string()
+                                                    : json.dump();
     std::string_view digits = text;
     int base = 10;
     if (digits.starts_with("0x"))
@@ -68,7 +89,7 @@ Number Whole(Json const& json, char const* what)
 double Floating(Json const& json)
 {
     if (!json.is_number())
-        throw Unfit{fmt::format("{} is no number", Escaped(json.dump().substr(0, 60)))};
+        throw Unfit{fmt::format("{} is no number", ShownBriefly(json))};
     return json.get<double>();
 }
 
@@ -76,7 +97,7 @@ GUID Id(Json const& json)
 {
     if (auto const id = GUIDFromText(String(json, "an identifier")))
         return *id;
-    throw Unfit{Escaped(json.dump().substr(0, 60)) + " is no identifier"};
+    throw Unfit{ShownBriefly(json) + " is no identifier"};
 }
 
 Bytes Hex(Json const& json)
@@ -104,7 +125,7 @@ CoreString Text(Json const& json)
         std::string_view const digits = units.substr(0, units.find(' '));
         if (std::from_chars(digits.data(), digits.data() + digits.size(), unit, 16).ptr !=
                 digits.data() + digits.size() ||
-            unit > 0xFFFF)
+            digits.size() != 4)
             throw Unfit{"units are hexadecimal numbers of four digits"};
         text.push_back(static_cast<char16_t>(unit));
         units.remove_prefix(std::min(units.size(), digits.size() + 1));
@@ -150,7 +171,7 @@ void Reader::Number(Json const& json, std::string const& type)
                                                      : static_cast<uint64>(Whole<int64>(value, type.c_str()));
         fields = FieldsOfWhole(type, integer);
         if (fields.integer != integer)
-            throw Unfit{fmt::format("{} is out of range for {}", Escaped(value.dump()), type)};
+            throw Unfit{fmt::format("{} is out of range for {}", ShownBriefly(value), type)};
     }
     mWriter.Put(fields.integer);
     mWriter.Put(fields.floating);
@@ -303,7 +324,7 @@ Order ReadHead(Json const& head)
     if (Member(head, "format") != "tessio-dump")
         throw Unfit{"\"format\" should be \"tessio-dump\""};
     if (Member(head, "schema") != 1)
-        throw Unfit{fmt::format("only schema 1 is known, not {}", Escaped(head["schema"].dump()))};
+        throw Unfit{fmt::format("only schema 1 is known, not {}", ShownBriefly(head["schema"]))};
     std::string const& order = String(Member(head, "order"), "\"order\"");
     if (order != "little-endian" && order != "big-endian")
         throw Unfit{Quoted(order) + " is no byte order"};
@@ -330,7 +351,7 @@ Bytes ReadLines(Json const& head, std::string_view lines)
         lines.remove_prefix(end == std::string_view::npos ? lines.size() : end + 1);
         if (line.empty())
             continue;
-        Json const json = Json::parse(line);
+        Json const json = ParseJson(line);
         if (json.is_object() && json.contains("rest"))
             reader.Rest(json["rest"]);
         else
@@ -346,10 +367,11 @@ Bytes ReadJson(std::string_view text, std::string const& source)
     {
         // Lines begin with a head that is complete on its own.
         std::size_t const end = std::min(text.find('\n'), text.size());
-        Json const first = Json::parse(text.substr(0, end), nullptr, false);
+        std::string_view const line = text.substr(0, end);
+        Json const first = Json::accept(line) ? ParseJson(line) : Json();
         if (first.is_object() && !first.contains("records"))
             return ReadLines(first, text.substr(std::min(end + 1, text.size())));
-        return ReadDocument(first.is_object() ? first : Json::parse(text));
+        return ReadDocument(first.is_object() ? first : ParseJson(text));
     }
     catch (Unfit const& unfit)
     {

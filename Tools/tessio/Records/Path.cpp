@@ -18,10 +18,15 @@ using STRING::CoreString;
 std::optional<uint32> NumberOf(std::string_view text)
 {
     int base = 10;
-    if (text.starts_with("0x") || text.starts_with("0X"))
+    if (text.size() > 2 && text.front() == '0')
     {
-        base = 16;
-        text.remove_prefix(2);
+        char const mark = text[1];
+        base = mark == 'x' || mark == 'X'   ? 16
+               : mark == 'o' || mark == 'O' ? 8
+               : mark == 'b' || mark == 'B' ? 2
+                                            : 10;
+        if (base != 10)
+            text.remove_prefix(2);
     }
     uint32 number = 0;
     auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);

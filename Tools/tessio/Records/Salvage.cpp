@@ -35,11 +35,12 @@ std::optional<int64> Salvager::EndByLength(int64 offset, int64 limit) const
     return offset + kHeader + length;
 }
 
-/// Every record but an empty one has at least the count of its aggregates.
+/// Bytes that are all zeros look like an empty record and are none.
 std::optional<int64> Salvager::EndOfUnknown(int64 offset, int64 limit) const
 {
     auto const end = EndByLength(offset, limit);
-    bool const fits = end && *end - offset >= kHeader + 4 && !mFinds.AnyAt(offset) && !mFinds.IsInside(*end);
+    bool const fits = end && LoadId(mContent.data() + offset, mOrder) != GUID{} && !mFinds.AnyAt(offset) &&
+                      !mFinds.IsInside(*end);
     return fits ? end : std::nullopt;
 }
 
@@ -81,7 +82,7 @@ void Salvager::Unknown(int64 from, int64 to)
     // From the back: where records begin that lead exactly to `to`.
     std::set<int64> leads{to};
     int64 first = to;
-    for (int64 at = to - kHeader - 4; at >= from; --at)
+    for (int64 at = to - kHeader; at >= from; --at)
     {
         auto const end = EndOfUnknown(at, to);
         if (end && leads.contains(*end) && (at == from || LooksLikeId(LoadId(mContent.data() + at, mOrder))))
