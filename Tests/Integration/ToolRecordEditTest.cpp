@@ -320,9 +320,9 @@ TEST_F(ToolRecordSalvage, NeverTouchesItsSource)
     for (char const* const itself : {"f", "./f", "link", "second"})
     {
         Fails({"salvage", "f", "-o", itself}, 2,
-              "tessio: \"" + std::string(itself) + "\" is the damaged file itself: it is never written to\n");
+              "tessio: \"" + std::string(itself) + "\" is the file itself, which is only read\n");
         Fails({"salvage", "f", "-o", "x", "--report", itself}, 2,
-              "tessio: \"" + std::string(itself) + "\" is the damaged file itself: it is never written to\n");
+              "tessio: \"" + std::string(itself) + "\" is the file itself, which is only read\n");
     }
     struct stat after
     {

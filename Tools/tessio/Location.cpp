@@ -224,7 +224,7 @@ std::vector<unsigned char> ReadWhole(IDataProviderStream& stream, std::string co
 }
 
 void ReplaceContent(Session const& session, std::string const& location,
-                    std::vector<unsigned char> const& content)
+                    std::vector<unsigned char> const& content, std::string const& shown)
 {
     auto const file = session.Create<FILE_SYS::IFile>(FILE_SYS::IID_IFILE);
     FILE_SYS::ErrCode status = FILE_SYS::kNotFound;
@@ -242,7 +242,7 @@ void ReplaceContent(Session const& session, std::string const& location,
     }
     if (status == FILE_SYS::kDone)
         return;
-    throw Failure(Exit::kInputOutput,
-                  "cannot write " + Quoted(location) + ": " + ReasonOf(status) + "; nothing is changed");
+    throw Failure(Exit::kInputOutput, "cannot write " + Quoted(shown.empty() ? location : shown) + ": " +
+                                          ReasonOf(status) + "; nothing is changed");
 }
 } // namespace TOOL

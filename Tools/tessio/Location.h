@@ -42,6 +42,7 @@ std::vector<unsigned char> ReadWhole(KORVA::IO::IDataProviderStream& stream, std
 std::string ReasonOf(KORVA::FILE_SYS::ErrCode status);
 
 /// Makes the bytes the file's whole content, at once and safely.
+/// `shown` is its name in messages; the location when it is empty.
 void ReplaceContent(Session const& session, std::string const& location,
-                    std::vector<unsigned char> const& content);
+                    std::vector<unsigned char> const& content, std::string const& shown = {});
 } // namespace TOOL

@@ -51,7 +51,7 @@ void KeepBackup(Session const& session, Document const& document)
     KORVA::uint64 modified = 0;
     static_cast<void>(FileOf(session, document.file)->GetModificationDate(modified));
     SafeTarget backup(session, path.string() + "~", "cannot keep " + Quoted(document.file + "~"));
-    ReplaceContent(session, backup.Temporary(), document.content);
+    ReplaceContent(session, backup.Temporary(), document.content, document.file + "~");
     backup.Commit(std::filesystem::status(path).permissions(), modified);
 }
 } // namespace

@@ -24,12 +24,11 @@ struct Unfit
     std::string why;
 };
 
-/// For messages: a value, or what holds values by its type alone, for it may be deep.
+/// For messages: the beginning of it.
 std::string ShownBriefly(Json const& json)
 {
     constexpr std::size_t kShown = 60;
-    return json.is_structured() ? std::string("an ") + json.type_name()
-                                : Escaped(json.dump().substr(0, kShown));
+    return Escaped(json.dump().substr(0, kShown));
 }
 
 /// Ends reading where a document is nested deeper than records can be.

@@ -257,7 +257,7 @@ constexpr int64 kAny = 1000000;
 INSTANTIATE_TEST_SUITE_P(
     Rows, DecoderLimit,
     ::testing::Values(
-        LimitRow{"All", {.depth = 2, .count = 10, .bytes = 442}, ""},
+        LimitRow{"All", {.depth = 2, .count = 12, .bytes = 442}, ""},
         LimitRow{"Depth",
                  {.depth = 1, .count = kAny, .bytes = kAny},
                  "the record at offset 32 is nested more than 1 deep"},
@@ -266,7 +266,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "the record at offset 0 is nested more than 0 deep"},
         LimitRow{"Count",
                  {.depth = kAny, .count = 9, .bytes = kAny},
-                 "more than 9 records: the record at offset 416 is one too many"},
+                 "more than 9 records: the record at offset 358 is one too many"},
         LimitRow{"NoRecord",
                  {.depth = kAny, .count = 0, .bytes = kAny},
                  "more than 0 records: the record at offset 0 is one too many"},
