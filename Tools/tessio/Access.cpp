@@ -7,6 +7,7 @@
 #include "TessIO/IURIAuthenticationChallenge.h"
 #include "TessIO/ResultCodes.h"
 
+#include <CLI/CLI.hpp>
 #include <fcntl.h>
 #include <poll.h>
 #include <string.h>

@@ -1,7 +1,7 @@
 // The commands: each adds itself, with its help, to the command line and runs when it is chosen.
 #pragma once
 
-#include "Records/Limits.h"
+#include "Common.h"
 
 #include <CLI/CLI.hpp>
 
@@ -10,19 +10,6 @@
 
 namespace TOOL
 {
-/// What every command is told.
-struct Common
-{
-    bool verbose = false;
-    bool json = false;
-    /// Files of the plug-ins to load.
-    std::vector<std::string> plugIns;
-    Limits limits;
-    /// As they are on the command line.
-    std::string colour = "auto";
-    std::vector<std::string> limitTexts;
-};
-
 /// Ends the command for a bound that is none.
 Limits LimitsOf(std::vector<std::string> const& texts);
 

@@ -10,6 +10,7 @@
 #include "Values.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <memory>
 

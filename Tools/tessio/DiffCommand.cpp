@@ -6,6 +6,7 @@
 #include "Records/Document.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <memory>
 

@@ -6,6 +6,7 @@
 #include "Session.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <memory>

@@ -7,6 +7,8 @@
 #include "Records/Text.h"
 #include "Target.h"
 
+#include <nlohmann/json.hpp>
+
 #include <memory>
 
 namespace TOOL

@@ -1,6 +1,7 @@
 // tessio get, set, convert and extract: single places of record files.
 #include "EditCommands.h"
 
+#include "Commands.h"
 #include "Directories.h"
 #include "Failure.h"
 #include "Output.h"
@@ -10,7 +11,9 @@
 #include "Target.h"
 #include "Values.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // What other commands share with those that edit record files.
 #pragma once
 
-#include "Commands.h"
+#include "Common.h"
 #include "Target.h"
 
 #include <string>

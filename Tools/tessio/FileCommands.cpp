@@ -9,6 +9,7 @@
 #include "TessIO/ResultCodes.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <chrono>
 #include <filesystem>

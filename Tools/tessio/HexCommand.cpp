@@ -8,6 +8,7 @@
 #include "Records/PlugInClasses.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <charconv>

@@ -3,6 +3,7 @@
 #include "Failure.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <unistd.h>
 

@@ -3,7 +3,7 @@
 
 #include "CoreString/CoreString.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <string>
 #include <string_view>

@@ -7,6 +7,7 @@
 #include "Target.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <array>
 #include <memory>

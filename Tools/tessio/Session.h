@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Access.h"
-#include "Commands.h"
+#include "Common.h"
 #include "CoreRegistry/CoreRegistry.h"
 #include "Host/Host.h"
 #include "Logger/KLoggerLibInterface.h"

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace TOOL
 {

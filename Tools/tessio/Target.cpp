@@ -6,6 +6,7 @@
 #include "SafeTarget.h"
 #include "TessIO/FilePaths.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 
 namespace TOOL

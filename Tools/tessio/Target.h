@@ -1,11 +1,16 @@
 // Where the result of a change goes.
 #pragma once
 
-#include "Commands.h"
+#include "Common.h"
 #include "Records/Document.h"
 #include "Session.h"
 
 #include <string>
+
+namespace CLI
+{
+class App;
+}
 
 namespace TOOL
 {

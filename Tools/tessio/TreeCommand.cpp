@@ -9,6 +9,7 @@
 #include "Records/Summary.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <memory>
 

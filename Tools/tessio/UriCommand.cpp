@@ -8,6 +8,7 @@
 #include "TessIO/ClassIds.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <memory>

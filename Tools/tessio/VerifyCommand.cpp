@@ -9,6 +9,7 @@
 #include "Records/PlugInClasses.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <array>
 #include <map>

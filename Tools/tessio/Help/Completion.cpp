@@ -1,5 +1,6 @@
 #include "Help/Documents.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "Help/Documents.h"
 #include "Output.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <memory>

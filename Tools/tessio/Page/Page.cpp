@@ -6,7 +6,9 @@
 #include "Records/Json.h"
 #include "Records/PlugInClasses.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace TOOL
 {

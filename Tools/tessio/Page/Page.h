@@ -6,6 +6,11 @@
 
 #include <string>
 
+namespace CLI
+{
+class App;
+}
+
 namespace TOOL
 {
 /// The largest file that a page takes, in bytes.

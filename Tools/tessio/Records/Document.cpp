@@ -5,6 +5,7 @@
 #include "Output.h"
 #include "Records/PlugInClasses.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>

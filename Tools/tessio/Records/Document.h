@@ -1,12 +1,17 @@
 // A record file as a command gets it.
 #pragma once
 
-#include "Commands.h"
+#include "Common.h"
 #include "Records/Decoder.h"
 #include "Session.h"
 
 #include <optional>
 #include <string>
+
+namespace CLI
+{
+class App;
+}
 
 namespace TOOL
 {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <nlohmann/json.hpp>
 
 namespace TOOL
 {

@@ -6,6 +6,7 @@
 #include "TessIO/ClassIds.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <bit>
 #include <charconv>

@@ -3,6 +3,7 @@
 #include "Records/JsonDump.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <bit>

@@ -6,6 +6,7 @@
 #include "Tools/tessio/Records/Samples.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace KORVA::TESTS
 {
