@@ -87,7 +87,12 @@ ErrCode AtomicFile::KeepPermissions()
         return kDone;
     // Only a privileged user can give a file away; for others the file becomes theirs, as with any editor.
     if (fchown(mDescriptor.Get(), status.st_uid, status.st_gid) != 0)
+    {
         status.st_mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
+        // What the file's group might, the user's own group is not to do instead.
+        if (fchown(mDescriptor.Get(), static_cast<uid_t>(-1), status.st_gid) != 0)
+            status.st_mode &= static_cast<mode_t>(~S_IRWXG | (status.st_mode & S_IRWXO) << 3);
+    }
     return fchmod(mDescriptor.Get(), status.st_mode & 07777) == 0 ? kDone : StatusOfErrno();
 }
 

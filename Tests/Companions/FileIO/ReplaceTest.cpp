@@ -2,10 +2,13 @@
 #include "Companions/Child.h"
 #include "Companions/FileIO/FileFixture.h"
 
+#include <grp.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <fstream>
 
 namespace KORVA::TESTS
@@ -46,6 +49,44 @@ TEST_F(FileTest, ReplaceHappensAtOnce)
     std::string seen;
     std::getline(reader, seen);
     EXPECT_EQ(seen, "old") << "whoever has the old file open keeps it whole";
+}
+
+/// Replaces a file of somebody else's group as a user who is in these groups; the file's mode and group then.
+std::string ReplacedBy(FILE_SYS::IFile& file, fs::path const& path, mode_t mode,
+                       std::vector<gid_t> const& groups)
+{
+    constexpr uid_t kOwner = 4001;
+    constexpr gid_t kGroup = 4002;
+    constexpr uid_t kOther = 4003;
+    fs::permissions(path.parent_path(), fs::perms{0777});
+    if (chown(path.c_str(), kOwner, kGroup) != 0 || chmod(path.c_str(), mode) != 0)
+        return "not prepared";
+    int const result = InChild([&] {
+        if (setgroups(groups.size(), groups.data()) != 0 || setegid(kOther) != 0 || seteuid(kOther) != 0)
+            return 255;
+        return static_cast<int>(Replace(file, "new"));
+    });
+    struct stat status
+    {
+    };
+    if (result != 0 || stat(path.c_str(), &status) != 0)
+        return "result " + std::to_string(result);
+    char words[64];
+    std::snprintf(words, sizeof words, "%o of %u:%u", status.st_mode & 07777u, status.st_uid, status.st_gid);
+    return words;
+}
+
+TEST_F(FileTest, ReplaceOpensAFileToNoOtherGroup)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only a privileged user can be somebody else";
+    fs::path const path = directory.File("a", "old");
+    auto const file = Bound("a");
+    EXPECT_EQ(ReplacedBy(*file, path, 0660, {4002}), "660 of 4003:4002") << "in the file's group";
+    EXPECT_EQ(ReplacedBy(*file, path, 0666, {}), "666 of 4003:4003") << "open to all";
+    EXPECT_EQ(ReplacedBy(*file, path, 0664, {}), "644 of 4003:4003");
+    EXPECT_EQ(ReplacedBy(*file, path, 06775, {4002}), "775 of 4003:4002");
+    EXPECT_EQ(ReplacedBy(*file, path, 0670, {}), "600 of 4003:4003");
 }
 
 TEST_F(FileTest, ReplaceKeepsThePermissions)

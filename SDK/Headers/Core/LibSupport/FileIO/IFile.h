@@ -66,8 +66,9 @@ public:
     virtual ErrCode SetCreationDate(uint64 & date) = 0;
 
     /// Copies content, permissions and modification date to `target`, replacing a file of that name at once
-    /// and whole: a failure or a crash leaves the old one. A symbolic link at `target` is followed. Copying
-    /// a file onto itself, and copying anything but a regular file, is a failure.
+    /// and whole: a crash leaves the old one or the new one, and so does a failure, most the old one. A
+    /// symbolic link at `target` is followed. Copying a file onto itself, and copying anything but a regular
+    /// file, is a failure.
     virtual ErrCode CopyTo(STRING::CoreString const& target) = 0;
 
     /// Renames to `target` within one file system, replacing a file of that name. The object stays bound to
@@ -78,9 +79,11 @@ public:
     virtual ErrCode Sync() = 0;
 
     /// Makes `count` bytes the file's whole content, at once: they go to a temporary file beside it, are
-    /// flushed to the disk, and the temporary takes the name. A failure or a crash leaves the old file. The
-    /// permissions of a replaced file are kept; a new one gets the user's default. A symbolic link is
-    /// followed.
+    /// flushed to the disk, and the temporary takes the name. A crash leaves the old file or the new one. So
+    /// does a failure, most the old one: the last thing that can fail is to wait for the new name to be on
+    /// the disk. The permissions of a replaced file are kept, and its owner and group where the user may give
+    /// them; in another group the file is not open to more than it is to all. A new one gets the user's
+    /// default. A symbolic link is followed.
     virtual ErrCode Replace(void const* data, uint64 count) = 0;
 };
 
