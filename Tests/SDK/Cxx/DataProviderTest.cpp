@@ -1,6 +1,7 @@
 // Data providers behind the friendly layer.
 #include "Cxx/DataProvider.h"
 
+#include "Core/Libraries/Tessaro/Source/src/WatchedProvider.h"
 #include "Support/Library.h"
 
 #include <array>
@@ -58,6 +59,24 @@ TEST_F(CxxProvider, ReadsTheCallersBytes)
     EXPECT_EQ(DataProvider::Over(std::span<unsigned char const>(array))->Size(), 1);
     EXPECT_EQ(DataProvider::Over(std::span<std::byte const>()).error().Code(), -50);
     EXPECT_EQ(DataProvider::Over(std::span(bytes.data(), std::size_t{2147483648})).error().Code(), 2003);
+}
+
+TEST_F(CxxProvider, ReadsOnWhereLittleCame)
+{
+    TInterfacePtr<WatchedProvider> source;
+    source.Adopt(new WatchedProvider);
+    source->bytes = "twelve bytes";
+    source->deliversAtMost = 5;
+    DataProvider provider(*source);
+    std::array<std::byte, 16> all{};
+    EXPECT_EQ(provider.Read(std::span(all).first(12)).value(), 12u);
+    EXPECT_EQ(all[11], std::byte{'s'});
+    ASSERT_TRUE(provider.Seek(3));
+    EXPECT_EQ(provider.Read(all).value(), 9u) << "to the end";
+    source->deliversAtMost = 0;
+    ASSERT_TRUE(provider.Seek(3));
+    EXPECT_EQ(provider.Read(all).error().Code(), 3) << "nothing, though there is more";
+    EXPECT_EQ(provider.Bytes().error().Code(), 3);
 }
 
 TEST_F(CxxProvider, GoesOnlyWhereItCan)

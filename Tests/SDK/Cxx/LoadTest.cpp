@@ -115,6 +115,11 @@ ContentRow const kContents[] = {
      "02 03 "
      "04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 01 00 00 00 00 00 00 00 FF 00 00 00 00",
      2025, ""},
+    {"UnknownInsideOfNoLength",
+     "D5 0C E9 73 C6 BB 26 43 82 41 9B B4 25 0B 1B 05 24 00 00 00 00 00 00 00 01 00 00 00 01 00 00 00 AA 01 "
+     "02 03 "
+     "04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 00 00 00 00 00 00 00 00 00 00 00 00",
+     2025, ""},
 };
 
 class CxxLoadContent : public LibraryTestWith<ContentRow>

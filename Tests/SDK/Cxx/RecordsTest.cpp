@@ -1,4 +1,5 @@
 // What goes into a record and comes out of it when somebody watches.
+#include "Core/Libraries/Tessaro/Source/src/WatchedProvider.h"
 #include "Cxx/Dictionary.h"
 #include "Cxx/Load.h"
 #include "Cxx/Save.h"
@@ -82,6 +83,7 @@ TEST_F(CxxRecords, OfAClassThatChoosesItsIdCarryIt)
     ASSERT_EQ(bytes.size(), 29u);
     EXPECT_EQ(bytes[0], std::byte{0x77}) << "the first byte of the chosen id";
     EXPECT_EQ(bytes[24], std::byte{0xEE});
+    EXPECT_EQ(CXX::ClassIdOf(Object(*object)).value(), IO::IID_DICTIONARY) << "its usual id";
     adapter.Adopt(new Choosing(true));
     object->Aggregate(adapter.Get(), IO::IPERSISTENT_DATA_EX);
     EXPECT_EQ(CXX::ToBytes(*object).error().Code(), 2012);
@@ -110,6 +112,16 @@ TEST_F(CxxRecords, WritesThatFailAreSeen)
     stream << MakeNote(5);
     EXPECT_EQ(stream.Status().error().Code(), 30);
     log.Take();
+}
+
+TEST_F(CxxRecords, APositionThatCannotBeSetIsSeen)
+{
+    TInterfacePtr<WatchedProvider> provider;
+    provider.Adopt(new WatchedProvider);
+    provider->moveResult = 13;
+    CXX::Stream stream = CXX::Stream::Over(CXX::DataProvider(*provider)).value();
+    stream << MakeNote(5);
+    EXPECT_EQ(stream.Status().error().Code(), 2) << "its length would stand somewhere else";
 }
 } // namespace
 } // namespace KORVA::TESTS

@@ -9,6 +9,7 @@
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
+#include "TessIO/TessIO.h"
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -21,6 +22,8 @@ namespace KORVA::TESTS
 {
 namespace
 {
+constexpr GUID kFacet{0x11223344, 0x5566, 0x7788, {1, 2, 3, 4, 5, 6, 7, 8}};
+
 using CXX::ByteOrder;
 using CXX::Dictionary;
 using CXX::Save;
@@ -102,7 +105,7 @@ struct RefusedRow
     int code;
 };
 
-/// A `@` stands for the test's directory.
+/// A `@` stands for the test's directory, and so does a `#`.
 RefusedRow const kRefused[] = {
     {"OtherScheme", "http://h.example@/a", 2013},
     {"OtherHost", "file://server@/a", 2013},
@@ -110,6 +113,7 @@ RefusedRow const kRefused[] = {
     {"NoScheme", "name.txt", 2013},
     {"Query", "file://@/a?b", 13},
     {"EmptyQuery", "@/a?", 13},
+    {"QueryThatEndsAsThePath", "file://@/a?b#/a", 13},
     {"NoPath", "file://", 13},
 };
 
@@ -121,8 +125,9 @@ TEST_P(CxxSaveToURI, IsRefused)
 {
     TemporaryDirectory const directory;
     std::string text = GetParam().uri;
-    if (std::size_t const at = text.find('@'); at != std::string::npos)
-        text.replace(at, 1, directory.Path().string());
+    for (char const mark : {'@', '#'})
+        if (std::size_t const at = text.find(mark); at != std::string::npos)
+            text.replace(at, 1, directory.Path().string());
     URI const uri = URI::FromText(text).value();
     Dictionary const dictionary = Dictionary::Create().value();
     auto const saved = Save(uri, dictionary);
@@ -157,6 +162,51 @@ TEST_F(CxxSave, OfWhatCannotBeSavedTouchesNothing)
     EXPECT_EQ(Save(Path("b"), MakeNote(1, Fault::kThrowsInWrite)).error().Code(), 2012);
     EXPECT_EQ(Content(Path("a")), "old");
     EXPECT_EQ(Names(), List{"a"});
+    log.Take();
+}
+
+TEST_F(CxxSave, OfWhatCannotBeSavedInside)
+{
+    directory.File("a", "old");
+    ASSERT_TRUE(dictionary.Set(2, MakeNote(1, Fault::kThrowsInWrite)));
+    EXPECT_EQ(Save(Path("a"), dictionary).error().Code(), 2012) << "a value";
+
+    Dictionary deeper = Dictionary::Create().value();
+    ASSERT_TRUE(deeper.Set(1, dictionary));
+    EXPECT_EQ(Save(Path("a"), deeper).error().Code(), 2012) << "a value of a value";
+
+    auto const note = MakeNote(1);
+    note->Aggregate(&*MakeNote(2, Fault::kThrowsInWrite), kFacet);
+    EXPECT_EQ(Save(Path("a"), note).error().Code(), 2012) << "an aggregate";
+
+    Dictionary const inner = Dictionary::Create().value();
+    Dictionary outer = Dictionary::Create().value();
+    ASSERT_TRUE(outer.Set(1, inner));
+    ASSERT_TRUE(outer.Set(2, inner));
+    (*inner).Put(1, &*outer);
+    (*inner).Put(2, &*outer);
+    EXPECT_EQ(Save(Path("a"), outer).error().Code(), 2012) << "a circle";
+    (*inner).Clear();
+    EXPECT_TRUE(Save(Path("b"), outer)) << "and no longer";
+    EXPECT_EQ(Content(Path("a")), "old");
+    log.Take();
+}
+
+TEST_F(CxxSave, OfADeepStructure)
+{
+    directory.File("a", "old");
+    Dictionary top = Dictionary::Create().value();
+    for (int level = 2; level <= 1000; ++level)
+    {
+        Dictionary around = Dictionary::Create().value();
+        ASSERT_TRUE(around.Set(1, top));
+        top = around;
+    }
+    EXPECT_TRUE(Save(Path("b"), top)) << "1,000 levels are kept";
+    Dictionary above = Dictionary::Create().value();
+    ASSERT_TRUE(above.Set(1, top));
+    EXPECT_EQ(Save(Path("a"), above).error().Code(), 2012);
+    EXPECT_EQ(Content(Path("a")), "old");
     log.Take();
 }
 
@@ -195,6 +245,29 @@ TEST_F(CxxSave, WithoutPermissionLeavesTheOldFile)
     fs::permissions(directory.Path(), fs::perms{0555});
     EXPECT_EQ(RunUnprivileged([this] { return Save(Path("a"), dictionary).error().Code(); }), 33);
     EXPECT_EQ(Content(Path("a")), "old");
+}
+
+TEST_F(CxxSave, LeavesAFileThatMayNotBeWritten)
+{
+    directory.File("a", "old");
+    fs::permissions(directory.Path(), fs::perms{0777});
+    fs::permissions(Path("a"), fs::perms{0444});
+    EXPECT_EQ(RunUnprivileged([this] { return Save(Path("a"), dictionary).error().Code(); }), 33);
+    EXPECT_EQ(Content(Path("a")), "old");
+    EXPECT_EQ(Names(), List{"a"});
+}
+
+TEST_F(CxxSave, WaitsForOthersThatSave)
+{
+    directory.File("a", "old");
+    auto lock = std::make_unique<LockHolder>(Path("a"), LOCK_EX);
+    std::thread other([&lock] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        lock.reset();
+    });
+    auto const saved = Save(Path("a"), dictionary);
+    other.join();
+    EXPECT_TRUE(saved) << saved.error().Message();
 }
 
 TEST_F(CxxSave, WithoutSpaceLeavesTheOldFile)
@@ -238,6 +311,10 @@ TEST_F(CxxSave, WithoutTheFileSystemSaysSo)
     empty.Adopt(COREREGISTRY::CreateCoreRegistry());
     COREREGISTRY::InstallCoreRegistry(empty.Get());
     EXPECT_EQ(Save(Path("a"), dictionary).error().Code(), 12);
+    ASSERT_EQ(IO::Init(empty.Get()), 0);
+    auto const saved = Save(Path("a"), dictionary);
+    EXPECT_EQ(saved.error().Code(), 12);
+    EXPECT_EQ(saved.error().Subject(), CXX::Quoted(Path("a").string()));
     COREREGISTRY::InstallCoreRegistry(Registry());
     EXPECT_TRUE(Names().empty());
 }
@@ -279,6 +356,39 @@ TEST_F(CxxSave, AppendsOnlyWhereItWouldBeFound)
     EXPECT_EQ(fs::file_size(Path("a")), 80u);
     EXPECT_EQ(CXX::Append(directory.Path(), dictionary).error().Code(), 2014);
 }
+
+struct BehindRow
+{
+    char const* name;
+    /// Behind a record.
+    char const* bytes;
+    int code;
+};
+
+BehindRow const kBehind[] = {
+    {"Text", "2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E 2E", 2021},
+    {"AFewBytes", "D5 0C E9", 2021},
+    {"IdAlone", "D5 0C E9 73 C6 BB 26 43 82 41 9B B4 25 0B 1B 05", 2022},
+    {"CutBody", "D5 0C E9 73 C6 BB 26 43 82 41 9B B4 25 0B 1B 05 09 00 00 00 00 00 00 00", 2022},
+    {"NegativeLength", "D5 0C E9 73 C6 BB 26 43 82 41 9B B4 25 0B 1B 05 FB FF FF FF FF FF FF FF", 2025},
+};
+
+class CxxAppendBehind : public LibraryTestWith<BehindRow>
+{
+};
+
+TEST_P(CxxAppendBehind, AnythingElseIsRefused)
+{
+    TemporaryDirectory const directory;
+    Bytes content = Hex(kLittle);
+    Bytes const behind = Hex(GetParam().bytes);
+    content.insert(content.end(), behind.begin(), behind.end());
+    fs::path const path = directory.File("a", std::string(content.begin(), content.end()));
+    EXPECT_EQ(CXX::Append(path, Dictionary::Create().value()).error().Code(), GetParam().code);
+    EXPECT_EQ(fs::file_size(path), content.size());
+}
+
+INSTANTIATE_TEST_SUITE_P(Behind, CxxAppendBehind, ::testing::ValuesIn(kBehind), RowName());
 
 template <class Where, class What>
 concept Savable = requires(Where const& where, What const& what)

@@ -116,7 +116,8 @@ public:
     }
 
     /// Reads to `buffer` and gives the number of bytes: fewer than asked for at the end of the data, where no
-    /// provider's own code counts as a failure. Else the provider's code.
+    /// provider's own code counts as a failure. Else the provider's code, or `kNoData` where it gives nothing
+    /// though more should be there.
     Result<std::size_t> Read(std::span<std::byte> buffer)
     {
         std::size_t done = 0;
@@ -129,8 +130,10 @@ public:
             if (code != kNoError && !atEnd)
                 return Error(code, "read");
             done += static_cast<std::size_t>(std::clamp(count, 0, wanted));
-            if (count < wanted)
+            if (count < wanted && (atEnd || AtEnd() || Position() >= Size()))
                 break;
+            if (count <= 0)
+                return Error(IO::kNoData, "read");
         }
         return done;
     }
@@ -138,8 +141,8 @@ public:
     /// Writes all bytes. The provider's code, or `kWriteFailed` where the position did not advance by as
     /// much.
     ///
-    /// Don't write to a file opened for reading, nor to one on a full device: that never returns. `Save`
-    /// writes files safely.
+    /// Don't write to a file opened for reading, nor to one on a full device: that never returns, or, while
+    /// it is little, is lost at closing without a word. `Save` writes files safely.
     Result<void> Write(std::span<std::byte const> bytes)
     {
         if (bytes.empty())

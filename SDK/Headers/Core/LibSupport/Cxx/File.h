@@ -88,9 +88,10 @@ public:
     /// provider's code. `<<` and `Write` on the stream answer `kNotAllowed`.
     Result<Stream> Read() const { return Open(&IO::IURIFile::Read, Stream::Access::kReadOnly, "read"); }
 
-    /// Opens the existing file to be read and written in place; nobody else can meanwhile. `kLocked`;
-    /// `kOpenRefused` (no permission, or no such file). A crash leaves what is written so far, and on a full
-    /// device writing never returns: `Save` writes objects safely.
+    /// Opens the existing file to be read and written in place; nobody else can open it so meanwhile.
+    /// `kLocked`; `kOpenRefused` (no permission, or no such file). A crash leaves some of what is written; on
+    /// a full device a little of it is lost at closing without a word, and writing more never returns: `Save`
+    /// writes objects safely.
     Result<Stream> Write() const { return Open(&IO::IURIFile::Write, Stream::Access::kReadWrite, "write"); }
 
     /// Makes an empty file where there is none. `kCreateFailed`, `kBadArgument`.
@@ -138,6 +139,8 @@ private:
         ErrCode const code = (Pointer().Get()->*open)(stream);
         if (code != kNoError)
             return Failed(code, std::move(operation));
+        if (!stream)
+            return Failed(IO::kNoObject, std::move(operation));
         return Stream(std::move(stream), access);
     }
 };

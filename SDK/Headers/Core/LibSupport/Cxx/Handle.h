@@ -92,11 +92,14 @@ Result<T> Create(GUID const& classId)
     return wanted;
 }
 
-/// The class id under which the object is saved; `kNotPersistent` when it is not.
+/// The class id under which the object is saved; `kNotPersistent` when it is not. A class that chooses its id
+/// by the stream answers its usual one.
 template <class I>
 Result<GUID> ClassIdOf(Handle<I> const& object)
 {
     IObject* found = nullptr;
+    if (object->QueryInterface(IO::IPERSISTENT_DATA_EX, &found) == kNoError && found)
+        return static_cast<IO::IPersistentDataEx*>(found)->GetUID();
     if (object->QueryInterface(IO::IPERSISTENT_DATA, &found) != kNoError || !found)
         return Error(kNotPersistent, "tell the class of the object");
     return static_cast<IO::IPersistentData*>(found)->GetUID();

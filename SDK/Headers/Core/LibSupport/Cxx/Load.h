@@ -228,8 +228,9 @@ inline Result<void> Append(std::filesystem::path const& path, IObject const& obj
         Result<DETAIL::RecordHead> const head = DETAIL::PeekHead(**provider);
         if (!head)
             return head.error();
-        if (size - at < DETAIL::kRecordHeader || !head->IsPlausible(size - at))
-            return task.Failed(kTruncated);
+        Result<void> const checked = DETAIL::CheckHead(*head, size - at, task);
+        if (!checked)
+            return checked;
         Result<void> const moved = provider->Seek(at + DETAIL::kRecordHeader + head->length);
         if (!moved)
             return moved;

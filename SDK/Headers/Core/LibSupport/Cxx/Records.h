@@ -4,12 +4,13 @@
 #include "Cxx/DataProvider.h"
 #include "Cxx/Handle.h"
 #include "Cxx/WatchedProvider.h"
+#include "Cxx/WatchedWriting.h"
 #include "ObjectModel/GUIDText.h"
-#include "ObjectModel/TObject.h"
 #include "TessIO/IDataProviderStream.h"
 #include "TessIO/IPersistentData.h"
 
 #include <limits>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -44,69 +45,14 @@ inline Result<TInterfacePtr<IO::IDataProviderStream>> StreamOver(IO::IDataProvid
     return stream;
 }
 
-/// Stands in for an object while it is written, and sees the exception that the stream catches.
-class WatchedObject final : public TObject<IO::IPersistentDataEx>
-{
-public:
-    /// Both are borrowed; `extended` may be null.
-    WatchedObject(IO::IPersistentData& persistence, IO::IPersistentDataEx* extended, IObject const& object)
-        : mPersistence(persistence), mExtended(extended), mObject(object)
-    {}
-
-    bool HasThrown() const { return mHasThrown; }
-
-    ErrCode QueryInterface(GUID const& iid, IObject** out) const override
-    {
-        if (!(iid == IO::IPERSISTENT_DATA_EX))
-            return mObject.QueryInterface(iid, out);
-        if (out)
-            *out = const_cast<WatchedObject*>(this);
-        return kNoError;
-    }
-    AggregateMap const& GetAggregates() const override { return mObject.GetAggregates(); }
-
-    IObject* GetObj() const override { return mPersistence.GetObj(); }
-    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream) override
-    {
-        return mPersistence.Read(stream);
-    }
-    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const override
-    {
-        mHasThrown = true;
-        IO::IDataProviderStream& result = mPersistence.Write(stream);
-        mHasThrown = false;
-        return result;
-    }
-    GUID const& GetUID() const override { return mPersistence.GetUID(); }
-    GUID GetUIDFor(IO::IDataProviderStream& stream) override
-    {
-        return mExtended ? mExtended->GetUIDFor(stream) : mPersistence.GetUID();
-    }
-
-private:
-    IO::IPersistentData& mPersistence;
-    IO::IPersistentDataEx* mExtended;
-    IObject const& mObject;
-    mutable bool mHasThrown = false;
-};
-
 /// Writes the record of `object` at the provider's position. On failure something may have been written.
 inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& object, Task const& task)
 {
-    IObject* found = nullptr;
-    IO::IPersistentDataEx* extended = nullptr;
-    IO::IPersistentData* persistence = nullptr;
-    if (object.QueryInterface(IO::IPERSISTENT_DATA_EX, &found) == kNoError && found)
-        persistence = extended = static_cast<IO::IPersistentDataEx*>(found);
-    else if (object.QueryInterface(IO::IPERSISTENT_DATA, &found) == kNoError && found)
-        persistence = static_cast<IO::IPersistentData*>(found);
-    else
+    TInterfacePtr<WatchedObject> const standIn = WatchedObject::Over(object, std::make_shared<bool>(false));
+    if (!standIn)
         return task.Failed(kNotPersistent);
-
     TInterfacePtr<WatchedProvider> watched;
     watched.Adopt(new WatchedProvider(provider));
-    TInterfacePtr<WatchedObject> standIn;
-    standIn.Adopt(new WatchedObject(*persistence, extended, object));
     auto const stream = StreamOver(*watched);
     if (!stream)
         return stream.error();
@@ -115,7 +61,7 @@ inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& obje
     int64 const length = provider.GetPosition() - start;
     if (watched->WriteResult() != kNoError)
         return task.Failed(watched->WriteResult());
-    if (standIn->HasThrown() || length < kRecordHeader)
+    if (!standIn->IsWhole() || length < kRecordHeader)
         return task.Failed(kNotSerialized);
     if (length - kRecordHeader > kLongestBody)
         return task.Failed(kTooLarge);
@@ -181,6 +127,19 @@ inline Result<void> FindOrder(IO::IDataProvider& provider, Task const& task)
     return {};
 }
 
+/// Whether a whole record with that head stands in the `left` bytes that are there: `kNotARecord`,
+/// `kTruncated`, or `kDamaged` for a length that can't be.
+inline Result<void> CheckHead(RecordHead const& head, int64 left, Task const& task)
+{
+    if (left >= kRecordHeader && head.IsPlausible(left))
+        return {};
+    if (left < kIdBytes || !Probe(head.classId))
+        return task.Failed(kNotARecord);
+    if (left >= kRecordHeader && (head.length < 0 || head.length > kLongestBody))
+        return task.Failed(kDamaged, "its length is " + std::to_string(head.length));
+    return task.Failed(kTruncated);
+}
+
 /// Reads the record at the provider's position as a `T`. The position is the record's end afterwards, on
 /// failure too where that is known, else it stays. With `keepDamaged`, an object that did not come out of
 /// its record quite as it should is a success. `size` is the provider's: a file is slow to tell it.
@@ -194,14 +153,9 @@ Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, 
     Result<RecordHead> const head = PeekHead(provider);
     if (!head)
         return head.error();
-    TInterfacePtr<IObject> probe = left >= kIdBytes ? Probe(head->classId) : TInterfacePtr<IObject>();
-    bool const isWhole = left >= kRecordHeader && head->IsPlausible(left);
-    if (!probe && !isWhole)
-        return task.Failed(kNotARecord);
-    if (left >= kRecordHeader && (head->length < 0 || head->length > kLongestBody))
-        return task.Failed(kDamaged, "its length is " + std::to_string(head->length));
-    if (!isWhole)
-        return task.Failed(kTruncated);
+    Result<void> const checked = CheckHead(*head, left, task);
+    if (!checked)
+        return checked.error();
 
     int64 const end = start + kRecordHeader + head->length;
     std::string const classText = GUIDToText(head->classId);
@@ -209,6 +163,7 @@ Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, 
         static_cast<void>(provider.SetPosition(end, IO::IDataProvider::kFromStart));
         return task.Failed(code, std::move(detail));
     };
+    TInterfacePtr<IObject> probe = Probe(head->classId);
     if (!probe)
         return skip(kUnknownClass, classText);
     if (probe->QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)

@@ -7,13 +7,16 @@
 #include "Cxx/URI.h"
 #include "FileIO/IFile.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <ranges>
 #include <span>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -61,8 +64,12 @@ inline Result<std::filesystem::path> LocalPath(URI const& uri, Task const& task)
         return task.Failed(kNotServed, "the file is on another machine");
     // A query may be empty, and stands in the text even so.
     std::string const text = uri.AbsoluteText();
+    std::string_view rest = text;
+    rest.remove_prefix(std::min(rest.size(), rest.find(':') + 1));
+    if (rest.starts_with("//"))
+        rest.remove_prefix(std::min(rest.size(), rest.find('/', 2)));
     std::string const name = uri.Path();
-    if (!text.empty() && !text.ends_with(name) && !text.ends_with(name + "/"))
+    if (!text.empty() && rest != name && rest != name + "/")
         return task.Failed(IO::kBadArgument, "its path does not say everything");
     std::filesystem::path path;
     if (IO::FilePathOf(*uri, path) != kNoError)
@@ -70,24 +77,35 @@ inline Result<std::filesystem::path> LocalPath(URI const& uri, Task const& task)
     return path;
 }
 
-/// Whether somebody has the file open for writing, or holds a lock on it. Others look in this way too, so
-/// that one answer may be about their look alone.
-inline bool IsLocked(std::filesystem::path const& path)
+/// Holds the library's lock on a file while it is replaced.
+class SaveLock
 {
-    constexpr int kAttempts = 20;
-    constexpr std::chrono::milliseconds kPause{5};
-    IO::IURIPtr uri;
-    if (IO::CreateFileURI(COREREGISTRY::GetCoreRegistry(), uri, path) != kNoError)
-        return false;
-    for (int attempt = 0; attempt < kAttempts; ++attempt)
+public:
+    /// Waits for a second. Others that save hold it for as long as that takes them.
+    explicit SaveLock(std::filesystem::path const& path)
     {
-        auto const provider = COREREGISTRY::CreateObject<IO::IDataProvider>(IO::IID_IDATAPROVIDER);
-        if (!provider || provider->InitURIBased(*uri, IO::kStreamReadWrite, nullptr) != IO::kLocked)
-            return false;
-        std::this_thread::sleep_for(kPause);
+        constexpr int kAttempts = 100;
+        constexpr std::chrono::milliseconds kPause{10};
+        IO::IURIPtr uri;
+        if (IO::CreateFileURI(COREREGISTRY::GetCoreRegistry(), uri, path) != kNoError)
+            return;
+        for (int attempt = 0; attempt < kAttempts; ++attempt)
+        {
+            mFile = COREREGISTRY::CreateObject<IO::IDataProvider>(IO::IID_IDATAPROVIDER);
+            mIsRefused = mFile && mFile->InitURIBased(*uri, IO::kStreamReadWrite, nullptr) == IO::kLocked;
+            if (!mIsRefused)
+                return;
+            std::this_thread::sleep_for(kPause);
+        }
     }
-    return true;
-}
+
+    /// Whether somebody else holds it. Where files can't be locked nobody does.
+    bool IsRefused() const { return mIsRefused; }
+
+private:
+    TInterfacePtr<IO::IDataProvider> mFile;
+    bool mIsRefused = false;
+};
 
 /// Makes `bytes` the whole content of the file, at once or not at all.
 inline Result<void> ReplaceFile(std::filesystem::path const& path, std::span<std::byte const> bytes,
@@ -105,8 +123,15 @@ inline Result<void> ReplaceFile(std::filesystem::path const& path, std::span<std
         return task.Failed(IO::kNoObject);
     if (!file->BindPath(*name))
         return task.Failed(IO::kBadArgument);
-    if (std::filesystem::exists(status) && IsLocked(path))
-        return task.Failed(IO::kLocked);
+    std::optional<SaveLock> lock;
+    if (std::filesystem::exists(status))
+    {
+        // A file that can't be written is not to be replaced by one that can.
+        if (!std::fstream(path, std::ios::in | std::ios::out | std::ios::binary))
+            return task.Failed(IO::kNotPermitted);
+        if (lock.emplace(path).IsRefused())
+            return task.Failed(IO::kLocked);
+    }
     ErrCode const code = CodeOfFileStatus(file->Replace(bytes.data(), bytes.size()));
     return code == kNoError ? Result<void>() : task.Failed(code);
 }
@@ -117,14 +142,15 @@ inline Result<std::vector<std::byte>> Serialize(std::span<IObject const* const> 
 {
     Result<DataProvider> memory = DataProvider::Memory(order);
     if (!memory)
-        return memory.error();
+        return task.Failed(memory.error().Code());
     for (IObject const* const object : objects)
     {
         Result<void> const written = WriteRecord(**memory, *object, task);
         if (!written)
-            return written.error();
+            return written.error().Code() == IO::kResizeFailed ? task.Failed(kTooLarge) : written.error();
     }
-    return memory->Bytes();
+    Result<std::vector<std::byte>> bytes = memory->Bytes();
+    return bytes ? std::move(bytes) : task.Failed(bytes.error().Code());
 }
 
 inline Result<void> SaveObjects(std::filesystem::path const& path, std::span<IObject const* const> objects,
@@ -139,7 +165,8 @@ inline Task SaveTask(std::filesystem::path const& path) { return {"save", Quoted
 inline Task SaveTask(URI const& uri) { return {"save", Quoted(uri.AbsoluteText())}; }
 } // namespace DETAIL
 
-/// The record of an object. `kNotPersistent`; `kNotSerialized` when its own writing threw; `kTooLarge`.
+/// The record of an object. `kNotPersistent`; `kNotSerialized` when its writing threw, or that of anything in
+/// it; `kTooLarge`.
 inline Result<std::vector<std::byte>> ToBytes(IObject const& object, SaveOptions const& options = {})
 {
     IObject const* const objects[] = {&object};
@@ -155,15 +182,16 @@ Result<std::vector<std::byte>> ToBytes(Handle<I> const& object, SaveOptions cons
 /// Makes the record of `object` the whole content of the file at `path`. It is first written to memory, then
 /// to a temporary file beside the target (its name begins with a dot), which is flushed to the disk and takes
 /// the target's name: whatever fails, and wherever the process dies, the file is the old one or the new one,
-/// whole. A process that is killed may leave the temporary behind. Permissions of a replaced file are kept, a
-/// symbolic link is followed.
+/// whole. A process that is killed may leave the temporary behind. Permissions of a replaced file are kept;
+/// the new one belongs to who saves, unless that user may give files away. A symbolic link is followed.
 ///
-/// Before anything is touched: `kNotPersistent`; `kNotSerialized` when the object's own writing threw (one
-/// inside of it that throws is cut short, as the stream has it); `kTooLarge`; `kNotAFile`; `kLocked` when
-/// somebody has the file open for writing, also another process; `kBadText` for a path that is not UTF-8.
-/// With the old file left: `kFileNotFound` (no such directory), `kNoSpace`. After `kNotPermitted` and
-/// `kFileSystemFailed` it is the old one or the new one: the last thing that can fail is to wait for the new
-/// name to be on the disk.
+/// Before anything is touched: `kNotPersistent`; `kNotSerialized` when the object's writing threw or that of
+/// anything in it, or objects are nested more than 1,000 deep, in a circle for one; `kTooLarge`; `kNotAFile`;
+/// `kLocked` when somebody holds the library's lock on the file for more than a second, as `File::Write`
+/// does, also in another process; `kNotPermitted` for a file that may not be written; `kBadText` for a path
+/// that is not UTF-8. With the old file left: `kFileNotFound` (no such directory), `kNoSpace`. After
+/// `kNotPermitted` and `kFileSystemFailed` it is the old one or the new one: the last thing that can fail is
+/// to wait for the new name to be on the disk.
 ///
 /// Any text is a path here: name a URL by a `URI`.
 inline Result<void> Save(std::filesystem::path const& path, IObject const& object,

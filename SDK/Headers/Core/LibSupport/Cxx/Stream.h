@@ -32,8 +32,8 @@ concept StreamValue = PlainStreamValue<T> || std::same_as<T, STRING::CoreString>
 ///     stream << 7 << u"seven" << dictionary;
 ///     if (auto const written = stream.Status(); !written) …
 ///
-/// After a failure `<<` and `>>` do nothing. Copies share the stream and its position, not the failure. Used
-/// by one thread at a time.
+/// After a failure `<<` and `>>` do nothing. Copies share the stream and its position; a failure so far goes
+/// with the copy, later ones are each one's own. Used by one thread at a time.
 class Stream : public Handle<IO::IDataProviderStream>
 {
 public:
@@ -82,7 +82,8 @@ public:
         return Note(WriteValue(value, sizeof(T)));
     }
 
-    /// Writes a text, with its length before it. UTF-8 that is not well-formed is `kBadText`.
+    /// Writes a text, with its length before it. UTF-8 that is not well-formed is `kBadText`, a text of 2^30
+    /// units and more `kTooLarge`.
     template <Text T>
     Stream& operator<<(T const& text)
     {
@@ -91,11 +92,13 @@ public:
         Result<STRING::CoreString> const converted = ToCoreString(text);
         if (!converted)
             return Note(converted.error());
+        if (converted->size() > DETAIL::kMostUnits)
+            return Note(Error(kTooLarge, "write the text"));
         return Note(WriteValue(*converted, 4 + 2 * converted->size()));
     }
 
     /// Writes the record of an object. `kNotPersistent`, and nothing is written; `kNotSerialized` when the
-    /// object's own writing threw.
+    /// object's writing threw, or that of anything in it.
     template <class I>
     Stream& operator<<(Handle<I> const& object)
     {

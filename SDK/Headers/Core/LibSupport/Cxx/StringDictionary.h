@@ -58,8 +58,8 @@ public:
             return std::u16string(value.view());
     }
 
-    /// Copies both, replacing what is there. `kBadText` for UTF-8 that is not well-formed; nothing is changed
-    /// then.
+    /// Copies both, replacing what is there. `kBadText` for UTF-8 that is not well-formed, `kTooLarge` for a
+    /// text of 2^30 units and more; nothing is changed then.
     template <Text Key, Text Value>
     Result<void> Set(Key const& key, Value const& value)
     {
@@ -69,6 +69,8 @@ public:
         Result<STRING::CoreString> const content = ToCoreString(value);
         if (!content)
             return content.error();
+        if (std::max(name->size(), content->size()) > DETAIL::kMostUnits)
+            return Error(kTooLarge, "put the text");
         (*this)->Put(*name, *content);
         return {};
     }

@@ -4,6 +4,7 @@
 #include "ObjectModel/TInterfacePtr.h"
 #include "ObjectModel/TObject.h"
 #include "TessIO/IDataProvider.h"
+#include "TessIO/ResultCodes.h"
 
 #include <cstddef>
 
@@ -16,11 +17,12 @@ class WatchedProvider final : public TObject<IO::IDataProvider>
 public:
     explicit WatchedProvider(IO::IDataProvider& provider) { mProvider.Share(&provider); }
 
-    /// The first result of a write that was not 0.
+    /// The first result of a write that was not 0, or `kWriteFailed` where the position could not be set.
     OperationId WriteResult() const { return mWriteResult; }
     /// Whether a read brought less than was asked for.
     bool HasShortRead() const { return mHasShortRead; }
-    /// Whether the position was set to another place than where it stood.
+    /// Whether the position was set. Nothing does that while a record is read as it was written. Where an
+    /// object in it can't be made, the stream sets the position to its end, even if it stands there.
     bool HasMoved() const { return mHasMoved; }
 
     /// What is found on the provider is found here.
@@ -58,9 +60,12 @@ public:
 
     ErrCode SetPosition(int64 offset, Offset origin) override
     {
-        int64 const before = mProvider->GetPosition();
+        mHasMoved = true;
         ErrCode const result = mProvider->SetPosition(offset, origin);
-        mHasMoved = mHasMoved || result != kNoError || mProvider->GetPosition() != before;
+        // A length is put in its place by going back: elsewhere it would be written over something else.
+        bool const isThere = origin != kFromStart || mProvider->GetPosition() == offset;
+        if (mWriteResult == kNoError && (result != kNoError || !isThere))
+            mWriteResult = IO::kWriteFailed;
         return result;
     }
 
