@@ -259,7 +259,14 @@ TEST_F(ToolRecordSalvage, KeepsWhatIsWholeAndTellsTheFateOfEveryByte)
         Outcome const outcome = Feed({"salvage", "-", "-o", "-", "--report", "r"}, Content(Path("f")));
         EXPECT_TRUE(outcome.out == Content(Path("o")));
         EXPECT_EQ(Do({"verify", "o"}).exitCode, 0);
+        Succeeds({"--json", "salvage", "f", "-o", "o", "--report", "r"});
+        EXPECT_TRUE(Content(Path("r")).starts_with("{\n  \"schema\": 1,\n  \"file\": \"f\",\n"))
+            << Content(Path("r"));
+        Succeeds({"--json", "salvage", "f", "-o", "o"}, Content(Path("r")));
     }
+    Fails({"salvage", "f", "-o", "q", "--report", "none/r"}, 3,
+          "tessio: cannot write \"none/r\": no such directory; the result is in \"q\"\n");
+    EXPECT_TRUE(Content(Path("q")) == Content(Path("o")));
     Fails({"salvage", "f", "-o", "-"}, 2,
           "tessio: only one of result and report can go to standard output: name a file with --report\n");
 }

@@ -433,6 +433,9 @@ INSTANTIATE_TEST_SUITE_P(
         LimitRow{"OfASalvage",
                  {"--limit", "bytes=9", "salvage", "f", "-o", "o"},
                  "\"f\" is 442 bytes, more than 9"},
+        LimitRow{"OfTheRecordsASalvageLooksAt",
+                 {"--limit", "count=9", "salvage", "f", "-o", "o"},
+                 "\"f\": more than 9 records: the record at offset 32 is one too many"},
         LimitRow{
             "OfBuild", {"--limit", "bytes=9", "build", "f", "-o", "o"}, "\"f\" is 442 bytes, more than 9"}),
     RowName());

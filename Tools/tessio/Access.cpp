@@ -7,7 +7,6 @@
 #include "TessIO/IURIAuthenticationChallenge.h"
 #include "TessIO/ResultCodes.h"
 
-#include <CLI/CLI.hpp>
 #include <fcntl.h>
 #include <poll.h>
 #include <string.h>
@@ -166,13 +165,13 @@ std::string LastFailure::Take()
     return detail == 0 ? "" : WordsOf(detail);
 }
 
-void AddUserOption(CLI::App& command, std::string& user)
+void AddUserOption(Command const& command, std::string& user)
 {
     command
-        .add_option("--user", user,
-                    std::string("Who asks a server; the password comes from the environment variable ") +
-                        kPasswordVariable + " or is asked for on the terminal")
-        ->type_name("NAME");
+        .Option("--user", user,
+                std::string("Who asks a server; the password comes from the environment variable ") +
+                    kPasswordVariable + " or is asked for on the terminal")
+        .Names("NAME");
 }
 
 IO::IURICredentialPtr CredentialOf(std::string const& user)

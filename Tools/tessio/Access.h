@@ -1,12 +1,11 @@
 // Who asks a server, and why it did not give what was asked for.
 #pragma once
 
+#include "CommandLine.h"
 #include "ObjectModel/TObject.h"
 #include "TessIO/IReporter.h"
 #include "TessIO/IURICredential.h"
 #include "TessIO/IURIFile.h"
-
-#include <CLI/CLI.hpp>
 
 #include <string>
 
@@ -26,12 +25,8 @@ private:
     KORVA::ErrCode mDetail = 0;
 };
 
-/// A stream that was opened to be read answers its `LastFailure` under this id.
-inline constexpr GUID IID_LAST_FAILURE{
-    0x2C9A1F0B, 0x7E44, 0x4F0D, {0x9B, 0x52, 0x6A, 0xE1, 0x3C, 0x88, 0xD4, 0x17}};
-
 /// Adds --user.
-void AddUserOption(CLI::App& command, std::string& user);
+void AddUserOption(Command const& command, std::string& user);
 
 /// The user with the password that the environment has or, on a terminal, is asked for. Empty for no user;
 /// ends the command when there is no password.

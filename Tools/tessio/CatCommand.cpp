@@ -125,21 +125,19 @@ void Run(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddCatCommand(CLI::App& app, Common const& common)
+void AddCatCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command = app.add_subcommand("cat", "Print files");
+    Command const command = app.Add("cat", "Print files");
     auto const arguments = std::make_shared<Arguments>();
-    command->add_option("LOCATION", arguments->locations, "Paths or URLs of files")->required();
-    CLI::Option* const async = command->add_flag(
-        "--async", arguments->async, "Read ahead, many pieces at once: for slow disks and networks");
+    command.Option("LOCATION", arguments->locations, "Paths or URLs of files").Required();
+    CommandOption const async = command.Flag("--async", arguments->async,
+                                             "Read ahead, many pieces at once: for slow disks and networks");
     command
-        ->add_option("--buffer", arguments->buffer,
-                     "Read 512 bytes at a time through a buffer of this size (64K, 1M, ...); with --verbose, "
-                     "tell how often the file was read")
-        ->transform(CLI::AsSizeValue(false))
-        ->check(CLI::Range(uint64{1}, static_cast<uint64>(kLargestBuffered)))
-        ->excludes(async);
-    AddUserOption(*command, arguments->user);
-    command->callback([&common, arguments] { Run(common, *arguments); });
+        .Size("--buffer", arguments->buffer, static_cast<uint64>(kLargestBuffered),
+              "Read 512 bytes at a time through a buffer of this size (64K, 1M, ...); with --verbose, "
+              "tell how often the file was read")
+        .Excludes(async);
+    AddUserOption(command, arguments->user);
+    command.Runs([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

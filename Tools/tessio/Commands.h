@@ -3,7 +3,7 @@
 
 #include "Common.h"
 
-#include <CLI/CLI.hpp>
+#include "CommandLine.h"
 
 #include <string>
 #include <vector>
@@ -13,18 +13,18 @@ namespace TOOL
 /// Ends the command for a bound that is none.
 Limits LimitsOf(std::vector<std::string> const& texts);
 
-void AddCatCommand(CLI::App& app, Common const& common);
-void AddDirsCommand(CLI::App& app, Common const& common);
-void AddUriCommand(CLI::App& app, Common const& common);
-void AddStringsCommand(CLI::App& app, Common const& common);
-void AddDictCommand(CLI::App& app, Common const& common);
-void AddTreeCommand(CLI::App& app, Common const& common);
-void AddDumpCommands(CLI::App& app, Common const& common);
-void AddDiffCommand(CLI::App& app, Common const& common);
-void AddSalvageCommand(CLI::App& app, Common const& common);
-void AddEditCommands(CLI::App& app, Common const& common);
-void AddFileCommands(CLI::App& app, Common const& common);
-void AddHexCommand(CLI::App& app, Common const& common);
-void AddVerifyCommands(CLI::App& app, Common const& common);
-void AddCopyCommand(CLI::App& app, Common const& common);
+void AddCatCommand(Command const& app, Common const& common);
+void AddDirsCommand(Command const& app, Common const& common);
+void AddUriCommand(Command const& app, Common const& common);
+void AddStringsCommand(Command const& app, Common const& common);
+void AddDictCommand(Command const& app, Common const& common);
+void AddTreeCommand(Command const& app, Common const& common);
+void AddDumpCommands(Command const& app, Common const& common);
+void AddDiffCommand(Command const& app, Common const& common);
+void AddSalvageCommand(Command const& app, Common const& common);
+void AddEditCommands(Command const& app, Common const& common);
+void AddFileCommands(Command const& app, Common const& common);
+void AddHexCommand(Command const& app, Common const& common);
+void AddVerifyCommands(Command const& app, Common const& common);
+void AddCopyCommand(Command const& app, Common const& common);
 } // namespace TOOL

@@ -7,18 +7,17 @@
 #include "Location.h"
 #include "ObjectModel/ClassFactory.h"
 #include "Output.h"
+#include "Progress.h"
 #include "SafeTarget.h"
 #include "TessIO/ResultCodes.h"
 
 #include <fmt/format.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -30,7 +29,6 @@ namespace TOOL
 namespace
 {
 using namespace KORVA;
-using Clock = std::chrono::steady_clock;
 
 struct Arguments
 {
@@ -43,39 +41,24 @@ struct Arguments
 std::atomic<bool> sInterrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
-/// Shows how far a copy has come, once it takes long enough for anyone to wonder, and stops it on an
-/// interrupt.
-class Progress final : public TObject<FILE_SYS::ICopyProgress>
+/// Shows how far a copy has come and stops it on an interrupt.
+class CopyWatch final : public TObject<FILE_SYS::ICopyProgress>
 {
 public:
     bool OnCopied(uint64 done, uint64 total) override
     {
-        Clock::time_point const now = Clock::now();
-        if (mShows && total > 0 && now >= mNext)
-        {
-            std::fprintf(stderr, "\r%3d%%  %llu of %llu MiB",
-                         static_cast<int>(static_cast<double>(done) * 100 / static_cast<double>(total)),
-                         done >> 20, total >> 20);
-            mNext = now + std::chrono::milliseconds(100);
-            mShown = true;
-        }
+        mProgress.At(static_cast<int64>(done), static_cast<int64>(total));
         return !sInterrupted;
     }
 
 protected:
-    ~Progress() override
-    {
-        if (mShown)
-            std::fputs("\r\033[K", stderr);
-    }
+    ~CopyWatch() override = default;
 
 private:
-    bool const mShows = isatty(STDERR_FILENO) == 1;
-    bool mShown = false;
-    Clock::time_point mNext = Clock::now() + std::chrono::milliseconds(500);
+    Progress mProgress{"copying", 0};
 };
 
-using ProgressFactory = TClassFactory<Makes<&New<Progress>, FILE_SYS::IID_COPY_PROGRESS>>;
+using CopyWatchFactory = TClassFactory<Makes<&New<CopyWatch>, FILE_SYS::IID_COPY_PROGRESS>>;
 
 /// While it lives an interrupt stops the copy, which then takes its temporary file away, and not the process.
 class InterruptGuard
@@ -143,7 +126,7 @@ void Clone(Arguments const& arguments, IO::IURIFile const& source, IO::IURIFile&
 constexpr char kSourceShort[] = "the source can't be read, or became shorter";
 
 /// Reads and writes many pieces at once, so that neither side waits for the other. Empty, or why not.
-std::string Transfer(IO::IAsyncReader& reader, IO::IAsyncWriter& writer, int64 size, Progress& progress)
+std::string Transfer(IO::IAsyncReader& reader, IO::IAsyncWriter& writer, int64 size, CopyWatch& watch)
 {
     constexpr auto kPiece = static_cast<int64>(Block::kSize);
     constexpr auto kAll = static_cast<int64>(kBlocks);
@@ -156,8 +139,8 @@ std::string Transfer(IO::IAsyncReader& reader, IO::IAsyncWriter& writer, int64 s
         Block& block = blocks[static_cast<std::size_t>(i % kAll)];
         if (i >= kAll && !block.Wait())
             return "writing failed, or no space left";
-        if (!progress.OnCopied(static_cast<uint64>(std::clamp<int64>((i - kAll) * kPiece, 0, size)),
-                               static_cast<uint64>(size)))
+        if (!watch.OnCopied(static_cast<uint64>(std::clamp<int64>((i - kAll) * kPiece, 0, size)),
+                            static_cast<uint64>(size)))
             return "interrupted";
         if (i < pieces && !block.BeginRead(reader, i * kPiece,
                                            static_cast<std::size_t>(std::min(kPiece, size - i * kPiece))))
@@ -193,9 +176,9 @@ bool CopyPieces(Session const& session, Arguments const& arguments, IO::IURIFile
     IO::IAsyncWriter* const writer = WriterOf(*to);
     if (!writer)
         return false;
-    TInterfacePtr<Progress> progress;
-    progress.Adopt(new Progress);
-    std::string const reason = Transfer(*reader, *writer, size, *progress);
+    TInterfacePtr<CopyWatch> watch;
+    watch.Adopt(new CopyWatch);
+    std::string const reason = Transfer(*reader, *writer, size, *watch);
     // The system's own files may have less than they say.
     if (!reason.empty() && reason == kSourceShort && from->Size() == size)
         return false;
@@ -228,8 +211,8 @@ void CopyForward(Session const& session, Arguments const& arguments, IO::IURIFil
     auto const to = OpenToWrite(session, safe.Temporary())->GetDataProvider();
     auto const from = OpenToRead(session, arguments.source)->GetDataProvider();
     IO::IAsyncWriter* const writer = WriterOf(*to);
-    TInterfacePtr<Progress> progress;
-    progress.Adopt(new Progress);
+    TInterfacePtr<CopyWatch> watch;
+    watch.Adopt(new CopyWatch);
     std::vector<char> piece(Block::kSize);
     int64 done = 0;
     for (;;)
@@ -246,7 +229,7 @@ void CopyForward(Session const& session, Arguments const& arguments, IO::IURIFil
         if (task->GetStatus() != kNoError)
             CannotCopy(arguments, target, "writing failed, or no space left");
         done += count;
-        if (!progress->OnCopied(static_cast<uint64>(done), told))
+        if (!watch->OnCopied(static_cast<uint64>(done), told))
             CannotCopy(arguments, target, "interrupted");
     }
     std::string const reason = session.Failures().Take();
@@ -283,22 +266,21 @@ void Run(Common const& common, Arguments const& arguments)
         CannotCopy(arguments, target, "is a directory");
     if (std::filesystem::equivalent(from, copy->GetURI()->GetPath().ToUTF8(), error))
         CannotCopy(arguments, target, "source and target are the same file");
-    COREREGISTRY::RegisterNewFactory<ProgressFactory>(session.Registry());
+    COREREGISTRY::RegisterNewFactory<CopyWatchFactory>(session.Registry());
     InterruptGuard const guard;
     if (arguments.clone || !CopyPieces(session, arguments, *source, target))
         Clone(arguments, *source, *copy, target);
 }
 } // namespace
 
-void AddCopyCommand(CLI::App& app, Common const& common)
+void AddCopyCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command = app.add_subcommand("cp", "Copy a file with its permissions and date");
+    Command const command = app.Add("cp", "Copy a file with its permissions and date");
     auto const arguments = std::make_shared<Arguments>();
-    command->add_option("SOURCE", arguments->source, "Path or URL of the file")->required();
-    command->add_option("TARGET", arguments->target, "Its new name, or a directory")->required();
-    command->add_flag("--clone", arguments->clone,
-                      "Let the file system copy, which may share the blocks instead");
-    AddUserOption(*command, arguments->user);
-    command->callback([&common, arguments] { Run(common, *arguments); });
+    command.Option("SOURCE", arguments->source, "Path or URL of the file").Required();
+    command.Option("TARGET", arguments->target, "Its new name, or a directory").Required();
+    command.Flag("--clone", arguments->clone, "Let the file system copy, which may share the blocks instead");
+    AddUserOption(command, arguments->user);
+    command.Runs([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

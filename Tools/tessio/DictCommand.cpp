@@ -226,32 +226,32 @@ void List(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddDictCommand(CLI::App& app, Common const& common)
+void AddDictCommand(Command const& app, Common const& common)
 {
-    CLI::App* const dict = app.add_subcommand("dict", "Keep a persistent dictionary in a file");
-    dict->require_subcommand(1);
+    Command const dict = app.Add("dict", "Keep a persistent dictionary in a file");
+    dict.NeedsCommand();
     auto const arguments = std::make_shared<Arguments>();
     auto const add = [&](char const* name, char const* about, void (*run)(Common const&, Arguments const&)) {
-        CLI::App* const command = dict->add_subcommand(name, about);
-        command->add_option("FILE", arguments->file, "The record file")->required();
-        command->callback([&common, arguments, run] { run(common, *arguments); });
+        Command const command = dict.Add(name, about);
+        command.Option("FILE", arguments->file, "The record file").Required();
+        command.Runs([&common, arguments, run] { run(common, *arguments); });
         return command;
     };
     constexpr char kKeyHelp[] = "A number, or a path of numbers through nested dictionaries: 1/7/3";
-    CLI::App* const set = add("set", "Set a value; makes the file and the dictionaries on the way", &Set);
-    set->add_option("KEY", arguments->key, kKeyHelp)->required();
-    set->add_option("TYPE", arguments->type, fmt::format("{}", fmt::join(ValueTypes(), " ")))->required();
-    set->add_option(
+    Command const set = add("set", "Set a value; makes the file and the dictionaries on the way", &Set);
+    set.Option("KEY", arguments->key, kKeyHelp).Required();
+    set.Option("TYPE", arguments->type, fmt::format("{}", fmt::join(ValueTypes(), " "))).Required();
+    set.Option(
         "VALUE", arguments->value,
         "Numbers in any base (42, 0x2A, 0o52, 0b101010), a {GUID}, bytes in hexadecimal, a file's name, "
         "text, a location (uri), a file named from a directory (relative: documents:notes/a.txt); none for "
         "dict. Write -- before a value that begins with a dash");
-    set->add_flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
-    CLI::App* const get = add("get", "Print a value", &Get);
-    get->add_option("KEY", arguments->key, kKeyHelp)->required();
-    get->add_flag("--raw", arguments->raw, "Print bytes or text as they are");
-    add("rm", "Remove a value", &Remove)->add_option("KEY", arguments->key, kKeyHelp)->required();
+    set.Flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
+    Command const get = add("get", "Print a value", &Get);
+    get.Option("KEY", arguments->key, kKeyHelp).Required();
+    get.Flag("--raw", arguments->raw, "Print bytes or text as they are");
+    add("rm", "Remove a value", &Remove).Option("KEY", arguments->key, kKeyHelp).Required();
     add("list", "Print every key, type and value", &List)
-        ->add_option("KEY", arguments->key, "A nested dictionary");
+        .Option("KEY", arguments->key, "A nested dictionary");
 }
 } // namespace TOOL

@@ -108,18 +108,18 @@ void Run(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddDiffCommand(CLI::App& app, Common const& common)
+void AddDiffCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command = app.add_subcommand(
+    Command const command = app.Add(
         "diff",
         "Compare what two record files hold, whatever their byte orders: - removed, + added, ~ changed");
     auto const arguments = std::make_shared<Arguments>();
-    command->add_option("A", arguments->a.file, "A record file; - for standard input")->required();
-    command->add_option("B", arguments->b, "Another one")->required();
-    command->add_option("--endian", arguments->a.endian, "The byte order of both; found out when not given")
-        ->type_name("big|little")
-        ->check(CLI::IsMember({"big", "little"}));
-    command->add_flag("--subset", arguments->subset, "Only whether all that is in A is in B too");
-    command->callback([&common, arguments] { Run(common, *arguments); });
+    command.Option("A", arguments->a.file, "A record file; - for standard input").Required();
+    command.Option("B", arguments->b, "Another one").Required();
+    command.Option("--endian", arguments->a.endian, "The byte order of both; found out when not given")
+        .Names("big|little")
+        .OneOf({"big", "little"});
+    command.Flag("--subset", arguments->subset, "Only whether all that is in A is in B too");
+    command.Runs([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

@@ -57,11 +57,11 @@ void Run(Common const& common, std::vector<std::string> const& names)
 }
 } // namespace
 
-void AddDirsCommand(CLI::App& app, Common const& common)
+void AddDirsCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command = app.add_subcommand("dirs", "Show where the well-known directories are");
+    Command const command = app.Add("dirs", "Show where the well-known directories are");
     auto const names = std::make_shared<std::vector<std::string>>();
-    command->add_option("NAME", *names, "Only these: home, desktop, documents, downloads, ...");
-    command->callback([&common, names] { Run(common, *names); });
+    command.Option("NAME", *names, "Only these: home, desktop, documents, downloads, ...");
+    command.Runs([&common, names] { Run(common, *names); });
 }
 } // namespace TOOL

@@ -52,24 +52,22 @@ void Build(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddDumpCommands(CLI::App& app, Common const& common)
+void AddDumpCommands(Command const& app, Common const& common)
 {
     auto const arguments = std::make_shared<Arguments>();
-    CLI::App* const dump =
-        app.add_subcommand("dump", "Write every byte of a record file as text that build reads");
-    AddSource(*dump, arguments->source);
-    dump->add_option("--format", arguments->format, "text, json, or jsonl: a line for each record")
-        ->check(CLI::IsMember({"text", "json", "jsonl"}))
-        ->type_name("FORMAT");
-    dump->add_option("-o,--output", arguments->out, "The file to write; - for standard output")
-        ->type_name("OUT");
-    dump->callback([&common, arguments] { Dump(common, *arguments); });
-    CLI::App* const build = app.add_subcommand(
+    Command const dump = app.Add("dump", "Write every byte of a record file as text that build reads");
+    AddSource(dump, arguments->source);
+    dump.Option("--format", arguments->format, "text, json, or jsonl: a line for each record")
+        .OneOf({"text", "json", "jsonl"})
+        .Names("FORMAT");
+    dump.Option("-o,--output", arguments->out, "The file to write; - for standard output").Names("OUT");
+    dump.Runs([&common, arguments] { Dump(common, *arguments); });
+    Command const build = app.Add(
         "build", "Make a record file from what dump wrote, in any of its formats; lengths are computed anew");
-    build->add_option("TEXT", arguments->source.file, "What dump wrote; - for standard input")->required();
-    build->add_option("-o,--output", arguments->out, "The record file to write; - for standard output")
-        ->type_name("OUT")
-        ->required();
-    build->callback([&common, arguments] { Build(common, *arguments); });
+    build.Option("TEXT", arguments->source.file, "What dump wrote; - for standard input").Required();
+    build.Option("-o,--output", arguments->out, "The record file to write; - for standard output")
+        .Names("OUT")
+        .Required();
+    build.Runs([&common, arguments] { Build(common, *arguments); });
 }
 } // namespace TOOL

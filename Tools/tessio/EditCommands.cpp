@@ -11,7 +11,6 @@
 #include "Target.h"
 #include "Values.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -162,43 +161,43 @@ void RemovePlace(Common const& common, std::string const& file, std::string cons
     WriteTarget(session, target, document, WithoutPlace(document, path));
 }
 
-void AddEditCommands(CLI::App& app, Common const& common)
+void AddEditCommands(Command const& app, Common const& common)
 {
     auto const arguments = std::make_shared<Arguments>();
     auto const add = [&](char const* name, char const* about, void (*run)(Common const&, Arguments const&)) {
-        CLI::App* const command = app.add_subcommand(name, about);
-        command->callback([&common, arguments, run] { run(common, *arguments); });
+        Command const command = app.Add(name, about);
+        command.Runs([&common, arguments, run] { run(common, *arguments); });
         return command;
     };
-    auto const addPlace = [&](CLI::App* command) {
-        AddSource(*command, arguments->source);
+    auto const addPlace = [&](Command const& command) {
+        AddSource(command, arguments->source);
         command
-            ->add_option("PATH", arguments->path,
-                         "What tree --json shows: /0/dict[42]/dict[7], /0/{GUID}, /1/strings[\"NAME\"]")
-            ->required();
+            .Option("PATH", arguments->path,
+                    "What tree --json shows: /0/dict[42]/dict[7], /0/{GUID}, /1/strings[\"NAME\"]")
+            .Required();
     };
-    CLI::App* const get = add("get", "Print what a path of a record file names", &Get);
+    Command const get = add("get", "Print what a path of a record file names", &Get);
     addPlace(get);
-    get->add_flag("--raw", arguments->raw, "Print bytes or text as they are");
-    CLI::App* const set = add("set", "Set what a path of a record file names", &Set);
+    get.Flag("--raw", arguments->raw, "Print bytes or text as they are");
+    Command const set = add("set", "Set what a path of a record file names", &Set);
     addPlace(set);
-    set->add_option("TYPE", arguments->type,
-                    fmt::format("{}, or record: the one in a file", fmt::join(ValueTypes(), " ")))
-        ->required();
-    set->add_option("VALUE", arguments->value, "As dict set takes it; of a record the file that it is in");
-    AddTarget(*set, arguments->target);
-    CLI::App* const convert = add("convert", "Write a record file in the other byte order", &Convert);
-    convert->add_option("FILE", arguments->source.file, "The record file; - for standard input")->required();
-    convert->add_option("--endian", arguments->order, "The order of the result")
-        ->type_name("big|little")
-        ->check(CLI::IsMember({"big", "little"}))
-        ->required();
-    AddTarget(*convert, arguments->target);
-    CLI::App* const extract = add("extract", "Write one record as a file of its own", &Extract);
+    set.Option("TYPE", arguments->type,
+               fmt::format("{}, or record: the one in a file", fmt::join(ValueTypes(), " ")))
+        .Required();
+    set.Option("VALUE", arguments->value, "As dict set takes it; of a record the file that it is in");
+    AddTarget(set, arguments->target);
+    Command const convert = add("convert", "Write a record file in the other byte order", &Convert);
+    convert.Option("FILE", arguments->source.file, "The record file; - for standard input").Required();
+    convert.Option("--endian", arguments->order, "The order of the result")
+        .Names("big|little")
+        .OneOf({"big", "little"})
+        .Required();
+    AddTarget(convert, arguments->target);
+    Command const extract = add("extract", "Write one record as a file of its own", &Extract);
     addPlace(extract);
-    extract->add_option("-o,--output", arguments->target.out, "The file to write; - for standard output")
-        ->type_name("OUT")
-        ->required();
-    extract->add_flag("--raw", arguments->raw, "Only the bytes or the text that it holds");
+    extract.Option("-o,--output", arguments->target.out, "The file to write; - for standard output")
+        .Names("OUT")
+        .Required();
+    extract.Flag("--raw", arguments->raw, "Only the bytes or the text that it holds");
 }
 } // namespace TOOL

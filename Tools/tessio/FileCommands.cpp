@@ -144,21 +144,21 @@ void Touch(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddFileCommands(CLI::App& app, Common const& common)
+void AddFileCommands(Command const& app, Common const& common)
 {
     auto const arguments = std::make_shared<Arguments>();
     auto const add = [&](char const* name, char const* about, void (*run)(Common const&, Arguments const&)) {
-        CLI::App* const command = app.add_subcommand(name, about);
-        command->add_option("LOCATION", arguments->locations, "Paths or URLs of files")->required();
-        command->callback([&common, arguments, run] { run(common, *arguments); });
+        Command const command = app.Add(name, about);
+        command.Option("LOCATION", arguments->locations, "Paths or URLs of files").Required();
+        command.Runs([&common, arguments, run] { run(common, *arguments); });
         return command;
     };
-    AddUserOption(*add("stat", "Show size, dates and permissions of files", &Stat), arguments->user);
-    AddTarget(*add("rm", "Remove files, or what a path of a record file names: rm FILE /0/dict[42] -i",
+    AddUserOption(add("stat", "Show size, dates and permissions of files", &Stat), arguments->user);
+    AddTarget(add("rm", "Remove files, or what a path of a record file names: rm FILE /0/dict[42] -i",
                    &RemoveFiles),
               arguments->target);
     add("touch", "Create files that are not there, and set the modification date", &Touch)
-        ->add_option("--date", arguments->date,
-                     "YYYY-MM-DDTHH:MM:SS[.fraction]Z, or nanoseconds since 1970; now when not given");
+        .Option("--date", arguments->date,
+                "YYYY-MM-DDTHH:MM:SS[.fraction]Z, or nanoseconds since 1970; now when not given");
 }
 } // namespace TOOL

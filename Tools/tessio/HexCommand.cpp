@@ -5,13 +5,12 @@
 #include "Records/Document.h"
 #include "Records/Layout.h"
 #include "Records/Path.h"
-#include "Records/PlugInClasses.h"
+#include "Values.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <memory>
 
 namespace TOOL
@@ -64,17 +63,13 @@ Extent ExtentOf(Arguments const& arguments, Document const& document, std::vecto
         Node const& node = NodeAt(document.tree, arguments.where, arguments.source.file);
         return {node.offset, node.End(), -1};
     }
-    std::string_view digits = std::string_view(arguments.where).substr(1);
-    int const base = digits.starts_with("0x") ? 16 : 10;
-    if (base == 16)
-        digits.remove_prefix(2);
-    int64 offset = -1;
-    auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), offset, base);
-    if (error != std::errc() || end != digits.data() + digits.size() || digits.empty())
+    auto const number = NumberOf(std::string_view(arguments.where).substr(1));
+    if (!number)
         throw Failure(Exit::kUsage, Quoted(arguments.where) + " is no offset: write @60 or @0x3C");
-    if (offset < 0 || offset >= size)
+    if (*number >= static_cast<KORVA::uint64>(size))
         throw Failure(Exit::kNotFound, fmt::format("{} has {} bytes, there is none at offset {}",
-                                                   Quoted(arguments.source.file), size, offset));
+                                                   Quoted(arguments.source.file), size, *number));
+    auto const offset = static_cast<int64>(*number);
     return InnermostAround(rows, offset);
 }
 
@@ -202,12 +197,7 @@ void Run(Common const& common, Arguments const& arguments)
         static_cast<void>(PathArgument(arguments.where));
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);
-    PlugInClasses const classes(session);
-    DecodeOptions options;
-    options.order = document.tree.order;
-    options.limits = common.limits;
-    options.classes = &classes;
-    std::vector<LayoutRow> const rows = LayoutOf(document.content, options);
+    std::vector<LayoutRow> const rows = LayoutOf(session, common, document);
     Extent const extent = ExtentOf(arguments, document, rows);
     if (common.json)
         PrintJson(
@@ -218,14 +208,14 @@ void Run(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddHexCommand(CLI::App& app, Common const& common)
+void AddHexCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command = app.add_subcommand("hex", "Show every byte of a record file and what it is");
+    Command const command = app.Add("hex", "Show every byte of a record file and what it is");
     auto const arguments = std::make_shared<Arguments>();
-    AddSource(*command, arguments->source);
-    command->add_option("WHERE", arguments->where,
-                        "A path (/0/dict[42]), or @ and an offset: the record around it");
-    command->add_flag("--whole", arguments->whole, "Show long values to their end");
-    command->callback([&common, arguments] { Run(common, *arguments); });
+    AddSource(command, arguments->source);
+    command.Option("WHERE", arguments->where,
+                   "A path (/0/dict[42]), or @ and an offset: the record around it");
+    command.Flag("--whole", arguments->whole, "Show long values to their end");
+    command.Runs([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

@@ -104,7 +104,6 @@ TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string cons
     }
     // What failed before and did not matter is no reason for what may fail now.
     static_cast<void>(session.Failures().Take());
-    stream->Aggregate(&session.Failures(), IID_LAST_FAILURE);
     return stream;
 }
 } // namespace
@@ -194,7 +193,8 @@ TInterfacePtr<IDataProviderStream> OpenToWrite(Session const& session, std::stri
     return Open(session, location, &IO::IURIFile::Write);
 }
 
-std::vector<unsigned char> ReadWhole(IDataProviderStream& stream, std::string const& location)
+std::vector<unsigned char> ReadWhole(Session const& session, IDataProviderStream& stream,
+                                     std::string const& location)
 {
     TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
     int64 const size = provider->Size();
@@ -213,18 +213,15 @@ std::vector<unsigned char> ReadWhole(IDataProviderStream& stream, std::string co
         if (count == 0)
             break;
     }
-    IObject* found = nullptr;
-    std::string reason;
-    if (stream.QueryInterface(IID_LAST_FAILURE, &found) == kNoError)
-        reason = static_cast<LastFailure*>(found)->Take();
+    std::string const reason = session.Failures().Take();
     // A file of a known size that ends early was cut meanwhile, or the disk fails.
     if (!reason.empty() || static_cast<int64>(content.size()) < size)
         CutShort(location, reason, static_cast<int64>(content.size()), std::max(size, provider->Size()));
     return content;
 }
 
-void ReplaceContent(Session const& session, std::string const& location,
-                    std::vector<unsigned char> const& content, std::string const& shown)
+std::string TryReplaceContent(Session const& session, std::string const& location,
+                              std::vector<unsigned char> const& content)
 {
     auto const file = session.Create<FILE_SYS::IFile>(FILE_SYS::IID_IFILE);
     FILE_SYS::ErrCode status = FILE_SYS::kNotFound;
@@ -240,9 +237,14 @@ void ReplaceContent(Session const& session, std::string const& location,
         status = file->Replace(content.data(), content.size());
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
     }
-    if (status == FILE_SYS::kDone)
-        return;
-    throw Failure(Exit::kInputOutput, "cannot write " + Quoted(shown.empty() ? location : shown) + ": " +
-                                          ReasonOf(status) + "; nothing is changed");
+    return status == FILE_SYS::kDone ? "" : ReasonOf(status);
+}
+
+void ReplaceContent(Session const& session, std::string const& location,
+                    std::vector<unsigned char> const& content, std::string const& shown)
+{
+    if (auto const why = TryReplaceContent(session, location, content); !why.empty())
+        throw Failure(Exit::kInputOutput, "cannot write " + Quoted(shown.empty() ? location : shown) + ": " +
+                                              why + "; nothing is changed");
 }
 } // namespace TOOL

@@ -36,12 +36,17 @@ KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToWrite(Session const& 
                                                                  std::string const& location);
 
 /// Reads a stream's file from the start to the end. Ends the command for one of 2 GiB and more.
-std::vector<unsigned char> ReadWhole(KORVA::IO::IDataProviderStream& stream, std::string const& location);
+std::vector<unsigned char> ReadWhole(Session const& session, KORVA::IO::IDataProviderStream& stream,
+                                     std::string const& location);
 
 /// Why the file-system library could not write a file, in words.
 std::string ReasonOf(KORVA::FILE_SYS::ErrCode status);
 
-/// Makes the bytes the file's whole content, at once and safely.
+/// Makes the bytes the file's whole content, at once and safely. Empty, or why the file is as it was.
+std::string TryReplaceContent(Session const& session, std::string const& location,
+                              std::vector<unsigned char> const& content);
+
+/// The same; ends the command when it can't be done.
 /// `shown` is its name in messages; the location when it is empty.
 void ReplaceContent(Session const& session, std::string const& location,
                     std::vector<unsigned char> const& content, std::string const& shown = {});

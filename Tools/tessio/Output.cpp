@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -56,6 +57,33 @@ std::string Escape(std::wstring_view text, bool quotes)
     }
     return result;
 }
+
+/// A character from behind its backslash. Null, or why not.
+char const* Unescape(std::string_view& rest, CoreString& text)
+{
+    constexpr std::string_view kMarks = "nt\"\\";
+    constexpr char16_t kMeanings[] = u"\n\t\"\\";
+    char const mark = rest.empty() ? '\0' : rest.front();
+    if (auto const known = kMarks.find(mark); known != std::string_view::npos)
+    {
+        text.push_back(kMeanings[known]);
+        rest.remove_prefix(1);
+        return nullptr;
+    }
+    if (mark != 'u')
+        return R"(after a backslash in a text stand n, t, ", \ or u{...})";
+    std::size_t const end = rest.find('}');
+    KORVA::uint32 value = 0;
+    if (!rest.starts_with("u{") || end == std::string_view::npos || end == 2 ||
+        std::from_chars(rest.data() + 2, rest.data() + end, value, 16).ptr != rest.data() + end ||
+        value > 0x10FFFF)
+        return R"(\u stands before a hexadecimal number up to 10FFFF in braces)";
+    if (value >= 0x10000)
+        text.push_back(static_cast<char16_t>(0xD7C0 + (value >> 10)));
+    text.push_back(static_cast<char16_t>(value >= 0x10000 ? 0xDC00 + (value & 0x3FF) : value));
+    rest.remove_prefix(end + 1);
+    return nullptr;
+}
 } // namespace
 
 void ChooseColour(std::string const& when)
@@ -83,12 +111,14 @@ void Print(std::string_view text)
                       std::string("cannot write to standard output: ") + std::strerror(errno));
 }
 
-void PrintJson(Json const& document)
+std::string JsonText(Json const& document)
 {
     Json whole = {{"schema", kSchema}};
     whole.update(document);
-    Print(whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    return whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
+
+void PrintJson(Json const& document) { Print(JsonText(document)); }
 
 std::string Escaped(CoreString const& text) { return Escape(text.ToWide(), false); }
 
@@ -99,6 +129,28 @@ std::string Escaped(std::string_view utf8) { return Escape(CoreString(utf8).ToWi
 std::string Quoted(CoreString const& text) { return '"' + Escape(text.ToWide(), true) + '"'; }
 
 std::string Quoted(std::string_view utf8) { return Quoted(CoreString(utf8)); }
+
+char const* Unquote(std::string_view& rest, CoreString& text)
+{
+    for (;;)
+    {
+        std::size_t const plain = rest.find_first_of("\\\"\n");
+        if (plain == std::string_view::npos)
+            return "a text is not closed";
+        if (rest[plain] == '\n')
+            return "a text is not closed on its line";
+        auto const piece = CoreString::FromUTF8(rest.substr(0, plain));
+        if (!piece)
+            return "a text is not valid UTF-8";
+        text.append(*piece);
+        bool const isEnd = rest[plain] == '"';
+        rest.remove_prefix(plain + 1);
+        if (isEnd)
+            return nullptr;
+        if (char const* const why = Unescape(rest, text))
+            return why;
+    }
+}
 
 CoreString TextArgument(std::string const& argument, std::string const& what)
 {

@@ -38,7 +38,8 @@ void ChooseColour(std::string const& when);
 /// The text in its colour, or as it is.
 std::string Styled(Style style, std::string_view text);
 
-/// One JSON document, with the version of its schema in front.
+/// One JSON document, with the version of its schema in front and a line's end behind.
+std::string JsonText(Json const& document);
 void PrintJson(Json const& document);
 
 /// Text that may come from a file, fit for a terminal: control characters as \n, \t or \u{...}. Malformed
@@ -51,6 +52,10 @@ std::string EscapedWide(std::wstring_view text);
 /// The same between double quotes, quotes and backslashes escaped, so that nothing is ambiguous.
 std::string Quoted(KORVA::STRING::CoreString const& text);
 std::string Quoted(std::string_view utf8);
+
+/// The text that `Quoted` showed, from behind its opening quote: moves `rest` behind the closing one. Null,
+/// or why that can't be, with `text` and `rest` as far as it came.
+char const* Unquote(std::string_view& rest, KORVA::STRING::CoreString& text);
 
 /// Takes an argument as text; ends the command when it is not valid UTF-8.
 KORVA::STRING::CoreString TextArgument(std::string const& argument, std::string const& what);

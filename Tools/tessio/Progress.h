@@ -12,7 +12,7 @@ namespace TOOL
 class Progress
 {
 public:
-    /// `what` is done to `total` bytes.
+    /// `what` is done to `total` bytes; 0 when that is not known.
     Progress(std::string what, KORVA::int64 total);
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
@@ -20,6 +20,12 @@ public:
 
     /// So many of the bytes are done. Cheap enough for every record.
     void At(KORVA::int64 done);
+    /// The same for who learns of `total` on the way.
+    void At(KORVA::int64 done, KORVA::int64 total)
+    {
+        mTotal = total;
+        At(done);
+    }
 
 private:
     std::string mWhat;

@@ -5,6 +5,7 @@
 #include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "Records/Document.h"
+#include "Records/FileOrder.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/FilePaths.h"
 #include "TessIO/IPersistentData.h"
@@ -81,7 +82,7 @@ RecordFile::RecordFile(Session const& session, std::string location, GUID const&
 void RecordFile::Load(GUID const& classId, Use use)
 {
     auto stream = use == Use::kRead ? OpenToRead(mSession, mLocation) : OpenToWrite(mSession, mLocation);
-    mContent = ReadWhole(*stream, mLocation);
+    mContent = ReadWhole(mSession, *stream, mLocation);
     if (use != Use::kRead)
         mHeld = std::move(stream);
     mOrder = OrderOf(mContent, mLocation);
@@ -133,7 +134,8 @@ void RecordFile::Save() const
                       Quoted(mLocation) + " would be larger than 2 GiB; nothing is changed");
     // The lock is on the file that was opened; another process may have put a new one in its place meanwhile.
     bool const isThere = FileOf(mSession, mLocation)->Exists();
-    if (mIsNew ? isThere : !isThere || ReadWhole(*OpenToRead(mSession, mLocation), mLocation) != mContent)
+    if (mIsNew ? isThere
+               : !isThere || ReadWhole(mSession, *OpenToRead(mSession, mLocation), mLocation) != mContent)
         throw Failure(Exit::kInputOutput,
                       Quoted(mLocation) + " was changed by another process; nothing is changed by this one");
     ReplaceContent(mSession, mLocation, content);

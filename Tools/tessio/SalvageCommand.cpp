@@ -1,8 +1,10 @@
 // tessio salvage: what can be kept of a damaged record file.
 #include "Commands.h"
 #include "Failure.h"
+#include "Location.h"
 #include "Output.h"
 #include "Records/Document.h"
+#include "Records/FileOrder.h"
 #include "Records/Salvage.h"
 #include "Target.h"
 
@@ -74,6 +76,19 @@ Json ReportJson(Salvaged const& salvaged, std::string const& file, std::string c
     return {{"file", file}, {"result", out}, {"size", size}, {"bytes", totals}, {"fates", fates}};
 }
 
+Salvaged SalvageFile(Bytes const& content, std::string const& file, Order order, Limits const& limits)
+{
+    Progress progress("searching " + Quoted(file), static_cast<int64>(content.size()));
+    try
+    {
+        return Salvage(content, order, limits, &progress);
+    }
+    catch (Failure const& failure)
+    {
+        throw Failure(failure.Code(), Quoted(file) + ": " + failure.what());
+    }
+}
+
 void Run(Common const& common, Arguments const& arguments)
 {
     std::string const& file = arguments.source.file;
@@ -89,35 +104,33 @@ void Run(Common const& common, Arguments const& arguments)
     Bytes const content = ReadInput(session, common, file);
     std::optional<Order> const order = OrderArgument(arguments.source.endian);
     auto const size = static_cast<int64>(content.size());
-    Progress progress("searching " + Quoted(file), size);
-    Salvaged const salvaged = Salvage(content, order ? *order : OrderOf(content, file), &progress);
+    Salvaged const salvaged =
+        SalvageFile(content, file, order ? *order : OrderOf(content, file), common.limits);
     WriteOutput(session, arguments.out, salvaged.content);
-    if (common.json && (arguments.report.empty() || arguments.report == "-"))
-        PrintJson(ReportJson(salvaged, file, arguments.out, size));
-    else
-    {
-        std::string const report = common.json
-                                       ? ReportJson(salvaged, file, arguments.out, size).dump(2) + "\n"
-                                       : ReportText(salvaged, file, arguments.out, size);
-        WriteOutput(session, arguments.report.empty() ? "-" : arguments.report,
-                    Bytes(report.begin(), report.end()));
-    }
+    std::string const report = common.json ? JsonText(ReportJson(salvaged, file, arguments.out, size))
+                                           : ReportText(salvaged, file, arguments.out, size);
+    if (arguments.report.empty() || arguments.report == "-")
+        return Print(report);
+    if (auto const why = TryReplaceContent(session, arguments.report, Bytes(report.begin(), report.end()));
+        !why.empty())
+        throw Failure(Exit::kInputOutput, fmt::format("cannot write {}: {}; the result is in {}",
+                                                      Quoted(arguments.report), why, Quoted(arguments.out)));
 }
 } // namespace
 
-void AddSalvageCommand(CLI::App& app, Common const& common)
+void AddSalvageCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command =
-        app.add_subcommand("salvage", "Write everything that is whole in a damaged record file to a new one");
+    Command const command =
+        app.Add("salvage", "Write everything that is whole in a damaged record file to a new one");
     auto const arguments = std::make_shared<Arguments>();
-    AddSource(*command, arguments->source);
-    command->add_option("-o,--output", arguments->out, "The file to write; - for standard output")
-        ->type_name("OUT")
-        ->required();
+    AddSource(command, arguments->source);
+    command.Option("-o,--output", arguments->out, "The file to write; - for standard output")
+        .Names("OUT")
+        .Required();
     command
-        ->add_option("--report", arguments->report,
-                     "Where what became of every byte is written; standard output when not given")
-        ->type_name("FILE");
-    command->callback([&common, arguments] { Run(common, *arguments); });
+        .Option("--report", arguments->report,
+                "Where what became of every byte is written; standard output when not given")
+        .Names("FILE");
+    command.Runs([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

@@ -2,13 +2,12 @@
 #include "Commands.h"
 #include "Failure.h"
 #include "Import.h"
-#include "Location.h"
 #include "Output.h"
 #include "RecordFile.h"
+#include "Records/Document.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/IStringDictionary.h"
 
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -102,26 +101,11 @@ void List(Common const& common, Arguments const& arguments)
         Print(lister.text);
 }
 
-std::string SourceText(Session const& session, std::string const& source)
-{
-    if (source == "-")
-    {
-        std::string text;
-        char piece[65536];
-        while (std::size_t const count = std::fread(piece, 1, sizeof piece, stdin))
-            text.append(piece, count);
-        if (std::ferror(stdin) != 0)
-            throw Failure(Exit::kInputOutput, "cannot read standard input");
-        return text;
-    }
-    std::vector<unsigned char> const bytes = ReadWhole(*OpenToRead(session, source), source);
-    return {bytes.begin(), bytes.end()};
-}
-
 void Import(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
-    auto const assignments = ParseAssignments(SourceText(session, arguments.value), arguments.value);
+    Bytes const text = ReadInput(session, common, arguments.value);
+    auto const assignments = ParseAssignments(std::string(text.begin(), text.end()), arguments.value);
     RecordFile const file = Open(session, arguments, RecordFile::Use::kEditOrCreate);
     for (auto const& [key, value] : assignments)
         Strings(file).Put(TextArgument(key, "key"), TextArgument(value, "value of " + key));
@@ -129,33 +113,33 @@ void Import(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddStringsCommand(CLI::App& app, Common const& common)
+void AddStringsCommand(Command const& app, Common const& common)
 {
-    CLI::App* const strings = app.add_subcommand("strings", "Keep a string dictionary in a file");
-    strings->require_subcommand(1);
+    Command const strings = app.Add("strings", "Keep a string dictionary in a file");
+    strings.NeedsCommand();
     auto const arguments = std::make_shared<Arguments>();
     auto const add = [&](char const* name, char const* about, void (*run)(Common const&, Arguments const&)) {
-        CLI::App* const command = strings->add_subcommand(name, about);
-        command->add_option("FILE", arguments->file, "The record file")->required();
-        command->callback([&common, arguments, run] { run(common, *arguments); });
+        Command const command = strings.Add(name, about);
+        command.Option("FILE", arguments->file, "The record file").Required();
+        command.Runs([&common, arguments, run] { run(common, *arguments); });
         return command;
     };
-    auto const addKey = [&](CLI::App* command) {
-        command->add_option("KEY", arguments->key, "The key")->required();
+    auto const addKey = [&](Command const& command) {
+        command.Option("KEY", arguments->key, "The key").Required();
     };
-    auto const addOrder = [&](CLI::App* command) {
-        command->add_flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
+    auto const addOrder = [&](Command const& command) {
+        command.Flag("--big-endian", arguments->bigEndian, "Make a new file in big-endian order");
     };
-    CLI::App* const set = add("set", "Set a key; makes the file when it is not there", &Set);
+    Command const set = add("set", "Set a key; makes the file when it is not there", &Set);
     addKey(set);
-    set->add_option("VALUE", arguments->value, "The value")->required();
+    set.Option("VALUE", arguments->value, "The value").Required();
     addOrder(set);
     addKey(add("get", "Print the value of a key", &Get));
     addKey(add("rm", "Remove a key", &Remove));
     add("list", "Print every key and value, in order", &List);
-    CLI::App* const import =
+    Command const import =
         add("import", "Set every key of a KEY=value text such as /etc/os-release", &Import);
-    import->add_option("SOURCE", arguments->value, "The text; - for standard input")->required();
+    import.Option("SOURCE", arguments->value, "The text; - for standard input").Required();
     addOrder(import);
 }
 } // namespace TOOL

@@ -6,18 +6,16 @@
 #include "SafeTarget.h"
 #include "TessIO/FilePaths.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 
 namespace TOOL
 {
-void AddTarget(CLI::App& command, Target& target)
+void AddTarget(Command const& command, Target& target)
 {
-    CLI::Option* const out =
-        command.add_option("-o,--output", target.out, "The file to write; - for standard output")
-            ->type_name("OUT");
-    command.add_flag("-i,--in-place", target.inPlace, "Change the file itself; FILE~ keeps what it was")
-        ->excludes(out);
+    CommandOption const out =
+        command.Option("-o,--output", target.out, "The file to write; - for standard output").Names("OUT");
+    command.Flag("-i,--in-place", target.inPlace, "Change the file itself; FILE~ keeps what it was")
+        .Excludes(out);
 }
 
 void CheckTarget(Target const& target, std::string const& file)
@@ -62,7 +60,7 @@ void WriteTarget(Session const& session, Target const& target, Document const& d
     if (!target.inPlace)
         return WriteOutput(session, target.out, content);
     KeepBackup(session, document);
-    if (ReadWhole(*OpenToRead(session, document.file), document.file) != document.content)
+    if (ReadWhole(session, *OpenToRead(session, document.file), document.file) != document.content)
         throw Failure(Exit::kInputOutput,
                       Quoted(document.file) +
                           " was changed by another process; nothing is changed by this one");

@@ -1,16 +1,12 @@
 // Where the result of a change goes.
 #pragma once
 
+#include "CommandLine.h"
 #include "Common.h"
 #include "Records/Document.h"
 #include "Session.h"
 
 #include <string>
-
-namespace CLI
-{
-class App;
-}
 
 namespace TOOL
 {
@@ -22,7 +18,7 @@ struct Target
 };
 
 /// Adds the options -o and --in-place.
-void AddTarget(CLI::App& command, Target& target);
+void AddTarget(Command const& command, Target& target);
 
 /// Ends the command unless it is said where the result of changing `file` goes.
 void CheckTarget(Target const& target, std::string const& file);

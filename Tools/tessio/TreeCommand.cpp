@@ -100,15 +100,14 @@ void Run(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddTreeCommand(CLI::App& app, Common const& common)
+void AddTreeCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command =
-        app.add_subcommand("tree", "Show every record of a file with offset and length");
+    Command const command = app.Add("tree", "Show every record of a file with offset and length");
     auto const arguments = std::make_shared<Arguments>();
-    AddSource(*command, arguments->source);
-    command->add_option("PATH", arguments->path, "Only what is there: /0/dict[42]");
-    command->add_flag("--big-endian", arguments->bigEndian, "The same as --endian big");
-    AddPage(*command, arguments->page);
-    command->callback([&common, arguments] { Run(common, *arguments); });
+    AddSource(command, arguments->source);
+    command.Option("PATH", arguments->path, "Only what is there: /0/dict[42]");
+    command.Flag("--big-endian", arguments->bigEndian, "The same as --endian big");
+    AddPage(command, arguments->page);
+    command.Runs([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

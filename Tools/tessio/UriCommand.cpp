@@ -143,19 +143,17 @@ void Run(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddUriCommand(CLI::App& app, Common const& common)
+void AddUriCommand(Command const& app, Common const& common)
 {
-    CLI::App* const command =
-        app.add_subcommand("uri", "Show the parts of locations: URLs, POSIX, Windows and colon paths");
+    Command const command =
+        app.Add("uri", "Show the parts of locations: URLs, POSIX, Windows and colon paths");
     auto const arguments = std::make_shared<Arguments>();
-    command->add_option("LOCATION", arguments->locations, "Anything that names a resource")->required();
-    CLI::Option* const directory = command->add_option(
+    command.Option("LOCATION", arguments->locations, "Anything that names a resource").Required();
+    CommandOption const directory = command.Option(
         "--relative-to", arguments->directory,
         "Name files from a well-known directory (documents, ...), as a reference that survives a move of it");
-    command
-        ->add_option("--resolve", arguments->base,
-                     "Take the locations, escaped as in a URL, against this one")
-        ->excludes(directory);
-    command->callback([&common, arguments] { Run(common, *arguments); });
+    command.Option("--resolve", arguments->base, "Take the locations, escaped as in a URL, against this one")
+        .Excludes(directory);
+    command.Runs([&common, arguments] { Run(common, *arguments); });
 }
 } // namespace TOOL

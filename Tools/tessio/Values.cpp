@@ -17,7 +17,6 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
-#include <optional>
 
 namespace TOOL
 {
@@ -30,34 +29,13 @@ using namespace KORVA;
     throw Failure(Exit::kUsage, Quoted(text) + " is no " + type + ": " + why);
 }
 
-/// Digits after sign and base prefix; nothing when the text is no whole number of 64 bits.
-std::optional<uint64> Magnitude(std::string_view text)
-{
-    int base = 10;
-    if (text.size() > 2 && text[0] == '0')
-    {
-        char const mark = text[1];
-        base = mark == 'x' || mark == 'X'   ? 16
-               : mark == 'o' || mark == 'O' ? 8
-               : mark == 'b' || mark == 'B' ? 2
-                                            : 10;
-        if (base != 10)
-            text.remove_prefix(2);
-    }
-    uint64 value = 0;
-    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-    if (error != std::errc() || end != text.data() + text.size() || text.empty())
-        return std::nullopt;
-    return value;
-}
-
 template <class Number>
 Number Whole(std::string const& text, std::string const& type)
 {
     using Limits = std::numeric_limits<Number>;
     bool const negative = text.starts_with('-');
     std::string_view const digits = std::string_view(text).substr(negative || text.starts_with('+') ? 1 : 0);
-    std::optional<uint64> const magnitude = Magnitude(digits);
+    std::optional<uint64> const magnitude = NumberOf(digits);
     if (!magnitude)
         Unfit(text, type, "not a whole number of at most 64 bits");
     auto const largest = static_cast<uint64>(Limits::max());
@@ -238,6 +216,26 @@ struct Show
     }
 };
 } // namespace
+
+std::optional<uint64> NumberOf(std::string_view text)
+{
+    int base = 10;
+    if (text.size() > 2 && text[0] == '0')
+    {
+        char const mark = text[1];
+        base = mark == 'x' || mark == 'X'   ? 16
+               : mark == 'o' || mark == 'O' ? 8
+               : mark == 'b' || mark == 'B' ? 2
+                                            : 10;
+        if (base != 10)
+            text.remove_prefix(2);
+    }
+    uint64 value = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    if (error != std::errc() || end != text.data() + text.size() || text.empty())
+        return std::nullopt;
+    return value;
+}
 
 NumberFields FieldsOfWhole(std::string const& type, uint64 integer)
 {

@@ -5,7 +5,9 @@
 #include "ObjectModel/Types.h"
 #include "TessIO/IDictionary.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -53,6 +55,9 @@ void PutValue(KORVA::IDictionary& dictionary, unsigned int key, std::string cons
 
 /// Every name that `PutValue` takes.
 std::vector<std::string> const& ValueTypes();
+
+/// A whole number without a sign, in any base; nothing when the text is none of at most 64 bits.
+std::optional<KORVA::uint64> NumberOf(std::string_view text);
 
 /// A dictionary key, in any base.
 unsigned int KeyOf(std::string const& text);

@@ -241,22 +241,21 @@ void Classes(Common const& common, Arguments const& arguments)
 }
 } // namespace
 
-void AddVerifyCommands(CLI::App& app, Common const& common)
+void AddVerifyCommands(Command const& app, Common const& common)
 {
     auto const arguments = std::make_shared<Arguments>();
-    CLI::App* const info = app.add_subcommand("info", "Tell size, byte order and classes of a record file");
-    AddSource(*info, arguments->source);
-    info->callback([&common, arguments] { Info(common, *arguments); });
-    CLI::App* const classes =
-        app.add_subcommand("classes", "List the classes in a record file, or those that the library knows");
-    AddSource(*classes, arguments->source);
-    classes->get_option("FILE")->required(false);
-    classes->callback([&common, arguments] { Classes(common, *arguments); });
-    CLI::App* const verify =
-        app.add_subcommand("verify", "Name everything in a record file that is damaged or unusual");
-    AddSource(*verify, arguments->source);
-    verify->add_flag("--strict", arguments->strict, "Take warnings for damage too");
-    AddPage(*verify, arguments->page);
-    verify->callback([&common, arguments] { Verify(common, *arguments); });
+    Command const info = app.Add("info", "Tell size, byte order and classes of a record file");
+    AddSource(info, arguments->source);
+    info.Runs([&common, arguments] { Info(common, *arguments); });
+    Command const classes =
+        app.Add("classes", "List the classes in a record file, or those that the library knows");
+    AddSource(classes, arguments->source);
+    classes.Find("FILE").Required(false);
+    classes.Runs([&common, arguments] { Classes(common, *arguments); });
+    Command const verify = app.Add("verify", "Name everything in a record file that is damaged or unusual");
+    AddSource(verify, arguments->source);
+    verify.Flag("--strict", arguments->strict, "Take warnings for damage too");
+    AddPage(verify, arguments->page);
+    verify.Runs([&common, arguments] { Verify(common, *arguments); });
 }
 } // namespace TOOL

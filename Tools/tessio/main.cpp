@@ -3,6 +3,7 @@
 #include "Help/Documents.h"
 #include "Output.h"
 
+#include <CLI/CLI.hpp>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -82,20 +83,21 @@ int Run(int argc, char** argv)
     });
     // All of these may stand behind the command's name as well.
     app.fallthrough();
-    AddUriCommand(app, common);
-    AddDirsCommand(app, common);
-    AddStringsCommand(app, common);
-    AddDictCommand(app, common);
-    AddTreeCommand(app, common);
-    AddHexCommand(app, common);
-    AddVerifyCommands(app, common);
-    AddDiffCommand(app, common);
-    AddEditCommands(app, common);
-    AddSalvageCommand(app, common);
-    AddDumpCommands(app, common);
-    AddFileCommands(app, common);
-    AddCatCommand(app, common);
-    AddCopyCommand(app, common);
+    Command const commands(app);
+    AddUriCommand(commands, common);
+    AddDirsCommand(commands, common);
+    AddStringsCommand(commands, common);
+    AddDictCommand(commands, common);
+    AddTreeCommand(commands, common);
+    AddHexCommand(commands, common);
+    AddVerifyCommands(commands, common);
+    AddDiffCommand(commands, common);
+    AddEditCommands(commands, common);
+    AddSalvageCommand(commands, common);
+    AddDumpCommands(commands, common);
+    AddFileCommands(commands, common);
+    AddCatCommand(commands, common);
+    AddCopyCommand(commands, common);
     AddDocumentCommand(app, TESSIO_VERSION);
     try
     {

@@ -4,9 +4,7 @@
 #include "Output.h"
 #include "Page/Template.h"
 #include "Records/Json.h"
-#include "Records/PlugInClasses.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -81,12 +79,12 @@ Json RowJson(LayoutRow const& row)
 }
 } // namespace
 
-void AddPage(CLI::App& command, std::string& out)
+void AddPage(Command const& command, std::string& out)
 {
     command
-        .add_option("--html", out,
-                    "Write a page for a browser instead: records beside their bytes; - for standard output")
-        ->type_name("FILE");
+        .Option("--html", out,
+                "Write a page for a browser instead: records beside their bytes; - for standard output")
+        .Names("FILE");
 }
 
 std::string PageOf(Document const& document, std::vector<LayoutRow> const& rows)
@@ -115,14 +113,9 @@ void WritePage(Session const& session, Common const& common, Document const& doc
     if (document.tree.size > kLargestPage)
         throw Failure(Exit::kLimit, fmt::format("{} is {} bytes; a page takes {} at most",
                                                 Quoted(document.file), document.tree.size, kLargestPage));
-    PlugInClasses const classes(session);
-    DecodeOptions options;
-    options.order = document.tree.order;
-    options.limits = common.limits;
-    options.classes = &classes;
     // Colours of the terminal have no place in it.
     ChooseColour("never");
-    std::string const page = PageOf(document, LayoutOf(document.content, options));
+    std::string const page = PageOf(document, LayoutOf(session, common, document));
     ChooseColour(common.colour);
     WriteOutput(session, out, Bytes(page.begin(), page.end()));
 }

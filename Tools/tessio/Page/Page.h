@@ -1,15 +1,11 @@
 // A record file as one page for a browser.
 #pragma once
 
+#include "CommandLine.h"
 #include "Records/Document.h"
 #include "Records/Layout.h"
 
 #include <string>
-
-namespace CLI
-{
-class App;
-}
 
 namespace TOOL
 {
@@ -21,7 +17,7 @@ constexpr KORVA::int64 kLargestPage = KORVA::int64{8} << 20;
 std::string PageOf(Document const& document, std::vector<LayoutRow> const& rows);
 
 /// Adds the option --html.
-void AddPage(CLI::App& command, std::string& out);
+void AddPage(Command const& command, std::string& out);
 
 /// Writes the page to a file, or to standard output for "-". Ends the command for a file that is too large.
 void WritePage(Session const& session, Common const& common, Document const& document,

@@ -1,153 +1,22 @@
-#include "Records/Decoder.h"
+#include "Records/DecoderClass.h"
 
-#include "Directories.h"
 #include "Failure.h"
 #include "ObjectModel/GUIDText.h"
-#include "Output.h"
 #include "TessIO/ClassIds.h"
 
-#include <fmt/format.h>
-
-#include <bit>
+#include <algorithm>
 #include <set>
+#include <utility>
 
 namespace TOOL
 {
-namespace
-{
 using namespace KORVA;
-using STRING::CoreString;
-
-/// Thrown inside a record where its bytes stop making sense; costs the rest of that record.
-struct Broken
-{
-    char const* code;
-    int64 offset;
-    std::string words;
-};
-
-constexpr std::size_t kShownUnits = 64;
-
-/// The beginning of a long text, for a field's value.
-std::string ShownText(CoreString const& text)
-{
-    return text.size() <= kShownUnits ? Quoted(text) : Quoted(text.substr(0, kShownUnits)) + "...";
-}
-
-class Decoder
-{
-public:
-    Decoder(ByteView content, DecodeOptions const& options) : mContent(content), mOptions(options) {}
-
-    Node Record(int64 offset, int64 limit, char const* holder, Label label, int depth);
-    std::optional<Node> ByContent(int64 offset, int64 limit);
-
-private:
-    void Count(int64 offset);
-    bool ReadHeader(Node& node, int64 limit, char const* holder);
-    void ReadContent(Node& node, int64 end, int depth);
-    void Body(Node& node, int64 end, int depth);
-    void Dictionary(Node& node, int64 end, int depth);
-    void Strings(Node& node, int64 end);
-    void CheckOrder(Node& node, Node const& entry, std::set<CoreString>& seen);
-    void Relative(Node& node, int64 end);
-    void PlainValue(Node& node, int64 end);
-    void Number(Value& value, int64 end);
-    void Buffer(Node& node, int64 end);
-    void Object(Node& node, ReadBody const& body, int depth);
-    void Aggregates(Node& node, int64 end, int depth);
-    void Nested(std::vector<Node>& nodes, Label label, int64 end, int depth);
-
-    void Need(int64 bytes, int64 end, char const* what) const;
-    template <class N>
-    N Read(int64 end, Role role, char const* name, char const* what);
-    GUID ReadId(int64 end, Role role, char const* name, char const* what);
-    CoreString ReadString(Node& node, int64 end, Role role, char const* name);
-    void Tell(int64 offset, int64 length, Role role, std::string name, std::string value);
-    void Note(Node& node, Severity severity, char const* code, int64 offset, std::string words);
-
-    ByteView mContent;
-    DecodeOptions const& mOptions;
-    int64 mPosition = 0;
-    int64 mRecords = 0;
-};
-
-void Decoder::Tell(int64 offset, int64 length, Role role, std::string name, std::string value)
-{
-    if (mOptions.fields && length > 0)
-        mOptions.fields->OnField({offset, length, role, std::move(name), std::move(value)});
-}
-
-void Decoder::Note(Node& node, Severity severity, char const* code, int64 offset, std::string words)
-{
-    node.findings.push_back({severity, code, offset, std::move(words)});
-    if (severity == Severity::kError)
-        node.regular = false;
-}
-
-void Decoder::Need(int64 bytes, int64 end, char const* what) const
-{
-    if (end - mPosition < bytes)
-        throw Broken{"cut-short", mPosition,
-                     fmt::format("{} needs {} bytes, {} are left", what, bytes, end - mPosition)};
-}
-
-template <class N>
-N Decoder::Read(int64 end, Role role, char const* name, char const* what)
-{
-    Need(sizeof(N), end, what);
-    auto const number = Load<N>(mContent.data() + mPosition, mOptions.order);
-    if (mOptions.fields)
-        Tell(mPosition, sizeof(N), role, name, fmt::format("{}", number));
-    mPosition += static_cast<int64>(sizeof(N));
-    return number;
-}
-
-GUID Decoder::ReadId(int64 end, Role role, char const* name, char const* what)
-{
-    Need(sizeof(GUID), end, what);
-    GUID const id = LoadId(mContent.data() + mPosition, mOptions.order);
-    if (mOptions.fields)
-        Tell(mPosition, sizeof(GUID), role, name, GUIDToText(id));
-    mPosition += static_cast<int64>(sizeof(GUID));
-    return id;
-}
-
-CoreString Decoder::ReadString(Node& node, int64 end, Role role, char const* name)
-{
-    int64 const start = mPosition;
-    auto const count = Read<int32>(end, Role::kCount, "bytes of text", "a string's length");
-    if (count < 0)
-        throw Broken{"string-length-negative", start, fmt::format("a string has the length {}", count)};
-    // One byte is no unit, and the reader leaves it where it is.
-    bool const isOdd = count % 2 != 0;
-    if (isOdd)
-    {
-        Note(node, Severity::kWarning, "string-length-odd", start,
-             fmt::format("a string of {} bytes: units have two", count));
-        node.regular = false;
-    }
-    if (count < 2)
-        return {};
-    if (end - mPosition < count)
-        throw Broken{
-            "string-too-long", start,
-            fmt::format("a string should be {} bytes, the record leaves {}", count, end - mPosition)};
-    CoreString text;
-    text.reserve(static_cast<std::size_t>(count / 2));
-    for (int64 i = 0; i < count / 2; ++i)
-        text.push_back(Load<char16_t>(mContent.data() + mPosition + 2 * i, mOptions.order));
-    if (mOptions.fields)
-        Tell(mPosition, count, role, name, ShownText(text));
-    mPosition += count;
-    return text;
-}
 
 /// Class id and length. Whether the length can be believed.
 bool Decoder::ReadHeader(Node& node, int64 limit, char const* holder)
 {
     node.classId = LoadId(mContent.data() + mPosition, mOptions.order);
-    KnownClass const* const known = FindClass(node.classId);
+    KnownClass const* const known = mAs ? std::exchange(mAs, nullptr) : FindClass(node.classId);
     if (known)
         node.kind = known->kind;
     std::string const name = known ? std::string(" ") + known->name : "";
@@ -172,7 +41,7 @@ bool Decoder::ReadHeader(Node& node, int64 limit, char const* holder)
 /// Records and text entries count, for each takes memory.
 void Decoder::Count(int64 offset)
 {
-    if (++mRecords > mOptions.limits.count)
+    if (++(mOptions.count ? *mOptions.count : mRecords) > mOptions.limits.count)
         throw Failure(Exit::kLimit,
                       fmt::format("more than {} records: the record at offset {} is one too many",
                                   mOptions.limits.count, offset));
@@ -275,9 +144,33 @@ void Decoder::Body(Node& node, int64 end, int depth)
     }
 }
 
+/// Looks a record up, or passes one of an unknown class by its length.
+void Decoder::PassNested(int64 end)
+{
+    Count(mPosition);
+    int height = 0;
+    int64 next = 0;
+    if (FindClass(LoadId(mContent.data() + mPosition, mOptions.order)))
+    {
+        auto const sound = mOptions.sound->find(mPosition);
+        next = sound == mOptions.sound->end() ? 0 : sound->second.end;
+        height = next == 0 ? 0 : sound->second.height;
+    }
+    else if (auto const length = Load<int64>(mContent.data() + mPosition + 16, mOptions.order);
+             length >= 0 && length <= std::min(kLargestLength, end - mPosition - kHeader) &&
+             !mOptions.misnamed->contains(mPosition))
+        next = mPosition + kHeader + length;
+    if (next == 0 || next > end)
+        throw Broken{"nested-damaged", mPosition, "a record in it is damaged"};
+    mPosition = next;
+    mHeight = std::max(mHeight, height + 1);
+}
+
 void Decoder::Nested(std::vector<Node>& nodes, Label label, int64 end, int depth)
 {
     Need(kHeader, end, "a record's header");
+    if (mOptions.sound)
+        return PassNested(end);
     nodes.push_back(Record(mPosition, end, "parent", std::move(label), depth + 1));
 }
 
@@ -294,6 +187,11 @@ void Decoder::Dictionary(Node& node, int64 end, int depth)
             throw Broken{"count-too-large", at,
                          fmt::format("should hold {} entries, there is room for {}", count, i)};
         auto const key = Read<uint32>(end, Role::kKey, "key", "a key");
+        if (mOptions.sound)
+        {
+            Nested(node.entries, {}, end, depth);
+            continue;
+        }
         if (ascending && !seen.empty() && key < *seen.rbegin())
         {
             ascending = false;
@@ -307,158 +205,6 @@ void Decoder::Dictionary(Node& node, int64 end, int depth)
     }
 }
 
-/// As long as keys ascend, none can be there twice; from then on all of them are kept in `seen`.
-void Decoder::CheckOrder(Node& node, Node const& entry, std::set<CoreString>& seen)
-{
-    CoreString const& key = entry.label.text;
-    if (!node.entries.empty() && seen.empty() && !(node.entries.back().label.text < key))
-        for (Node const& before : node.entries)
-            seen.insert(before.label.text);
-    if (seen.empty())
-        return;
-    CoreString const& before = node.entries.back().label.text;
-    if (!seen.insert(key).second)
-        Note(node, Severity::kWarning, "key-twice", entry.offset,
-             fmt::format("the key {} is there twice; the last one counts", Quoted(key)));
-    else if (key < before)
-        Note(node, Severity::kWarning, "keys-not-ascending", entry.offset,
-             fmt::format("the key {} stands behind {}", Quoted(key), Quoted(before)));
-}
-
-void Decoder::Strings(Node& node, int64 end)
-{
-    std::set<CoreString> seen;
-    int64 const at = mPosition;
-    auto const count = Read<uint32>(end, Role::kCount, "entries", "the number of entries");
-    for (uint32 i = 0; i < count; ++i)
-    {
-        if (end - mPosition < 8)
-            throw Broken{"count-too-large", at,
-                         fmt::format("should hold {} entries, there is room for {}", count, i)};
-        Count(mPosition);
-        Node entry;
-        entry.kind = Kind::kStringEntry;
-        entry.offset = mPosition;
-        entry.label.type = Label::Type::kText;
-        entry.label.text = ReadString(node, end, Role::kKey, "key");
-        entry.text = ReadString(node, end, Role::kValue, "value");
-        entry.length = mPosition - entry.offset;
-        CheckOrder(node, entry, seen);
-        node.entries.push_back(std::move(entry));
-    }
-}
-
-void Decoder::Relative(Node& node, int64 end)
-{
-    node.scheme = ReadString(node, end, Role::kValue, "scheme");
-    node.host = ReadString(node, end, Role::kValue, "host");
-    node.port = Read<uint32>(end, Role::kValue, "port", "a port");
-    node.text = ReadString(node, end, Role::kValue, "path");
-    int64 const at = mPosition;
-    node.directory = Read<int32>(end, Role::kValue, "directory", "a directory's number");
-    if (!DirectoryOfType(node.directory))
-        Note(node, Severity::kWarning, "directory-unknown", at,
-             fmt::format("no directory has the number {}", node.directory));
-}
-
-void Decoder::PlainValue(Node& node, int64 end)
-{
-    int64 const at = mPosition;
-    Need(4, end, "a type tag");
-    Value& value = node.value;
-    value.tag = Load<uint32>(mContent.data() + mPosition, mOptions.order);
-    mPosition += 4;
-    ValueType const* const type = FindType(value.tag);
-    value.type = type ? type->name : "unknown";
-    Tell(at, 4, Role::kTag, "type", value.type);
-    if (!type)
-    {
-        Note(node, Severity::kWarning, "type-unknown", at,
-             fmt::format("nobody knows the type tag 0x{:08X}; the value reads as empty", value.tag));
-        return;
-    }
-    if (value.type == "none")
-        return;
-    if (value.type == "guid")
-    {
-        // In memory order, whatever the file's.
-        Need(sizeof(GUID), end, "an identifier");
-        GUID const id = LoadId(mContent.data() + mPosition, IO::IDataProvider::kLittleEndian);
-        value.content = id;
-        Tell(mPosition, sizeof(GUID), Role::kValue, "value", GUIDToText(id));
-        mPosition += static_cast<int64>(sizeof(GUID));
-    }
-    else if (value.type == "bytes" || value.type == "text")
-        Buffer(node, end);
-    else
-    {
-        Number(value, end);
-        if (!IsPlainNumber(value))
-            Note(node, Severity::kWarning, "number-fields-differ", at + 4,
-                 fmt::format("as a whole number it is {}, as a floating-point number {}",
-                             value.type.starts_with('u') ? std::to_string(value.integer)
-                                                         : std::to_string(static_cast<int64>(value.integer)),
-                             std::bit_cast<double>(value.floating)));
-    }
-}
-
-void Decoder::Buffer(Node& node, int64 end)
-{
-    int64 const at = mPosition;
-    Value& value = node.value;
-    auto const length = Read<int32>(end, Role::kCount, "bytes of value", "a buffer's length");
-    if (length < 0)
-        throw Broken{"buffer-length-negative", at, fmt::format("a buffer has the length {}", length)};
-    if (end - mPosition < length)
-        throw Broken{
-            "buffer-too-long", at,
-            fmt::format("a buffer should be {} bytes, the record leaves {}", length, end - mPosition)};
-    unsigned char const* const from = mContent.data() + mPosition;
-    if (value.type == "bytes")
-    {
-        value.content = Bytes(from, from + length);
-        Tell(mPosition, length, Role::kValue, "value", fmt::format("{} bytes", length));
-    }
-    else
-    {
-        std::u16string units;
-        for (int64 i = 0; i + 1 < length; i += 2)
-            units += Load<char16_t>(from + i, IO::IDataProvider::kLittleEndian);
-        if (mOptions.fields)
-            Tell(mPosition, length, Role::kValue, "value", ShownText(CoreString(units)));
-        value.content = std::move(units);
-        if (length % 2 != 0)
-        {
-            Note(node, Severity::kWarning, "text-length-odd", at,
-                 fmt::format("a text of {} bytes: units have two", length));
-            node.regular = false;
-        }
-    }
-    mPosition += length;
-}
-
-void Decoder::Number(Value& value, int64 end)
-{
-    Need(16, end, "a number");
-    if (value.type.starts_with('u'))
-        value.integer = Read<uint64>(end, Role::kValue, "as a whole number", "a number");
-    else
-        value.integer = static_cast<uint64>(Read<int64>(end, Role::kValue, "as a whole number", "a number"));
-    value.floating = Load<uint64>(mContent.data() + mPosition, mOptions.order);
-    auto const floating = std::bit_cast<double>(value.floating);
-    if (mOptions.fields)
-        Tell(mPosition, 8, Role::kValue, "as a floating-point number", fmt::format("{}", floating));
-    mPosition += 8;
-    if (value.type == "float")
-        value.content = static_cast<float>(floating);
-    else if (value.type == "double")
-        value.content = floating;
-    else if (value.type.starts_with('u'))
-        value.content = value.integer;
-    else
-        value.content = static_cast<int64>(value.integer);
-}
-
 void Decoder::Object(Node& node, ReadBody const& body, int depth)
 {
     int64 const end = mPosition + body.length;
@@ -470,7 +216,7 @@ void Decoder::Object(Node& node, ReadBody const& body, int depth)
         if (part.type == "record")
             Nested(node.entries, {.type = Label::Type::kPart, .number = records++, .text = {}, .id = {}},
                    part.offset + part.length, depth);
-        else
+        else if (mOptions.fields)
             Tell(part.offset, part.length, Role::kValue, part.type,
                  ShownPart(mContent, part, mOptions.order));
     }
@@ -531,25 +277,21 @@ std::optional<Node> Decoder::ByContent(int64 offset, int64 limit)
     return node;
 }
 
-/// How much of a file looks like top-level records in that order: 2 for one of a known class, 1 for records
-/// of unknown classes that end exactly where the file does, 0 otherwise.
-int Likeliness(ByteView content, Order order)
+std::optional<SoundRecord> Decoder::Sound(int64 offset, KnownClass const& known)
 {
-    auto const size = static_cast<int64>(content.size());
-    for (int64 at = 0; at < size;)
-    {
-        if (size - at < kHeader)
-            return 0;
-        if (FindClass(LoadId(content.data() + at, order)))
-            return 2;
-        auto const length = Load<int64>(content.data() + at + 16, order);
-        if (length < 0 || length > kLargestLength || length > size - at - kHeader)
-            return 0;
-        at += kHeader + length;
-    }
-    return size == 0 ? 0 : 1;
+    mAs = &known;
+    Node const node = Record(offset, static_cast<int64>(mContent.size()), "file", {}, 0);
+    if (mHeight >= mOptions.limits.depth)
+        throw Failure(Exit::kLimit, fmt::format("the record at offset {} holds others more than {} deep",
+                                                offset, mOptions.limits.depth));
+    if (mHeight >= kDeepest || IsDamaged(node))
+        return std::nullopt;
+    bool const isText = node.kind == Kind::kURI || node.kind == Kind::kRelativeURI ||
+                        node.kind == Kind::kStrings || node.value.type == "text";
+    bool const isUsual = std::ranges::none_of(
+        node.findings, [](Finding const& finding) { return finding.severity == Severity::kWarning; });
+    return SoundRecord{node.End(), mHeight, isText ? node.aggregatesAt : 0, isUsual};
 }
-} // namespace
 
 RecordTree Decode(ByteView content, DecodeOptions const& options)
 {
@@ -584,12 +326,9 @@ std::optional<Node> DecodeByContent(ByteView content, int64 offset, int64 limit,
     return Decoder(content, options).ByContent(offset, limit);
 }
 
-std::optional<Order> FindOrder(ByteView content)
+std::optional<SoundRecord> SoundRecordAt(ByteView content, int64 offset, KnownClass const& known,
+                                         DecodeOptions const& options)
 {
-    int const little = Likeliness(content, IO::IDataProvider::kLittleEndian);
-    int const big = Likeliness(content, IO::IDataProvider::kBigEndian);
-    if (little == 0 && big == 0)
-        return std::nullopt;
-    return big > little ? IO::IDataProvider::kBigEndian : IO::IDataProvider::kLittleEndian;
+    return Decoder(content, options).Sound(offset, known);
 }
 } // namespace TOOL

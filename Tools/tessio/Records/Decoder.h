@@ -5,6 +5,7 @@
 #include "Records/Limits.h"
 #include "Records/Node.h"
 
+#include <map>
 #include <optional>
 
 namespace TOOL
@@ -63,6 +64,24 @@ public:
     virtual bool Makes(GUID const& classId) const = 0;
 };
 
+/// A record of a known class that makes sense to its last byte.
+struct SoundRecord
+{
+    KORVA::int64 end = 0;
+    /// How many records deep others are nested in it.
+    int height = 0;
+    /// Where the texts end that it begins with; no record can be in them. 0 where there are none.
+    KORVA::int64 textEnd = 0;
+    /// Whether a writer of the library would have written it so.
+    bool isUsual = true;
+};
+
+/// By their offsets.
+using SoundRecords = std::map<KORVA::int64, SoundRecord>;
+
+/// Records whose class ids are damaged in a byte or two, by their offsets: the ids that they should have.
+using MisnamedRecords = std::map<KORVA::int64, GUID>;
+
 struct DecodeOptions
 {
     Order order = KORVA::IO::IDataProvider::kLittleEndian;
@@ -70,6 +89,13 @@ struct DecodeOptions
     FieldSink* fields = nullptr;
     ClassReader const* classes = nullptr;
     Progress* progress = nullptr;
+    /// All that begin behind the record that is read. Those in it are then looked up instead of read once
+    /// more, and no content is kept.
+    SoundRecords const* sound = nullptr;
+    /// What holds one of these is damaged. Needed with `sound`.
+    MisnamedRecords const* misnamed = nullptr;
+    /// Counts on what was read before; each reading counts from nothing without it.
+    KORVA::int64* count = nullptr;
 };
 
 /// Reads the structure of a whole file. What can't be made sense of is named in the nodes; ends the command
@@ -84,8 +110,10 @@ Node DecodeRecord(ByteView content, KORVA::int64 offset, KORVA::int64 limit, Dec
 std::optional<Node> DecodeByContent(ByteView content, KORVA::int64 offset, KORVA::int64 limit,
                                     DecodeOptions const& options);
 
-/// The byte order in which `content` is a record file; nothing when it is none in either.
-std::optional<Order> FindOrder(ByteView content);
+/// The record at `offset`, when it is sound as one of that class, whatever its class id says. At least a
+/// header must be there.
+std::optional<SoundRecord> SoundRecordAt(ByteView content, KORVA::int64 offset, KnownClass const& known,
+                                         DecodeOptions const& options);
 
 /// A part's value for people; long ones are cut.
 std::string ShownPart(ByteView content, Part const& part, Order order);

@@ -3,12 +3,11 @@
 #include "Failure.h"
 #include "Location.h"
 #include "Output.h"
+#include "Records/FileOrder.h"
 #include "Records/PlugInClasses.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace TOOL
@@ -32,21 +31,13 @@ Bytes ReadStandardInput(int64 limit)
     return content;
 }
 
-/// How many class ids of known classes stand in the bytes, in that order.
-std::size_t KnownIds(ByteView content, Order order)
+DecodeOptions Options(Common const& common, Order order, ClassReader const& classes)
 {
-    std::size_t count = 0;
-    for (KnownClass const& known : KnownClasses())
-    {
-        auto const id = StoredId(known.id, order);
-        for (auto at = content.begin();; ++at, ++count)
-        {
-            at = std::search(at, content.end(), id.begin(), id.end());
-            if (at == content.end())
-                break;
-        }
-    }
-    return count;
+    DecodeOptions options;
+    options.order = order;
+    options.limits = common.limits;
+    options.classes = &classes;
+    return options;
 }
 
 Finding const* FirstDamage(std::vector<Finding> const& findings)
@@ -58,12 +49,12 @@ Finding const* FirstDamage(std::vector<Finding> const& findings)
 }
 } // namespace
 
-void AddSource(CLI::App& command, Source& source)
+void AddSource(Command const& command, Source& source)
 {
-    command.add_option("FILE", source.file, "The record file; - for standard input")->required();
-    command.add_option("--endian", source.endian, "The byte order; found out when not given")
-        ->type_name("big|little")
-        ->check(CLI::IsMember({"big", "little"}));
+    command.Option("FILE", source.file, "The record file; - for standard input").Required();
+    command.Option("--endian", source.endian, "The byte order; found out when not given")
+        .Names("big|little")
+        .OneOf({"big", "little"});
 }
 
 std::optional<Order> OrderArgument(std::string const& endian)
@@ -82,30 +73,15 @@ Bytes ReadInput(Session const& session, Common const& common, std::string const&
     if (size > common.limits.bytes)
         throw Failure(Exit::kLimit, fmt::format("{} is {} bytes, more than {}", Quoted(location), size,
                                                 common.limits.bytes));
-    return ReadWhole(*stream, location);
-}
-
-Order OrderOf(ByteView content, std::string const& location)
-{
-    if (std::optional<Order> const order = FindOrder(content))
-        return *order;
-    std::size_t const little = KnownIds(content, IO::IDataProvider::kLittleEndian);
-    std::size_t const big = KnownIds(content, IO::IDataProvider::kBigEndian);
-    if (little == 0 && big == 0)
-        throw Failure(Exit::kNotARecordFile,
-                      Quoted(location) + " is not a record file" + (content.empty() ? ": it is empty" : ""));
-    return big > little ? IO::IDataProvider::kBigEndian : IO::IDataProvider::kLittleEndian;
+    return ReadWhole(session, *stream, location);
 }
 
 Document LoadDocument(Session const& session, Common const& common, Source const& source)
 {
     Document document{source.file, ReadInput(session, common, source.file), {}};
     PlugInClasses const classes(session);
-    DecodeOptions options;
     std::optional<Order> const order = OrderArgument(source.endian);
-    options.order = order ? *order : OrderOf(document.content, source.file);
-    options.limits = common.limits;
-    options.classes = &classes;
+    DecodeOptions options = Options(common, order ? *order : OrderOf(document.content, source.file), classes);
     Progress progress("reading " + Quoted(source.file), static_cast<int64>(document.content.size()));
     options.progress = &progress;
     try
@@ -117,6 +93,12 @@ Document LoadDocument(Session const& session, Common const& common, Source const
         throw Failure(failure.Code(), Quoted(source.file) + ": " + failure.what());
     }
     return document;
+}
+
+std::vector<LayoutRow> LayoutOf(Session const& session, Common const& common, Document const& document)
+{
+    PlugInClasses const classes(session);
+    return LayoutOf(document.content, Options(common, document.tree.order, classes));
 }
 
 void WriteOutput(Session const& session, std::string const& location, Bytes const& content)

@@ -1,17 +1,14 @@
 // A record file as a command gets it.
 #pragma once
 
+#include "CommandLine.h"
 #include "Common.h"
 #include "Records/Decoder.h"
+#include "Records/Layout.h"
 #include "Session.h"
 
 #include <optional>
 #include <string>
-
-namespace CLI
-{
-class App;
-}
 
 namespace TOOL
 {
@@ -24,7 +21,7 @@ struct Source
 };
 
 /// Adds the FILE argument and what goes with it.
-void AddSource(CLI::App& command, Source& source);
+void AddSource(Command const& command, Source& source);
 
 /// The order that the command line names.
 std::optional<Order> OrderArgument(std::string const& endian);
@@ -43,9 +40,8 @@ Bytes ReadInput(Session const& session, Common const& common, std::string const&
 /// Reads a record file. Ends the command for one that is none, in either byte order.
 Document LoadDocument(Session const& session, Common const& common, Source const& source);
 
-/// The order of a file's first record or else of most records that can be made out in it. Ends the command
-/// when there are none.
-Order OrderOf(ByteView content, std::string const& location);
+/// Every byte of the document and what it is.
+std::vector<LayoutRow> LayoutOf(Session const& session, Common const& common, Document const& document);
 
 /// Writes a whole file, through a temporary one, or standard output for "-".
 void WriteOutput(Session const& session, std::string const& location, Bytes const& content);

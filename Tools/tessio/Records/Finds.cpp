@@ -1,7 +1,7 @@
 #include "Records/Finds.h"
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 namespace TOOL
 {
@@ -9,78 +9,139 @@ using namespace KORVA;
 
 namespace
 {
-/// Looks for records of known classes wherever their class ids stand.
-class Search
+/// Bytes of a class id that must be left where other records are in the record, and where none are.
+constexpr int kSomeOf = 8;
+constexpr int kMostOf = 14;
+
+/// How many of 16 bytes are the same.
+int Same(unsigned char const* a, std::array<unsigned char, 16> const& b)
 {
-public:
-    Search(ByteView content, Order order) : mContent(content)
-    {
-        mOptions.order = order;
-        for (KnownClass const& known : KnownClasses())
-            mIds.push_back(StoredId(known.id, order));
-    }
-
-    bool IsKnownAt(int64 offset) const
-    {
-        unsigned char const* const from = mContent.data() + offset;
-        return std::ranges::any_of(mIds,
-                                   [from](auto const& id) { return std::equal(id.begin(), id.end(), from); });
-    }
-
-    /// The end of a whole record; 0 when it is not whole.
-    int64 EndOfWhole(int64 offset) const
-    {
-        auto const size = static_cast<int64>(mContent.size());
-        // Most that are broken say so with their length; what is in them need not be read for that.
-        if (auto const length = Load<int64>(mContent.data() + offset + 16, mOptions.order);
-            length < 0 || length > size - offset - kHeader)
-            return 0;
-        Node const node = DecodeRecord(mContent, offset, size, mOptions);
-        // A length of 0 before what reads as the record's content is a length that was lost.
-        bool const isWhole =
-            !IsDamaged(node) && (node.declared != 0 || !DecodeByContent(mContent, offset, size, mOptions));
-        return isWhole ? node.End() : 0;
-    }
-
-    /// Whether a whole record begins between the two and ends behind them: then the bytes between are no
-    /// record, but a text or buffer of it has lost its end and goes on over what came next.
-    bool IsCutInto(int64 from, int64 to) const
-    {
-        for (int64 at = from + kHeader; at < to && at + kHeader <= static_cast<int64>(mContent.size()); ++at)
-            if (IsKnownAt(at) && Load<int64>(mContent.data() + at + 16, mOptions.order) > to - at - kHeader &&
-                EndOfWhole(at) > to)
-                return true;
-        return false;
-    }
-
-private:
-    ByteView mContent;
-    DecodeOptions mOptions;
-    std::vector<std::array<unsigned char, 16>> mIds;
-};
+    int same = 0;
+    for (std::size_t i = 0; i < b.size(); ++i)
+        same += a[i] == b[i] ? 1 : 0;
+    return same;
+}
 } // namespace
 
-Finds::Finds(ByteView content, Order order, Progress* progress)
+/// A text with a record in it has lost its end, and goes on over what came next.
+std::optional<SoundRecord> Finds::SoundAs(int64 offset, KnownClass const& known) const
 {
-    Search const search(content, order);
-    auto const size = static_cast<int64>(content.size());
-    for (int64 at = 0; at + kHeader <= size;)
+    auto const sound = SoundRecordAt(mContent, offset, known, mOptions);
+    if (!sound)
+        return sound;
+    auto const inside = mSound.lower_bound(offset + kHeader);
+    return inside != mSound.end() && inside->first < sound->textEnd ? std::nullopt : sound;
+}
+
+/// Looks at every place where a class id may stand, a known one or what is left of one. From the back, so
+/// that what is in a record is known before the record itself.
+void Finds::FindSound(Progress* progress)
+{
+    auto const size = static_cast<int64>(mContent.size());
+    for (int64 at = size - kHeader; at >= 0; --at)
     {
-        if (!search.IsKnownAt(at))
+        unsigned char const* const id = mContent.data() + at;
+        KnownClass const* named = nullptr;
+        std::vector<std::pair<KnownClass const*, int>> near;
+        for (std::size_t i = 0; i < mIds.size(); ++i)
         {
-            ++at;
+            int const same = Same(id, mIds[i]);
+            if (same == 16)
+                named = &KnownClasses()[i];
+            else if (same >= kSomeOf)
+                near.emplace_back(&KnownClasses()[i], same);
+        }
+        if (!named && near.empty())
+            continue;
+        if (progress)
+            progress->At(size - at);
+        if (named)
+            mKnown.push_back(at);
+        // Most that are broken say so with their length; what is in them need not be read for that.
+        auto const length = Load<int64>(id + 16, mOptions.order);
+        if (length < 0 || length > size - at - kHeader)
+            continue;
+        if (auto const sound = named ? SoundAs(at, *named) : std::nullopt)
+        {
+            mSound.emplace_hint(mSound.begin(), at, *sound);
             continue;
         }
-        if (progress)
-            progress->At(at);
-        int64 const end = search.EndOfWhole(at);
-        bool const isWhole = end != 0 && !search.IsCutInto(at, end);
-        if (isWhole)
-            mWhole[at] = end;
-        else
-            mBroken.insert(at);
-        at = isWhole ? end : at + 1;
+        for (auto const& [other, same] : near)
+        {
+            // An empty record makes sense under any id, and many bodies under one that is little like.
+            auto const sound = length > 0 ? SoundAs(at, *other) : std::nullopt;
+            if (!sound || !sound->isUsual || (same < kMostOf && sound->height == 0))
+                continue;
+            mMisnamed[at] = other->id;
+            mMisnamedEnds[at] = sound->end;
+            if (!named)
+                mKnown.push_back(at);
+            break;
+        }
     }
+    std::ranges::reverse(mKnown);
+}
+
+/// The end of a whole record; 0 when it is not whole.
+int64 Finds::EndOfWhole(int64 offset) const
+{
+    auto const sound = mSound.find(offset);
+    if (sound == mSound.end())
+        return 0;
+    // A length of 0 before what reads as the record's content is a length that was lost.
+    bool const isLost = sound->second.end == offset + kHeader &&
+                        DecodeByContent(mContent, offset, static_cast<int64>(mContent.size()), mOptions);
+    return isLost ? 0 : sound->second.end;
+}
+
+/// Whether a whole record begins between the two and ends behind them: then the bytes between are no record,
+/// but a text or buffer of it has lost its end and goes on over what came next.
+bool Finds::IsCutInto(int64 from, int64 to) const
+{
+    auto const end = mSound.lower_bound(to);
+    for (auto sound = mSound.lower_bound(from + kHeader); sound != end; ++sound)
+        if (sound->second.end > to && EndOfWhole(sound->first) > to)
+            return true;
+    return false;
+}
+
+Finds::Finds(ByteView content, Order order, Limits const& limits, Progress* progress) : mContent(content)
+{
+    mOptions.order = order;
+    mOptions.limits = limits;
+    mOptions.sound = &mSound;
+    mOptions.misnamed = &mMisnamed;
+    mOptions.count = &mCount;
+    for (KnownClass const& known : KnownClasses())
+        mIds.push_back(StoredId(known.id, order));
+    FindSound(progress);
+    int64 end = 0;
+    for (int64 const at : mKnown)
+    {
+        if (at < end)
+            continue;
+        auto const misnamed = mMisnamedEnds.find(at);
+        int64 const whole = misnamed == mMisnamedEnds.end() ? EndOfWhole(at) : misnamed->second;
+        if (whole != 0 && !IsCutInto(at, whole))
+            mWhole[at] = end = whole;
+        else
+        {
+            mBroken.insert(at);
+            mSound.erase(at);
+        }
+    }
+}
+
+bool Finds::IsLikeKnown(int64 offset) const
+{
+    return std::ranges::any_of(mIds,
+                               [&](auto const& id) { return Same(mContent.data() + offset, id) >= kSomeOf; });
+}
+
+std::optional<GUID> Finds::NameOf(int64 offset) const
+{
+    auto const misnamed = mMisnamed.find(offset);
+    return misnamed == mMisnamed.end() ? std::nullopt : std::optional(misnamed->second);
 }
 
 int64 Finds::Next(int64 offset, int64 size) const

@@ -3,9 +3,12 @@
 
 #include "Records/Decoder.h"
 
+#include <array>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
+#include <vector>
 
 namespace TOOL
 {
@@ -13,15 +16,26 @@ namespace TOOL
 class Finds
 {
 public:
-    Finds(ByteView content, Order order, Progress* progress);
+    /// Ends the command when it has to look at more records than `limits` allow.
+    Finds(ByteView content, Order order, Limits const& limits, Progress* progress);
+    Finds(Finds const&) = delete;
+    Finds& operator=(Finds const&) = delete;
+
+    /// For reading records with what is known of those in them.
+    DecodeOptions const& Options() const { return mOptions; }
 
     /// The end of the whole record that begins there; 0 when there is none. Records inside others do not
-    /// count.
+    /// count. One whose class id is damaged in a byte or two is whole all the same when its content makes
+    /// sense.
     KORVA::int64 WholeAt(KORVA::int64 offset) const
     {
         auto const found = mWhole.find(offset);
         return found == mWhole.end() ? 0 : found->second;
     }
+    /// The id that a whole record should have whose own is damaged.
+    std::optional<GUID> NameOf(KORVA::int64 offset) const;
+    /// Whether a class id is there that was a known one's, for the most part.
+    bool IsLikeKnown(KORVA::int64 offset) const;
     /// Whether a known class's record begins there that is not whole.
     bool BrokenAt(KORVA::int64 offset) const { return mBroken.contains(offset); }
     bool AnyAt(KORVA::int64 offset) const { return WholeAt(offset) != 0 || BrokenAt(offset); }
@@ -42,6 +56,21 @@ public:
     std::map<KORVA::int64, KORVA::int64> const& Whole() const { return mWhole; }
 
 private:
+    std::optional<SoundRecord> SoundAs(KORVA::int64 offset, KnownClass const& known) const;
+    void FindSound(Progress* progress);
+    KORVA::int64 EndOfWhole(KORVA::int64 offset) const;
+    bool IsCutInto(KORVA::int64 from, KORVA::int64 to) const;
+
+    ByteView mContent;
+    DecodeOptions mOptions;
+    /// The ids of known classes as they lie in the file.
+    std::vector<std::array<unsigned char, 16>> mIds;
+    /// Where records of known classes begin, the misnamed ones among them.
+    std::vector<KORVA::int64> mKnown;
+    SoundRecords mSound;
+    MisnamedRecords mMisnamed;
+    std::map<KORVA::int64, KORVA::int64> mMisnamedEnds;
+    KORVA::int64 mCount = 0;
     std::map<KORVA::int64, KORVA::int64> mWhole;
     std::set<KORVA::int64> mBroken;
 };

@@ -3,10 +3,12 @@
 #include "Failure.h"
 #include "ObjectModel/GUIDText.h"
 #include "Output.h"
+#include "Values.h"
 
 #include <fmt/format.h>
 
-#include <charconv>
+#include <limits>
+#include <utility>
 
 namespace TOOL
 {
@@ -15,24 +17,13 @@ namespace
 using namespace KORVA;
 using STRING::CoreString;
 
-std::optional<uint32> NumberOf(std::string_view text)
+/// A key or an index.
+std::optional<uint32> Number(std::string_view text)
 {
-    int base = 10;
-    if (text.size() > 2 && text.front() == '0')
-    {
-        char const mark = text[1];
-        base = mark == 'x' || mark == 'X'   ? 16
-               : mark == 'o' || mark == 'O' ? 8
-               : mark == 'b' || mark == 'B' ? 2
-                                            : 10;
-        if (base != 10)
-            text.remove_prefix(2);
-    }
-    uint32 number = 0;
-    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
-    if (text.empty() || error != std::errc() || end != text.data() + text.size())
-        return std::nullopt;
-    return number;
+    auto const number = NumberOf(text);
+    return number && *number <= std::numeric_limits<uint32>::max()
+               ? std::optional(static_cast<uint32>(*number))
+               : std::nullopt;
 }
 
 /// Takes paths apart from the front.
@@ -56,49 +47,16 @@ public:
         mText.remove_prefix(piece.size());
         return piece;
     }
-    std::optional<CoreString> QuotedText();
+    /// The rest of a text behind its opening quote, as it is shown.
+    std::optional<CoreString> QuotedText()
+    {
+        CoreString text;
+        return Unquote(mText, text) ? std::nullopt : std::optional(std::move(text));
+    }
 
 private:
     std::string_view mText;
 };
-
-/// The rest of a text behind its opening quote, as it is shown.
-std::optional<CoreString> Scanner::QuotedText()
-{
-    CoreString text;
-    while (!mText.empty())
-    {
-        std::string_view const plain = Until("\\\"");
-        std::optional<CoreString> const piece = CoreString::FromUTF8(plain);
-        if (!piece)
-            return std::nullopt;
-        text.append(*piece);
-        if (Accept("\""))
-            return text;
-        if (Accept("\\n"))
-            text.push_back(u'\n');
-        else if (Accept("\\t"))
-            text.push_back(u'\t');
-        else if (Accept("\\\""))
-            text.push_back(u'"');
-        else if (Accept("\\\\"))
-            text.push_back(u'\\');
-        else if (Accept("\\u{"))
-        {
-            std::string_view const digits = Until("}");
-            uint32 value = 0;
-            if (digits.empty() || !Accept("}") ||
-                std::from_chars(digits.data(), digits.data() + digits.size(), value, 16).ptr !=
-                    digits.data() + digits.size() ||
-                value > 0xFFFF)
-                return std::nullopt;
-            text.push_back(static_cast<char16_t>(value));
-        }
-        else
-            return std::nullopt;
-    }
-    return std::nullopt;
-}
 
 std::optional<Label> Component(Scanner& scanner)
 {
@@ -106,7 +64,7 @@ std::optional<Label> Component(Scanner& scanner)
     if (scanner.Accept("dict["))
     {
         label.type = Label::Type::kKey;
-        auto const key = NumberOf(scanner.Until("]"));
+        auto const key = Number(scanner.Until("]"));
         if (!key || !scanner.Accept("]"))
             return std::nullopt;
         label.number = *key;
@@ -115,7 +73,7 @@ std::optional<Label> Component(Scanner& scanner)
     if (scanner.Accept("record["))
     {
         label.type = Label::Type::kPart;
-        auto const index = NumberOf(scanner.Until("]"));
+        auto const index = Number(scanner.Until("]"));
         if (!index || !scanner.Accept("]"))
             return std::nullopt;
         label.number = *index;
@@ -138,7 +96,7 @@ std::optional<Label> Component(Scanner& scanner)
         label.id = *id;
         return label;
     }
-    auto const key = NumberOf(word);
+    auto const key = Number(word);
     if (!key)
         return std::nullopt;
     label.type = Label::Type::kKey;
@@ -162,7 +120,7 @@ std::optional<Path> ParsePath(std::string_view text)
     Path path;
     if (!scanner.Accept("/"))
         return std::nullopt;
-    auto const index = NumberOf(scanner.Until("/"));
+    auto const index = Number(scanner.Until("/"));
     if (!index)
         return std::nullopt;
     path.push_back({.type = Label::Type::kIndex, .number = *index, .text = {}, .id = {}});

@@ -35,46 +35,108 @@ std::optional<int64> Salvager::EndByLength(int64 offset, int64 limit) const
     return offset + kHeader + length;
 }
 
-/// Bytes that are all zeros look like an empty record and are none.
+/// Bytes that are all zeros look like an empty record and are none. A record of a class that nobody knows may
+/// hold known ones; so do the remains of a known one that has lost its class id, which have to let them go.
 std::optional<int64> Salvager::EndOfUnknown(int64 offset, int64 limit) const
 {
     auto const end = EndByLength(offset, limit);
-    bool const fits = end && LoadId(mContent.data() + offset, mOrder) != GUID{} && !mFinds.AnyAt(offset) &&
-                      !mFinds.IsInside(*end);
-    return fits ? end : std::nullopt;
+    if (!end || mFinds.AnyAt(offset) || mFinds.IsInside(*end))
+        return std::nullopt;
+    GUID const id = LoadId(mContent.data() + offset, mOrder);
+    bool const mayHold = mIsWhole || (LooksLikeId(id) && !mFinds.IsLikeKnown(offset)) ||
+                         mFinds.NextWhole(offset + kHeader, mSize) >= *end;
+    return id != GUID{} && mayHold ? end : std::nullopt;
 }
 
-/// Whether records of unknown classes lead from there exactly to one of a known class, or to the end of the
-/// file.
-bool Salvager::LeadsOn(int64 offset) const
+bool Salvager::Tiles() const
 {
-    while (offset != mSize && !mFinds.AnyAt(offset))
+    int64 at = 0;
+    while (at < mSize)
     {
-        auto const end = EndOfUnknown(offset, mSize);
+        int64 const whole = mFinds.NameOf(at) ? 0 : mFinds.WholeAt(at);
+        auto const end = whole != 0         ? std::optional(whole)
+                         : mFinds.AnyAt(at) ? std::nullopt
+                                            : EndByLength(at, mSize);
         if (!end)
             return false;
-        offset = *end;
+        at = *end;
     }
     return true;
 }
 
-/// Whether a record may end there: something else begins behind it, as its depth has it.
-bool Salvager::IsBoundary(int64 offset, int64 limit, int depth) const
+/// Whether records of unknown classes lead from there exactly to one of a known class, or to the end of the
+/// file.
+bool Salvager::LeadsOn(int64 offset)
 {
-    for (; depth > 0; --depth)
+    std::vector<int64> way;
+    std::optional<bool> does;
+    while (!does)
     {
-        // Another entry, or the end of the dictionary around.
-        if (offset + 4 <= limit && mFinds.AnyAt(offset + 4))
-            return true;
-        if (auto const end = EndOfUnknown(offset + 4, limit); end && IsBoundary(*end, limit, depth))
-            return true;
-        if (offset + 4 > limit || At<uint32>(offset) != 0)
-            return false;
-        offset += 4;
-        if (offset == limit)
-            return true;
+        if (auto const asked = mLeadsOn.find(offset); asked != mLeadsOn.end())
+        {
+            does = asked->second;
+            break;
+        }
+        way.push_back(offset);
+        if (offset == mSize || mFinds.AnyAt(offset))
+            does = true;
+        else if (auto const end = EndOfUnknown(offset, mSize))
+            offset = *end;
+        else
+            does = false;
     }
-    return LeadsOn(offset);
+    for (int64 const at : way)
+        mLeadsOn[at] = *does;
+    return *does;
+}
+
+/// Whether a record may end there: something else begins behind it, as its depth has it.
+bool Salvager::IsBoundary(int64 offset, int64 limit, int depth)
+{
+    // Each place leads to up to two others: behind another entry of an unknown class, and behind the end of
+    // the dictionary around.
+    struct Place
+    {
+        int64 offset;
+        int depth;
+        std::size_t from;
+    };
+    std::vector<Place> places{{offset, depth, 0}};
+    std::vector<std::size_t> open{0};
+    while (!open.empty())
+    {
+        std::size_t const index = open.back();
+        open.pop_back();
+        auto const [at, level, from] = places[index];
+        auto const [asked, isNew] = mBoundaries.try_emplace({at, limit, level}, false);
+        bool is = !isNew && asked->second;
+        if (isNew && level == 0)
+            is = LeadsOn(at);
+        else if (isNew)
+        {
+            bool const isEnd = at + 4 <= limit && At<uint32>(at) == 0;
+            is = (at + 4 <= limit && mFinds.AnyAt(at + 4)) || (isEnd && at + 4 == limit);
+            if (auto const end = is ? std::nullopt : EndOfUnknown(at + 4, limit))
+            {
+                open.push_back(places.size());
+                places.push_back({*end, level, index});
+            }
+            if (!is && isEnd)
+            {
+                open.push_back(places.size());
+                places.push_back({at + 4, level - 1, index});
+            }
+        }
+        if (!is)
+            continue;
+        for (std::size_t way = index;; way = places[way].from)
+        {
+            mBoundaries[{places[way].offset, limit, places[way].depth}] = true;
+            if (way == 0)
+                return true;
+        }
+    }
+    return false;
 }
 
 void Salvager::Unknown(int64 from, int64 to)
@@ -110,37 +172,31 @@ void Salvager::Unknown(int64 from, int64 to)
     }
 }
 
-/// The class of a whole record whose class id is damaged in a byte or two: the known one that is so near and
-/// makes sense of the content.
-std::optional<GUID> Salvager::LostClass(int64 from, int64 to) const
+/// Under the class id that it should have.
+void Salvager::CopyRecord(int64 from, int64 to)
 {
-    constexpr int kFewest = 14;
-    for (KnownClass const& known : KnownClasses())
+    if (auto const id = mFinds.NameOf(from))
     {
-        auto const id = StoredId(known.id, mOrder);
-        int same = 0;
-        for (std::size_t i = 0; i < id.size(); ++i)
-            same += mContent[static_cast<std::size_t>(from) + i] == id[i] ? 1 : 0;
-        if (same < kFewest)
-            continue;
-        Bytes record(mContent.begin() + from, mContent.begin() + to);
-        std::copy(id.begin(), id.end(), record.begin());
-        if (!IsDamaged(DecodeRecord(record, 0, to - from, mOptions)))
-            return known.id;
+        mOut.Put(*id);
+        from += 16;
     }
-    return std::nullopt;
+    Copy(from, to);
 }
 
-void Salvager::KeepUnder(GUID const& classId, int64 from, int64 to, std::string path)
+/// A whole record, and the key before it, if there is one.
+void Salvager::KeepWhole(int64 from, int64 record, int64 to, std::string const& path)
 {
-    Keep(from, to, Fate::Type::kRepaired, std::move(path), "its class id was damaged");
-    mOut.Put(classId);
-    Copy(from + 16, to);
+    Copy(from, record);
+    CopyRecord(record, to);
+    if (!mFinds.NameOf(record))
+        return Keep(from, to, Fate::Type::kKept, path);
+    Keep(from, record, Fate::Type::kKept, path, "key");
+    Keep(record, to, Fate::Type::kRepaired, path, "its class id was damaged");
 }
 
 int64 Salvager::Broken(int64 offset, int64 limit, int depth, std::string const& path)
 {
-    auto const byContent = DecodeByContent(mContent, offset, limit, mOptions);
+    auto const byContent = DecodeByContent(mContent, offset, limit, mFinds.Options());
     // A text or buffer with a wrong length may reach over what comes next.
     bool const isSound = byContent && (byContent->kind == Kind::kDictionary ||
                                        mFinds.NextWhole(offset, limit) >= byContent->End());
@@ -220,8 +276,7 @@ void Salvager::KeepTheRest()
             ++fate;
         if (fate != before.end() && fate->offset <= from)
             continue;
-        Keep(from, to, Fate::Type::kKept, TopPath());
-        Copy(from, to);
+        KeepWhole(from, from, to, TopPath());
     }
 }
 
@@ -231,8 +286,7 @@ Salvaged Salvager::Run()
     {
         if (int64 const end = mFinds.WholeAt(at))
         {
-            Keep(at, end, Fate::Type::kKept, TopPath());
-            Copy(at, end);
+            KeepWhole(at, at, end, TopPath());
             at = end;
             continue;
         }
@@ -246,12 +300,6 @@ Salvaged Salvager::Run()
         // Records of unknown classes may have known ones inside.
         if (auto const end = EndOfUnknown(at, mSize); end && LeadsOn(at))
         {
-            if (auto const id = LostClass(at, *end))
-            {
-                KeepUnder(*id, at, *end, TopPath());
-                at = *end;
-                continue;
-            }
             Keep(at, *end, Fate::Type::kOpaque, TopPath(), "of an unknown class");
             Copy(at, *end);
             at = *end;
@@ -296,8 +344,8 @@ char const* FateName(Fate::Type type)
     return "lost";
 }
 
-Salvaged Salvage(ByteView content, Order order, Progress* progress)
+Salvaged Salvage(ByteView content, Order order, Limits const& limits, Progress* progress)
 {
-    return Salvager(content, order, progress).Run();
+    return Salvager(content, order, limits, progress).Run();
 }
 } // namespace TOOL

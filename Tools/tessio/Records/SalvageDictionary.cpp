@@ -9,6 +9,12 @@ namespace TOOL
 {
 using namespace KORVA;
 
+std::optional<int64> Salvager::EndOfAggregate(int64 record, int64 limit) const
+{
+    int64 const whole = mFinds.WholeAt(record);
+    return whole != 0 && whole <= limit ? std::optional(whole) : EndOfUnknown(record, limit);
+}
+
 /// The end of the aggregates, whose count stands there; nothing when they make no sense.
 std::optional<int64> Salvager::EndOfAggregates(int64 offset, int64 limit) const
 {
@@ -20,8 +26,7 @@ std::optional<int64> Salvager::EndOfAggregates(int64 offset, int64 limit) const
     {
         if (limit - at < 16 + kHeader)
             return std::nullopt;
-        int64 const whole = mFinds.WholeAt(at + 16);
-        auto const end = whole != 0 && whole <= limit ? std::optional(whole) : EndOfUnknown(at + 16, limit);
+        auto const end = EndOfAggregate(at + 16, limit);
         if (!end)
             return std::nullopt;
         at = *end;
@@ -29,7 +34,7 @@ std::optional<int64> Salvager::EndOfAggregates(int64 offset, int64 limit) const
     return at;
 }
 
-bool Salvager::Ends(Rebuilding const& dictionary) const
+bool Salvager::Ends(Rebuilding const& dictionary)
 {
     auto const end = EndOfAggregates(dictionary.at, dictionary.limit);
     if (!end)
@@ -57,8 +62,7 @@ bool Salvager::Entry(Rebuilding& dictionary)
     std::string const path = fmt::format("{}/dict[{}]", dictionary.path, key);
     if (int64 const whole = mFinds.WholeAt(record); whole != 0 && whole <= reach)
     {
-        Copy(dictionary.at, whole);
-        Keep(dictionary.at, whole, Fate::Type::kKept, path);
+        KeepWhole(dictionary.at, record, whole, path);
         dictionary.at = whole;
     }
     else if (mFinds.BrokenAt(record))
@@ -80,17 +84,6 @@ bool Salvager::Entry(Rebuilding& dictionary)
         auto const end = EndOfUnknown(record, reach);
         if (!end || !IsBoundary(*end, reach, dictionary.depth + 1))
             return false;
-        if (auto const id = LostClass(record, *end))
-        {
-            Copy(dictionary.at, record);
-            KeepUnder(*id, record, *end, path);
-            Keep(dictionary.at, record, Fate::Type::kKept, path, "key");
-            dictionary.at = *end;
-            dictionary.isDamaged = true;
-            dictionary.lastKey = key;
-            ++dictionary.entries;
-            return true;
-        }
         Copy(dictionary.at, *end);
         Keep(dictionary.at, *end, Fate::Type::kOpaque, path, "of an unknown class");
         dictionary.at = *end;
@@ -156,7 +149,15 @@ bool Salvager::FindNextEntry(Rebuilding& dictionary)
 int64 Salvager::Aggregates(Rebuilding& dictionary)
 {
     int64 const end = *EndOfAggregates(dictionary.at, dictionary.limit);
-    Copy(dictionary.at, end);
+    int64 at = dictionary.at + 4;
+    Copy(dictionary.at, at);
+    while (at < end)
+    {
+        int64 const record = at + 16;
+        Copy(at, record);
+        at = *EndOfAggregate(record, end);
+        CopyRecord(record, at);
+    }
     Keep(dictionary.at, end, Fate::Type::kKept, dictionary.path, "aggregates");
     return end;
 }
@@ -178,7 +179,6 @@ int64 Salvager::Dictionary(int64 offset, int64 limit, int depth, std::string con
                           .reaches = {}};
     mOut.Begin(LoadId(mContent.data() + offset, mOrder));
     std::size_t const room = mOut.Room();
-    std::size_t const place = mFates.size();
     bool ended = Ends(dictionary);
     while (!ended)
     {
@@ -198,13 +198,18 @@ int64 Salvager::Dictionary(int64 offset, int64 limit, int depth, std::string con
     mOut.Fill(room, dictionary.entries);
     mOut.End();
     bool const isPartial = dictionary.isDamaged || !ended;
-    std::string const words =
-        isPartial
-            ? fmt::format("{} of {} entries", dictionary.entries, dictionary.count)
-            : fmt::format("its {} was wrong", dictionary.entries == dictionary.count ? "length" : "count");
-    mFates.insert(
-        mFates.begin() + static_cast<std::ptrdiff_t>(place),
-        {isPartial ? Fate::Type::kPartial : Fate::Type::kRepaired, offset, kHeader + 4, path, words});
+    std::string words;
+    if (isPartial)
+        words = fmt::format("{} of {} entries", dictionary.entries, dictionary.count);
+    else if (dictionary.entries != dictionary.count)
+        words = "its count was wrong";
+    else if (dictionary.end != end)
+        words = "its length was wrong";
+    Keep(offset, offset + kHeader + 4,
+         isPartial       ? Fate::Type::kPartial
+         : words.empty() ? Fate::Type::kKept
+                         : Fate::Type::kRepaired,
+         path, words);
     return end;
 }
 } // namespace TOOL

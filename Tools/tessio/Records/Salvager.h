@@ -7,6 +7,7 @@
 
 #include <map>
 #include <optional>
+#include <tuple>
 
 namespace TOOL
 {
@@ -14,11 +15,11 @@ namespace TOOL
 class Salvager
 {
 public:
-    Salvager(ByteView content, Order order, Progress* progress)
+    Salvager(ByteView content, Order order, Limits const& limits, Progress* progress)
         : mContent(content), mOrder(order), mSize(static_cast<KORVA::int64>(content.size())),
-          mFinds(content, order, progress), mOut(order)
+          mFinds(content, order, limits, progress), mOut(order)
     {
-        mOptions.order = order;
+        mIsWhole = Tiles();
     }
 
     Salvaged Run();
@@ -33,8 +34,10 @@ private:
     /// The end of a record by its length; nothing when that can't be right.
     std::optional<KORVA::int64> EndByLength(KORVA::int64 offset, KORVA::int64 limit) const;
     std::optional<KORVA::int64> EndOfUnknown(KORVA::int64 offset, KORVA::int64 limit) const;
-    bool LeadsOn(KORVA::int64 offset) const;
-    bool IsBoundary(KORVA::int64 offset, KORVA::int64 limit, int depth) const;
+    bool Tiles() const;
+    bool LeadsOn(KORVA::int64 offset);
+    bool IsBoundary(KORVA::int64 offset, KORVA::int64 limit, int depth);
+    std::optional<KORVA::int64> EndOfAggregate(KORVA::int64 record, KORVA::int64 limit) const;
     std::optional<KORVA::int64> EndOfAggregates(KORVA::int64 offset, KORVA::int64 limit) const;
 
     // What becomes of them.
@@ -45,15 +48,15 @@ private:
     }
     std::string TopPath() { return "/" + std::to_string(mTop++); }
     void Unknown(KORVA::int64 from, KORVA::int64 to);
-    std::optional<GUID> LostClass(KORVA::int64 from, KORVA::int64 to) const;
-    void KeepUnder(GUID const& classId, KORVA::int64 from, KORVA::int64 to, std::string path);
+    void CopyRecord(KORVA::int64 from, KORVA::int64 to);
+    void KeepWhole(KORVA::int64 from, KORVA::int64 record, KORVA::int64 to, std::string const& path);
     KORVA::int64 Broken(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
     KORVA::int64 Leaf(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
     KORVA::int64 Strings(KORVA::int64 offset, KORVA::int64 limit, std::string const& path);
     KORVA::int64 Dictionary(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
     struct Rebuilding;
     bool Entry(Rebuilding& dictionary);
-    bool Ends(Rebuilding const& dictionary) const;
+    bool Ends(Rebuilding const& dictionary);
     bool FindNextEntry(Rebuilding& dictionary);
     bool Reaches(KORVA::int64 entry, Rebuilding& dictionary) const;
     KORVA::int64 Aggregates(Rebuilding& dictionary);
@@ -62,10 +65,14 @@ private:
     ByteView mContent;
     Order mOrder;
     KORVA::int64 mSize;
-    DecodeOptions mOptions;
     Finds mFinds;
+    /// Whether whole records and such of unknown classes follow each other from the first byte to the last.
+    bool mIsWhole = false;
     RecordWriter mOut;
     std::vector<Fate> mFates;
+    /// What was asked before: a file may be a long chain of records that each lead on to the next.
+    std::map<KORVA::int64, bool> mLeadsOn;
+    std::map<std::tuple<KORVA::int64, KORVA::int64, int>, bool> mBoundaries;
     KORVA::int64 mTop = 0;
 };
 

@@ -64,7 +64,6 @@ private:
     void SkipBlanks();
     void Advance();
     void String();
-    char32_t Escape();
 
     std::string_view mText;
     std::string const& mSource;
@@ -121,67 +120,13 @@ void Lexer::Advance()
     mToken.text = mText.substr(start, mAt - start);
 }
 
-char32_t Lexer::Escape()
-{
-    char const c = mAt < mText.size() ? mText[mAt++] : '\0';
-    switch (c)
-    {
-    case 'n':
-        return U'\n';
-    case 't':
-        return U'\t';
-    case '"':
-    case '\\':
-        return static_cast<unsigned char>(c);
-    case 'u':
-        break;
-    default:
-        Fail(mLine, R"(after a backslash in a text stand n, t, ", \ or u{...})");
-    }
-    std::size_t const end = mText.find('}', mAt);
-    uint32 value = 0;
-    if (mAt < mText.size() && mText[mAt] == '{' && end != std::string_view::npos && end - mAt > 1 &&
-        std::from_chars(mText.data() + mAt + 1, mText.data() + end, value, 16).ptr == mText.data() + end &&
-        value <= 0x10FFFF)
-    {
-        mAt = end + 1;
-        return value;
-    }
-    Fail(mLine, R"(\u stands before a hexadecimal number up to 10FFFF in braces)");
-}
-
 void Lexer::String()
 {
-    std::size_t const start = mAt++;
-    int const line = mLine;
-    std::size_t plain = mAt;
-    auto const flush = [&] {
-        auto const piece = CoreString::FromUTF8(mText.substr(plain, mAt - plain));
-        if (!piece)
-            Fail(mLine, "a text is not valid UTF-8");
-        mToken.string.append(*piece);
-    };
-    while (mAt < mText.size() && mText[mAt] != '"')
-    {
-        if (mText[mAt] == '\n')
-            Fail(line, "a text is not closed on its line");
-        if (mText[mAt] != '\\')
-        {
-            ++mAt;
-            continue;
-        }
-        flush();
-        ++mAt;
-        char32_t const c = Escape();
-        if (c >= 0x10000)
-            mToken.string.push_back(static_cast<char16_t>(0xD7C0 + (c >> 10)));
-        mToken.string.push_back(static_cast<char16_t>(c >= 0x10000 ? 0xDC00 + (c & 0x3FF) : c));
-        plain = mAt;
-    }
-    if (mAt == mText.size())
-        Fail(line, "a text is not closed");
-    flush();
-    ++mAt;
+    std::size_t const start = mAt;
+    std::string_view rest = mText.substr(start + 1);
+    if (char const* const why = Unquote(rest, mToken.string))
+        Fail(mLine, why);
+    mAt = mText.size() - rest.size();
     mToken.type = Token::Type::kString;
     mToken.text = mText.substr(start, mAt - start);
 }

@@ -1,6 +1,8 @@
 // What is read of record files, and what is noticed about them.
 #include "Records/Decoder.h"
 
+#include "Records/FileOrder.h"
+
 #include "Failure.h"
 #include "Records/Summary.h"
 #include "Support/RowName.h"

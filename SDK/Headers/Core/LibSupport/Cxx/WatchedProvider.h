@@ -21,8 +21,9 @@ public:
     OperationId WriteResult() const { return mWriteResult; }
     /// Whether a read brought less than was asked for.
     bool HasShortRead() const { return mHasShortRead; }
-    /// Whether the position was set. Nothing does that while a record is read as it was written. Where an
-    /// object in it can't be made, the stream sets the position to its end, even if it stands there.
+    /// Whether the position was set to another place than where it stood, or right behind the head of a
+    /// record: where an object can't be made, the stream goes to the end of its record, and an empty one ends
+    /// there.
     bool HasMoved() const { return mHasMoved; }
 
     /// What is found on the provider is found here.
@@ -55,13 +56,17 @@ public:
         int32 const wanted = count;
         OperationId const result = mProvider->Read(buffer, count);
         mHasShortRead = mHasShortRead || count < wanted;
+        // The stream reads the second half of a class id byte by byte, then the length.
+        mIsBehindHead = count == 8 && mSingleBytes == 8;
+        mSingleBytes = count == 1 ? mSingleBytes + 1 : 0;
         return result;
     }
 
     ErrCode SetPosition(int64 offset, Offset origin) override
     {
-        mHasMoved = true;
+        int64 const before = mProvider->GetPosition();
         ErrCode const result = mProvider->SetPosition(offset, origin);
+        mHasMoved = mHasMoved || result != kNoError || mProvider->GetPosition() != before || mIsBehindHead;
         // A length is put in its place by going back: elsewhere it would be written over something else.
         bool const isThere = origin != kFromStart || mProvider->GetPosition() == offset;
         if (mWriteResult == kNoError && (result != kNoError || !isThere))
@@ -85,5 +90,7 @@ private:
     OperationId mWriteResult = kNoError;
     bool mHasShortRead = false;
     bool mHasMoved = false;
+    int mSingleBytes = 0;
+    bool mIsBehindHead = false;
 };
 } // namespace KORVA::CXX::DETAIL

@@ -1,0 +1,108 @@
+// How much work salvaging takes: about as much as there is to read, whatever the shape of the file.
+#include "Failure.h"
+#include "Records/Salvage.h"
+#include "Support/Laid.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace KORVA::TESTS
+{
+namespace
+{
+void Append(Bytes& bytes, Bytes const& more) { bytes.insert(bytes.end(), more.begin(), more.end()); }
+
+/// Dictionaries in each other, `levels` of them, around `core`, each under the key 7.
+Bytes Nest(Order order, int levels, Bytes core)
+{
+    for (int level = 0; level < levels; ++level)
+    {
+        std::string const length = std::to_string(core.size() + 12);
+        Bytes outer = Laid(order, "Dict " + length + ":8 1:4 7:4");
+        Append(outer, core);
+        Append(outer, Laid(order, "0:4"));
+        core = outer;
+    }
+    return core;
+}
+
+TEST(SalvageEffort, IsThatOfReadingNestedRecordsOnce)
+{
+    for (Order const order : kOrders)
+    {
+        // The text of the innermost has one unit too many for its record.
+        Bytes const damaged = Nest(order, 900, Laid(order, "URI 10:8 4:4 \"x\" 0:4"));
+        TOOL::Limits limits;
+        limits.count = 10 * 901;
+        TOOL::Salvaged const salvaged = TOOL::Salvage(damaged, order, limits);
+        TOOL::DecodeOptions options;
+        options.order = order;
+        TOOL::RecordTree const tree = TOOL::Decode(salvaged.content, options);
+        EXPECT_EQ(tree.records.size(), 1u);
+        EXPECT_TRUE(tree.findings.empty());
+    }
+}
+
+TEST(SalvageEffort, IsBoundedByTheLimitOfRecords)
+{
+    TOOL::Limits limits;
+    limits.count = 3;
+    Bytes const nest = Nest(kLittle, 3, Laid(kLittle, "URI 8:8 0:4 0:4"));
+    try
+    {
+        TOOL::Salvage(nest, kLittle, limits);
+        ADD_FAILURE() << "nothing was said";
+    }
+    catch (TOOL::Failure const& failure)
+    {
+        EXPECT_EQ(failure.Code(), TOOL::Exit::kLimit);
+        EXPECT_STREQ(failure.what(), "more than 3 records: the record at offset 32 is one too many");
+    }
+    limits.count = 100;
+    limits.depth = 3;
+    try
+    {
+        TOOL::Salvage(nest, kLittle, limits);
+        ADD_FAILURE() << "nothing was said";
+    }
+    catch (TOOL::Failure const& failure)
+    {
+        EXPECT_EQ(failure.Code(), TOOL::Exit::kLimit);
+        EXPECT_STREQ(failure.what(), "the record at offset 0 holds others more than 3 deep");
+    }
+}
+
+constexpr char kUnknown[] = "{76543210-BA98-4EDC-9F01-23456789ABCD} 4:8 =01020304";
+
+TEST(SalvageEffort, DoesNotGrowWithTheSquareOfTheUnknownRecords)
+{
+    constexpr int kRecords = 30000;
+    for (Order const order : kOrders)
+    {
+        Bytes file;
+        for (int i = 0; i < kRecords; ++i)
+            Append(file, Laid(order, kUnknown));
+        Append(file, Laid(order, "URI 8:8 0:4 0:4"));
+        EXPECT_TRUE(TOOL::Salvage(file, order).content == file);
+    }
+}
+
+TEST(SalvageEffort, DoesNotGrowWithTheSquareOfTheUnknownEntries)
+{
+    constexpr int kRecords = 30000;
+    for (Order const order : kOrders)
+    {
+        Bytes whole = Laid(order, "Dict 960044:8 30001:4 1:4 URI 8:8 0:4 0:4");
+        for (int i = 0; i < kRecords; ++i)
+            Append(whole, Laid(order, std::to_string(i + 2) + ":4 " + kUnknown));
+        Append(whole, Laid(order, "0:4"));
+        Bytes damaged = whole;
+        // 30000 entries, or 30001 with another digit.
+        damaged[order == kLittle ? 24 : 27] ^= 1;
+        TOOL::Salvaged const salvaged = TOOL::Salvage(damaged, order);
+        EXPECT_TRUE(salvaged.content == whole) << salvaged.content.size() << " of " << whole.size();
+    }
+}
+} // namespace
+} // namespace KORVA::TESTS
