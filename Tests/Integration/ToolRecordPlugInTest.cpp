@@ -65,6 +65,36 @@ TEST_F(ToolRecordPlugIn, ShowsThePartsOnlyWhenItIsNamed)
              "{73E90CD5-BBC6-4326-8241-9BB4250B1B05}  library       1         76  PersistentDictionary\n");
 }
 
+TEST_F(ToolRecordPlugIn, ListsThePartsInJson)
+{
+    Put("f", kLittle, kBookmarks);
+    Succeeds(With({"--json", "get", "f", "/1"}), R"({
+  "schema": 1,
+  "entry": {
+    "offset": 76,
+    "length": 40,
+    "path": "/1",
+    "classId": "{0B7E5C11-5D0E-4A63-B41C-2F9D08E673A5}",
+    "class": null,
+    "parts": [
+      {
+        "offset": 100,
+        "length": 8,
+        "type": "string",
+        "value": "Hi"
+      },
+      {
+        "offset": 108,
+        "length": 4,
+        "type": "int32",
+        "value": "7"
+      }
+    ]
+  }
+}
+)");
+}
+
 TEST_F(ToolRecordPlugIn, AnnotatesTheBytesOfTheParts)
 {
     Put("f", kLittle, kBookmarks);

@@ -67,8 +67,8 @@ Extent ExtentOf(Arguments const& arguments, Document const& document, std::vecto
     if (!number)
         throw Failure(Exit::kUsage, Quoted(arguments.where) + " is no offset: write @60 or @0x3C");
     if (*number >= static_cast<KORVA::uint64>(size))
-        throw Failure(Exit::kNotFound, fmt::format("{} has {} bytes, there is none at offset {}",
-                                                   Quoted(arguments.source.file), size, *number));
+        throw Failure(Exit::kNotFound, fmt::format("{} has {}, there is none at offset {}",
+                                                   Quoted(arguments.source.file), ByteCount(size), *number));
     auto const offset = static_cast<int64>(*number);
     return InnermostAround(rows, offset);
 }
@@ -125,7 +125,7 @@ std::string Meaning(LayoutRow const& row, int64 asked)
     std::string text = row.isUnexplained ? "? unexplained" : field.name;
     if (!field.value.empty())
         text += " " + field.value;
-    if (field.length > kPerLine)
+    if (field.length > kPerLine && field.value != ByteCount(field.length))
         text += fmt::format(" ({} bytes)", field.length);
     if (asked >= field.offset && asked < field.offset + field.length)
         text += " <- here";
@@ -146,8 +146,8 @@ void AppendField(std::string& text, LayoutRow const& row, ByteView content, Exte
         text += '\n';
     }
     if (shown < lines)
-        text += Styled(Style::kDim, fmt::format("          {} bytes more; --whole shows them",
-                                                row.field.length - shown * kPerLine)) +
+        text += Styled(Style::kDim, fmt::format("          {} more; --whole shows them",
+                                                ByteCount(row.field.length - shown * kPerLine))) +
                 "\n";
 }
 

@@ -130,7 +130,7 @@ void NoSuchFile(Session const& session, char const* operation, std::string const
 void CutShort(std::string const& location, std::string const& reason, int64 done, int64 size)
 {
     std::string const of = size > done ? " of " + std::to_string(size) : "";
-    std::string const bytes = std::to_string(done) + of + " bytes";
+    std::string const bytes = of.empty() ? ByteCount(done) : std::to_string(done) + of + " bytes";
     throw Failure(Exit::kInputOutput,
                   "cannot read " + Quoted(location) + ": " +
                       (reason.empty() ? bytes + " could be read" : reason + " after " + bytes));

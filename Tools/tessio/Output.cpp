@@ -152,6 +152,8 @@ char const* Unquote(std::string_view& rest, CoreString& text)
     }
 }
 
+std::string ByteCount(KORVA::int64 count) { return fmt::format("{} byte{}", count, count == 1 ? "" : "s"); }
+
 CoreString TextArgument(std::string const& argument, std::string const& what)
 {
     std::optional<CoreString> text = CoreString::FromUTF8(argument);

@@ -57,6 +57,9 @@ std::string Quoted(std::string_view utf8);
 /// or why that can't be, with `text` and `rest` as far as it came.
 char const* Unquote(std::string_view& rest, KORVA::STRING::CoreString& text);
 
+/// "1 byte", "7 bytes".
+std::string ByteCount(KORVA::int64 count);
+
 /// Takes an argument as text; ends the command when it is not valid UTF-8.
 KORVA::STRING::CoreString TextArgument(std::string const& argument, std::string const& what);
 } // namespace TOOL

@@ -40,7 +40,7 @@ int64 BytesOf(Salvaged const& salvaged, Fate::Type type)
 
 std::string Totals(Salvaged const& salvaged, int64 size)
 {
-    std::string text = fmt::format("{} bytes:", size);
+    std::string text = ByteCount(size) + ":";
     for (Fate::Type const type : kFates)
         text += fmt::format(" {} {}{}", BytesOf(salvaged, type), FateName(type),
                             type == Fate::Type::kLost ? "" : ",");

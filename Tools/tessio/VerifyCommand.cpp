@@ -166,7 +166,7 @@ void Info(Common const& common, Arguments const& arguments)
     auto const row = [&](char const* name, std::string const& value) {
         text += fmt::format("  {:<10} {}\n", name, value);
     };
-    row("size", fmt::format("{} bytes", document.tree.size));
+    row("size", ByteCount(document.tree.size));
     row("order", OrderName(document.tree.order));
     row("records", fmt::format("{} at the top, {} in all", document.tree.records.size(), tally.records));
     row("depth", std::to_string(tally.depth));

@@ -1,6 +1,7 @@
 #include "Records/Compare.h"
 
 #include "ObjectModel/GUIDText.h"
+#include "Output.h"
 #include "Records/Decoder.h"
 #include "Records/Summary.h"
 
@@ -102,7 +103,8 @@ bool Comparison::SameThemselves(Node const& a, Node const& b) const
 std::string Comparison::Line(Side const& side, Node const& node) const
 {
     if (node.kind == Kind::kUnknownClass)
-        return fmt::format("unknown class {}, {} bytes", GUIDToText(node.classId), node.length - kHeader);
+        return fmt::format("unknown class {}, {}", GUIDToText(node.classId),
+                           ByteCount(node.length - kHeader));
     if (node.kind != Kind::kObject)
         return PlainSummary(node);
     std::string text = "object " + GUIDToText(node.classId) + " {";

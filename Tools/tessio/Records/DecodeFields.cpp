@@ -40,7 +40,8 @@ void Decoder::Need(int64 bytes, int64 end, char const* what) const
 {
     if (end - mPosition < bytes)
         throw Broken{"cut-short", mPosition,
-                     fmt::format("{} needs {} bytes, {} are left", what, bytes, end - mPosition)};
+                     fmt::format("{} needs {}, {} {} left", what, ByteCount(bytes), end - mPosition,
+                                 end - mPosition == 1 ? "is" : "are")};
 }
 
 GUID Decoder::ReadId(int64 end, Role role, char const* name, char const* what)
@@ -64,7 +65,7 @@ CoreString Decoder::ReadString(Node& node, int64 end, Role role, char const* nam
     if (isOdd)
     {
         Note(node, Severity::kWarning, "string-length-odd", start,
-             fmt::format("a string of {} bytes: units have two", count));
+             fmt::format("a string of {}: units have two", ByteCount(count)));
         node.regular = false;
     }
     if (count < 2)
@@ -72,7 +73,7 @@ CoreString Decoder::ReadString(Node& node, int64 end, Role role, char const* nam
     if (end - mPosition < count)
         throw Broken{
             "string-too-long", start,
-            fmt::format("a string should be {} bytes, the record leaves {}", count, end - mPosition)};
+            fmt::format("a string should be {}, the record leaves {}", ByteCount(count), end - mPosition)};
     CoreString text;
     if (mOptions.sound)
     {
@@ -196,7 +197,7 @@ void Decoder::Buffer(Node& node, int64 end)
     if (end - mPosition < length)
         throw Broken{
             "buffer-too-long", at,
-            fmt::format("a buffer should be {} bytes, the record leaves {}", length, end - mPosition)};
+            fmt::format("a buffer should be {}, the record leaves {}", ByteCount(length), end - mPosition)};
     unsigned char const* const from = mContent.data() + mPosition;
     if (mOptions.sound)
     {
@@ -207,7 +208,7 @@ void Decoder::Buffer(Node& node, int64 end)
     {
         value.content = Bytes(from, from + length);
         if (mOptions.fields)
-            Tell(mPosition, length, Role::kValue, "value", fmt::format("{} bytes", length));
+            Tell(mPosition, length, Role::kValue, "value", ByteCount(length));
     }
     else
     {
@@ -220,7 +221,7 @@ void Decoder::Buffer(Node& node, int64 end)
         if (length % 2 != 0)
         {
             Note(node, Severity::kWarning, "text-length-odd", at,
-                 fmt::format("a text of {} bytes: units have two", length));
+                 fmt::format("a text of {}: units have two", ByteCount(length)));
             node.regular = false;
         }
     }

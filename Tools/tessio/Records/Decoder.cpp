@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "ObjectModel/GUIDText.h"
+#include "Output.h"
 #include "TessIO/ClassIds.h"
 
 #include <algorithm>
@@ -28,10 +29,10 @@ bool Decoder::ReadHeader(Node& node, int64 limit, char const* holder)
     int64 const left = limit - mPosition;
     if (node.declared < 0)
         Note(node, Severity::kError, "length-negative", at,
-             fmt::format("its length is {}; the {} leaves {} bytes", node.declared, holder, left));
+             fmt::format("its length is {}; the {} leaves {}", node.declared, holder, ByteCount(left)));
     else if (node.declared > left)
         Note(node, Severity::kError, "length-too-large", at,
-             fmt::format("should be {} bytes, the {} leaves {}", node.declared, holder, left));
+             fmt::format("should be {}, the {} leaves {}", ByteCount(node.declared), holder, left));
     else if (node.declared > kLargestLength)
         Note(node, Severity::kError, "length-not-believed", at,
              fmt::format("its length is {}, more than the {} that are read", node.declared, kLargestLength));
@@ -110,7 +111,8 @@ void Decoder::ReadContent(Node& node, int64 end, int depth)
         Aggregates(node, end, depth);
         if (mPosition < end)
             throw Broken{"bytes-left-over", mPosition,
-                         fmt::format("{} bytes at its end belong to nothing", end - mPosition)};
+                         fmt::format("{} at its end {} to nothing", ByteCount(end - mPosition),
+                                     end - mPosition == 1 ? "belongs" : "belong")};
     }
     catch (Broken const& broken)
     {
@@ -210,15 +212,18 @@ void Decoder::Object(Node& node, ReadBody const& body, int depth)
     int64 const end = mPosition + body.length;
     node.parts = body.parts;
     uint32 records = 0;
-    for (Part const& part : body.parts)
+    for (Part& part : node.parts)
     {
         mPosition = part.offset;
         if (part.type == "record")
             Nested(node.entries, {.type = Label::Type::kPart, .number = records++, .text = {}, .id = {}},
                    part.offset + part.length, depth);
-        else if (mOptions.fields)
-            Tell(part.offset, part.length, Role::kValue, part.type,
-                 ShownPart(mContent, part, mOptions.order));
+        else
+        {
+            std::string shown = ShownPart(mContent, part, mOptions.order);
+            part.shown = part.type == "string" ? TextOfPart(mContent, part, mOptions.order).ToUTF8() : shown;
+            Tell(part.offset, part.length, Role::kValue, part.type, std::move(shown));
+        }
     }
     mPosition = end;
 }
@@ -312,7 +317,8 @@ RecordTree Decode(ByteView content, DecodeOptions const& options)
     if (tree.end < size)
         tree.findings.push_back(
             {Severity::kError, "bytes-left-over", tree.end,
-             fmt::format("{} bytes at its end are too few for a record", size - tree.end)});
+             fmt::format("{} at its end {} too few for a record", ByteCount(size - tree.end),
+                         size - tree.end == 1 ? "is" : "are")});
     return tree;
 }
 

@@ -87,6 +87,15 @@ Json ToJson(Node const& node, std::string const& path, std::string const& label)
         json["class"] = name.empty() ? Json(nullptr) : Json(name);
     }
     AddContent(json, node);
+    Json parts = Json::array();
+    for (Part const& part : node.parts)
+        if (part.type != "record")
+            parts.push_back({{"offset", part.offset},
+                             {"length", part.length},
+                             {"type", part.type},
+                             {"value", part.shown}});
+    if (!parts.empty())
+        json["parts"] = std::move(parts);
     if (std::string const problem = Problem(node); !problem.empty())
         json["problem"] = problem;
     Json children = Json::array();

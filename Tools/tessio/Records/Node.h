@@ -70,6 +70,8 @@ struct Part
     std::string type;
     KORVA::int64 offset = 0;
     KORVA::int64 length = 0;
+    /// For people: long ones are cut, a text is as it is. Empty for a record.
+    std::string shown = {};
 };
 
 /// A record, or an entry of a string dictionary. Offsets and lengths are bytes from the start of the file.

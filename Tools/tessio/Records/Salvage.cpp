@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 namespace TOOL
@@ -35,6 +36,18 @@ std::optional<int64> Salvager::EndByLength(int64 offset, int64 limit) const
     return offset + kHeader + length;
 }
 
+/// Behind what is in a record stands the number of its aggregates. Only the last of these can end with it: it
+/// has its interface's id before it, and that the number, or another one.
+bool Salvager::MayEndWithRecord(int64 offset, int64 end) const
+{
+    auto const last = std::prev(mFinds.Whole().lower_bound(end));
+    int64 const number = last->first - 16 - 4;
+    if (last->second != end || number < offset + kHeader)
+        return last->second != end;
+    return At<int32>(number) == 1 ||
+           (last != mFinds.Whole().begin() && std::prev(last)->second == number + 4);
+}
+
 /// Bytes that are all zeros look like an empty record and are none. A record of a class that nobody knows may
 /// hold known ones; so do the remains of a known one that has lost its class id, which have to let them go.
 std::optional<int64> Salvager::EndOfUnknown(int64 offset, int64 limit) const
@@ -43,8 +56,8 @@ std::optional<int64> Salvager::EndOfUnknown(int64 offset, int64 limit) const
     if (!end || mFinds.AnyAt(offset) || mFinds.IsInside(*end))
         return std::nullopt;
     GUID const id = LoadId(mContent.data() + offset, mOrder);
-    bool const mayHold = mIsWhole || (LooksLikeId(id) && !mFinds.IsLikeKnown(offset)) ||
-                         mFinds.NextWhole(offset + kHeader, mSize) >= *end;
+    bool const mayHold = mIsWhole || mFinds.NextWhole(offset + kHeader, mSize) >= *end ||
+                         (LooksLikeId(id) && !mFinds.IsLikeKnown(offset) && MayEndWithRecord(offset, *end));
     return id != GUID{} && mayHold ? end : std::nullopt;
 }
 

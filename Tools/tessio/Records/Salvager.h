@@ -33,6 +33,7 @@ private:
     }
     /// The end of a record by its length; nothing when that can't be right.
     std::optional<KORVA::int64> EndByLength(KORVA::int64 offset, KORVA::int64 limit) const;
+    bool MayEndWithRecord(KORVA::int64 offset, KORVA::int64 end) const;
     std::optional<KORVA::int64> EndOfUnknown(KORVA::int64 offset, KORVA::int64 limit) const;
     bool Tiles() const;
     bool LeadsOn(KORVA::int64 offset);

@@ -286,7 +286,7 @@ TEST(Edit, WhatNobodyCanTurnRoundIsNotTurned)
     EXPECT_EQ(FailureOf([] {
                   static_cast<void>(TOOL::Turned(DocumentOf(kBig, "Value 8:8 'UNNT 0:4 =AA"), kLittle));
               }),
-              "4 \"FILE\": 1 bytes at its end are too few for a record; nothing is written");
+              "4 \"FILE\": 1 byte at its end is too few for a record; nothing is written");
 }
 } // namespace
 } // namespace KORVA::TESTS

@@ -105,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(
                 R"({"class":"URI","classId":"{2517B49E-BCE5-404C-8524-3A6EC3C3B633}","body":""})"},
         JsonRow{"WrongLength", "{00000009-0000-0000-0000-000000000000} -1:8 =0A",
                 R"({"class":null,"classId":"{00000009-0000-0000-0000-000000000000}","damage":)"
-                R"("its length is -1; the file leaves 1 bytes","length":"-1","body":"0a"})"},
+                R"("its length is -1; the file leaves 1 byte","length":"-1","body":"0a"})"},
         JsonRow{
             "Aggregate", "Value 56:8 'UNNT 1:4 {11111111-2222-3333-4444-555555555555} Value 8:8 'UNNT 0:4",
             kValue + R"("type":"none","aggregates":[{"interface":)" +

@@ -136,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "# URI, damaged: should be 9 bytes, the file leaves 8\n"
                 "record {2517B49E-BCE5-404C-8524-3A6EC3C3B633} length 9 { 00 00 00 00 00 00 00 00 }\n"},
         TextRow{"WrongLengthOfAnUnknownClass", "{00000009-0000-0000-0000-000000000000} -1:8 =0A",
-                "# damaged: its length is -1; the file leaves 1 bytes\n"
+                "# damaged: its length is -1; the file leaves 1 byte\n"
                 "record {00000009-0000-0000-0000-000000000000} length -1 { 0a }\n"},
         TextRow{"Rest", "Value 8:8 'UNNT 0:4 =AABBCC", "none\nrest { aa bb cc }\n"},
         TextRow{"OnlyRest", "=AABB", "rest { aa bb }\n"}),

@@ -11,8 +11,9 @@ class IURI;
 class [[gnu::visibility("default")]] IReporter : public IObject
 {
 public:
-    /// A read of the resource `uri` (borrowed) ended with `result`; `detail` is 13 for a null buffer, 0 when
-    /// there was no data. Called on the reading thread.
+    /// A read of the resource `uri` (borrowed) ended with `result`. `detail` is the cause: of a local file 13
+    /// for a null buffer, 0 when there was no data. What serves other schemes tells an error number of the
+    /// system (`ETIMEDOUT`) or, from 400 on, what its server answered. Called on the reading thread.
     virtual void Report(IURI * uri, OperationId result, ErrCode detail) = 0;
 };
 } // namespace KORVA::IO
