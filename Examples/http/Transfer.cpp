@@ -122,6 +122,8 @@ void Transfer::SetUp(Request const& request)
     if (!mSettings.caFile.empty())
         Set(easy, CURLOPT_CAINFO, mSettings.caFile.c_str());
     Set(easy, CURLOPT_CONNECTTIMEOUT_MS, mSettings.connectTimeout);
+    // What a proxy says of the way there is no answer of the server.
+    Set(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     Set(easy, CURLOPT_HEADERFUNCTION, &Transfer::OnHeader);
     Set(easy, CURLOPT_HEADERDATA, this);
     Set(easy, CURLOPT_WRITEFUNCTION, &Transfer::OnBytes);

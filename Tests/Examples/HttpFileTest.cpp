@@ -1,6 +1,5 @@
 // What can be learnt of a web server's files without reading them, and what can't be done to them.
 #include "Examples/HttpTest.h"
-#include "Examples/OddServer.h"
 #include "Support/RowName.h"
 
 namespace KORVA::TESTS
@@ -15,6 +14,7 @@ struct Row
     char const* user = nullptr;
     char const* password = nullptr;
     bool tls = false;
+    bool byProxy = false;
     /// What is to be found; -1 for a size that is not told.
     bool exists = false;
     int size = -1;
@@ -47,6 +47,8 @@ TEST_P(HttpFileRow, IsAsTheServerSays)
                                    "e",
                                    "100%", "empty"})
         std::filesystem::last_write_time(server.PathOf(name), date);
+    if (row.byProxy)
+        GoByProxy();
     IO::IURIFilePtr const file =
         FileOf(*URIOf(row.tls ? server.Https(row.path) : server.Http(row.path), row.user, row.password));
     EXPECT_EQ(file->Exists(), row.exists);
@@ -72,6 +74,7 @@ TEST_P(HttpFileRow, IsAsTheServerSays)
     EXPECT_EQ(file->Read(stream), row.read);
     EXPECT_EQ(static_cast<bool>(stream), row.read == 0);
     EXPECT_EQ(reporter->text, row.reported);
+    EXPECT_EQ(proxy.Requests().empty(), !row.byProxy);
     log.Take();
 }
 
@@ -135,6 +138,35 @@ Row const kRows[] = {
     {.name = "RedirectedToTLSAndBack", .path = "/to/down", .reported = "35 93", .read = 35},
     {.name = "RedirectedForEver", .path = "/to/loop", .reported = "35 40", .read = 35},
     {.name = "RedirectedToAFile", .path = "/to/file", .reported = "35 93", .read = 35},
+    {.name = "ByProxy",
+     .path = "/plain/text",
+     .tls = true,
+     .byProxy = true,
+     .exists = true,
+     .size = 10,
+     .dated = true},
+    {.name = "MissingByProxy", .path = "/plain/nothing", .tls = true, .byProxy = true, .read = 26},
+    {.name = "ServerInTroubleByProxy",
+     .path = "/error",
+     .tls = true,
+     .byProxy = true,
+     .reported = "35 503",
+     .read = 35},
+    {.name = "NobodyAsksByProxy",
+     .path = "/auth/text",
+     .tls = true,
+     .byProxy = true,
+     .challenge = "1 401 nobody",
+     .read = 36},
+    {.name = "RightPasswordByProxy",
+     .path = "/auth/text",
+     .user = "ada",
+     .password = kPassword,
+     .tls = true,
+     .byProxy = true,
+     .exists = true,
+     .size = 10,
+     .dated = true},
     {.name = "RedirectedToAUser", .path = "/to/user", .reported = "35 93", .read = 35},
 };
 

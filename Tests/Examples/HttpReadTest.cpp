@@ -1,6 +1,5 @@
 // Reading what web servers send.
 #include "Examples/HttpTest.h"
-#include "Examples/OddServer.h"
 #include "Support/RowName.h"
 #include "TessIO/IDictionary.h"
 #include "TessIO/IURIDataProvider.h"
@@ -19,6 +18,7 @@ struct Way
     bool tls = false;
     bool tellsSize = true;
     bool servesRanges = true;
+    bool byProxy = false;
 };
 
 class HttpReading : public HttpTest, public ::testing::WithParamInterface<Way>
@@ -27,6 +27,8 @@ protected:
     TInterfacePtr<IDataProvider> Open(std::string const& name) const
     {
         Way const& way = GetParam();
+        if (way.byProxy)
+            GoByProxy();
         std::string const path = way.prefix + name;
         return HttpTest::Open(way.tls ? server.Https(path) : server.Http(path));
     }
@@ -129,6 +131,7 @@ TEST_P(HttpReading, FindsObjects)
 
 Way const kWays[] = {{.name = "Plain", .prefix = "/plain/"},
                      {.name = "TLS", .prefix = "/plain/", .tls = true},
+                     {.name = "ByProxy", .prefix = "/plain/", .tls = true, .byProxy = true},
                      {.name = "NoRanges", .prefix = "/noranges/", .servesRanges = false},
                      {.name = "Chunked", .prefix = "/chunked/", .tellsSize = false, .servesRanges = false},
                      {.name = "HeadRefused", .prefix = "/nohead/"}};

@@ -1,6 +1,7 @@
 // The plug-in of the schemes http and https in a host, before a real web server.
 #pragma once
 
+#include "Examples/OddServer.h"
 #include "Examples/WebServer.h"
 #include "Integration/HostTest.h"
 #include "ObjectModel/TObject.h"
@@ -31,8 +32,8 @@ protected:
     HttpTest()
     {
         for (char const* const name :
-             {"http_proxy", "https_proxy", "HTTP_PROXY", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
-              HTTP::kConnectTimeoutVariable, HTTP::kStallTimeoutVariable})
+             {"http_proxy", "https_proxy", "HTTP_PROXY", "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy",
+              "NO_PROXY", HTTP::kConnectTimeoutVariable, HTTP::kStallTimeoutVariable})
             unsetenv(name);
         setenv(HTTP::kCAFileVariable, server.Certificate().c_str(), 1);
         std::string error;
@@ -93,7 +94,18 @@ protected:
                (credential ? credential->GetUsername().ToUTF8() : "nobody");
     }
 
+    /// From now on whatever is protected goes through the proxy.
+    void GoByProxy() const { setenv("https_proxy", proxy.URL("").c_str(), 1); }
+
     WebServer server;
+    /// Leads to the web server alone.
+    OddServer proxy{[this](OddServer::Client const& client, std::string const& request) {
+        bool const isKnown = request.starts_with("CONNECT 127.0.0.1:" + server.TLSPort() + " ");
+        client.Send(isKnown ? "HTTP/1.1 200 Go on\r\n\r\n"
+                            : "HTTP/1.1 403 Not there\r\nContent-Length: 0\r\n\r\n");
+        if (isKnown)
+            client.Tunnel(std::stoi(server.TLSPort()));
+    }};
     TInterfacePtr<Heard> reporter;
 };
 

@@ -12,13 +12,20 @@ namespace KORVA::TESTS
 {
 namespace
 {
+sockaddr_in Loopback(int port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
 /// A socket that listens on a port of its own.
 int Listener(int backlog, int& port)
 {
     int const listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    sockaddr_in address = Loopback(0);
     socklen_t size = sizeof address;
     if (bind(listener, reinterpret_cast<sockaddr const*>(&address), size) != 0 ||
         listen(listener, backlog) != 0 ||
@@ -34,13 +41,12 @@ bool IsReady(int socket, int stop)
     pollfd waits[] = {{socket, POLLIN, 0}, {stop, POLLIN, 0}};
     return poll(waits, 2, -1) > 0 && waits[1].revents == 0;
 }
-} // namespace
 
-bool OddServer::Client::Send(std::string_view bytes) const
+bool SendAll(int socket, std::string_view bytes)
 {
     while (!bytes.empty())
     {
-        ssize_t const sent = send(mSocket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        ssize_t const sent = send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (sent <= 0)
             return false;
         bytes.remove_prefix(static_cast<std::size_t>(sent));
@@ -48,11 +54,38 @@ bool OddServer::Client::Send(std::string_view bytes) const
     return true;
 }
 
+/// What has come from one socket, to the other; false when either is closed.
+bool Pass(int from, int to)
+{
+    char bytes[16384];
+    ssize_t const count = recv(from, bytes, sizeof bytes, 0);
+    return count > 0 && SendAll(to, {bytes, static_cast<std::size_t>(count)});
+}
+} // namespace
+
+bool OddServer::Client::Send(std::string_view bytes) const { return SendAll(mSocket, bytes); }
+
 void OddServer::Client::Stall() const
 {
     char byte = 0;
     while (IsReady(mSocket, mStop) && recv(mSocket, &byte, 1, 0) > 0)
         continue;
+}
+
+void OddServer::Client::Tunnel(int port) const
+{
+    int const server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in const address = Loopback(port);
+    bool open = connect(server, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
+    while (open)
+    {
+        pollfd waits[] = {{mSocket, POLLIN, 0}, {server, POLLIN, 0}, {mStop, POLLIN, 0}};
+        open = poll(waits, 3, -1) > 0 && waits[2].revents == 0;
+        for (int const from : {0, 1})
+            if (open && waits[from].revents != 0)
+                open = Pass(waits[from].fd, waits[1 - from].fd);
+    }
+    close(server);
 }
 
 OddServer::OddServer(Answer answer) : mAnswer(std::move(answer))
@@ -106,10 +139,7 @@ void OddServer::ServeOne(int socket)
 FullServer::FullServer()
 {
     mSockets.push_back(Listener(0, mPort));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(mPort));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    sockaddr_in const address = Loopback(mPort);
     for (int i = 0; i < 4; ++i)
     {
         int const socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);

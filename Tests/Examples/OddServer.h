@@ -25,6 +25,9 @@ public:
         bool Send(std::string_view bytes) const;
         /// Until the client goes away, or the server has to.
         void Stall() const;
+        /// Passes bytes to and from a server on this machine, until one of the two goes away or this one has
+        /// to.
+        void Tunnel(int port) const;
 
     private:
         int mSocket;
