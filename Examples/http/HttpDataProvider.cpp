@@ -27,9 +27,10 @@ constexpr int64 kShortWay = static_cast<int64>(Window::kSize);
 
 IO::IURICredential* CredentialOf(IO::IURI const& uri)
 {
+    // A URI that was read from a file may carry anything under that id.
     IObject* found = nullptr;
     return uri.QueryInterface(IO::IID_URI_CREDENTIAL, &found) == kNoError
-               ? static_cast<IO::IURICredential*>(found)
+               ? dynamic_cast<IO::IURICredential*>(found)
                : nullptr;
 }
 

@@ -1,6 +1,7 @@
 // What can be learnt of a web server's files without reading them, and what can't be done to them.
 #include "Examples/HttpTest.h"
 #include "Support/RowName.h"
+#include "TessIO/IStringDictionary.h"
 
 namespace KORVA::TESTS
 {
@@ -291,6 +292,26 @@ TEST_F(HttpTest, ARefusalSaysHowOftenAndGoesAwayWithSuccess)
     EXPECT_FALSE(file->Exists());
     EXPECT_EQ(ChallengeOf(*file), "1 401 ada");
     EXPECT_EQ(reporter->text, "");
+}
+
+/// A URI keeps its aggregates in files, of whatever class they are.
+TEST_F(HttpTest, WhatIsNoCredentialIsPassedOver)
+{
+    IO::IURIPtr const uri = URIOf(server.Http("/auth/text"));
+    auto const strings = COREREGISTRY::CreateObject<IStringDictionary>(IO::IID_STRING_DICTIONARY);
+    uri->Aggregate(strings.Get(), IO::IID_URI_CREDENTIAL);
+    Save("uri", {uri.Get()});
+    TInterfacePtr<IO::IDataProviderStream> stream;
+    ASSERT_EQ(FileNamed("uri")->Read(stream), 0);
+    IO::IURIPtr loaded;
+    *stream >> loaded.Out();
+    ASSERT_TRUE(loaded);
+    ASSERT_EQ(loaded->QueryInterface(IO::IID_URI_CREDENTIAL, nullptr), 0);
+    IO::IURIFilePtr const file = FileOf(*loaded);
+    EXPECT_FALSE(file->Exists());
+    EXPECT_EQ(ChallengeOf(*file), "1 401 nobody");
+    EXPECT_EQ(file->Read(stream), 36);
+    EXPECT_EQ(ChallengeOf(*file), "2 401 nobody");
 }
 
 TEST_F(HttpTest, DigestIsAnsweredWithoutThePassword)
