@@ -4,6 +4,8 @@
 #include "TessIO/PersistentData.h"
 #include "TessIO/ResultCodes.h"
 
+#include <algorithm>
+
 namespace BOOKMARKS
 {
 namespace
@@ -30,9 +32,25 @@ void WriteMember(IDataProviderStream& stream, IObject const* object)
     provider->SetPosition(end, IDataProvider::kFromStart);
 }
 
+/// Whether a record follows, by the two lengths in front of it. Where one of them says that there is none,
+/// and the other that there is, one is damaged: a record that is there has a length of its own.
+bool HasRecord(IDataProviderStream& stream, int64 length, int64 second)
+{
+    if ((length == 0) == (second == 0))
+        return length != 0;
+    constexpr int64 kHeader = 24;
+    TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
+    int64 const start = provider->GetPosition();
+    GUID classId{};
+    int64 own = -1;
+    stream >> classId >> own;
+    provider->SetPosition(start, IDataProvider::kFromStart);
+    return own == std::max(length, second) - kHeader;
+}
+
 /// The object that a record was made of, if it is of the class that is wanted here. Whatever the record held,
 /// the stream stands behind it afterwards: a damaged length of the record itself is of no consequence, and
-/// where the one in front of it is damaged the record's own does.
+/// where one in front of it is damaged the record's own does.
 template <class I>
 TInterfacePtr<I> ReadMember(IDataProviderStream& stream, GUID const& classId)
 {
@@ -42,10 +60,10 @@ TInterfacePtr<I> ReadMember(IDataProviderStream& stream, GUID const& classId)
     stream >> length >> turned;
     int64 const start = provider->GetPosition();
     TInterfacePtr<IObject> object;
-    // Damage to one of the two leaves the other: where either says that there is no record, there is none.
-    if (length != 0 && ~turned != 0)
+    if (HasRecord(stream, length, ~turned))
         stream >> object.Out();
-    if (length == ~turned)
+    // Two that agree may still have been made up by somebody.
+    if (length == ~turned && length >= 0 && length <= provider->Size() - start)
         provider->SetPosition(start + length, IDataProvider::kFromStart);
     TInterfacePtr<I> member;
     IObject* persistence = nullptr;

@@ -162,34 +162,54 @@ TEST_F(BookmarkTest, HasTheseBytes)
               "02 00 00 00 41 00 00 00 00 00");
 }
 
-/// Every byte of the body turned, one after the other: never more than one member is lost, and what stands
-/// behind the bookmark is found.
-TEST_F(BookmarkTest, LosesOneMemberAtMostWhereAByteIsDamaged)
+struct Whole
 {
-    Bytes const whole = Saved(*Made());
+    char const* name;
+    bool hasPlace;
+    char const* path;
+};
+
+/// Every byte of the body, one after the other, with every other value.
+class DamagedByte : public BookmarkTest, public ::testing::WithParamInterface<Whole>
+{
+};
+
+/// And what stands behind the bookmark is found.
+TEST_P(DamagedByte, CostsOneMemberAtMost)
+{
+    auto const bookmark = Made();
+    if (!GetParam().hasPlace)
+        bookmark->SetPlace(nullptr);
+    Bytes const whole = Saved(*bookmark);
     constexpr std::size_t kHeader = 24;
     constexpr std::size_t kAggregateCount = 4;
     int lostPlaces = 0;
     int lostRemarks = 0;
     for (std::size_t at = kHeader; at < whole.size() - kAggregateCount; ++at)
-    {
-        SCOPED_TRACE(at);
-        Bytes damaged = whole;
-        damaged[at] ^= 0xFF;
-        auto const loaded = Loaded(damaged);
-        ASSERT_TRUE(loaded);
-        bool const title = loaded->GetTitle().ToUTF8() != "Chapter 3";
-        bool const date = loaded->GetDate() != kDate;
-        bool const place = PathOf(*loaded) != "/home/ada/Documents/books/a.txt";
-        bool const remarks = RemarksOf(*loaded) != "2 31 again";
-        EXPECT_LE(title + date + place + remarks, 1);
-        lostPlaces += place;
-        lostRemarks += remarks;
-    }
-    EXPECT_GT(lostPlaces, 20);
-    EXPECT_GT(lostRemarks, 20);
-    log.Take();
+        for (unsigned change = 1; change < 256; ++change)
+        {
+            SCOPED_TRACE(std::to_string(at) + ": ^" + std::to_string(change));
+            Bytes damaged = whole;
+            damaged[at] ^= static_cast<Bytes::value_type>(change);
+            auto const loaded = Loaded(damaged);
+            ASSERT_TRUE(loaded);
+            bool const title = loaded->GetTitle().ToUTF8() != "Chapter 3";
+            bool const date = loaded->GetDate() != kDate;
+            bool const place = PathOf(*loaded) != GetParam().path;
+            bool const remarks = RemarksOf(*loaded) != "2 31 again";
+            EXPECT_LE(title + date + place + remarks, 1);
+            lostPlaces += place;
+            lostRemarks += remarks;
+            log.Take();
+        }
+    EXPECT_EQ(lostPlaces > 20 * 255, GetParam().hasPlace);
+    EXPECT_GT(lostRemarks, 20 * 255);
 }
+
+Whole const kWhole[] = {{"WithAPlace", true, "/home/ada/Documents/books/a.txt"},
+                        {"WithoutAPlace", false, "unchanged 26"}};
+
+INSTANTIATE_TEST_SUITE_P(Bookmarks, DamagedByte, ::testing::ValuesIn(kWhole), RowName());
 
 /// Cut anywhere, and followed by nothing: what could be read is there, and nothing breaks.
 TEST_F(BookmarkTest, KeepsWhatIsInFrontOfTheEndOfItsFile)
@@ -242,6 +262,40 @@ Foreign const kForeign[] = {{"Place", 48, "unchanged 26", "2 31 again"},
                             {"Remarks", 142, "/home/ada/Documents/books/a.txt", "0 -1 "}};
 
 INSTANTIATE_TEST_SUITE_P(Members, ForeignMember, ::testing::ValuesIn(kForeign), RowName());
+
+struct Crafted
+{
+    char const* name;
+    /// The two lengths in front of the place, which agree.
+    char const* lengths;
+};
+
+/// Lengths that no damage makes.
+class CraftedLengths : public BookmarkTest, public ::testing::WithParamInterface<Crafted>
+{
+};
+
+TEST_P(CraftedLengths, CostNothing)
+{
+    Bytes bytes = Saved(*Made());
+    Bytes const lengths = Hex(GetParam().lengths);
+    std::copy(lengths.begin(), lengths.end(), bytes.begin() + 32);
+    auto const loaded = Loaded(bytes);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(PathOf(*loaded), "/home/ada/Documents/books/a.txt");
+    EXPECT_EQ(RemarksOf(*loaded), "2 31 again");
+    EXPECT_EQ(loaded->GetTitle().ToUTF8(), "Chapter 3");
+    EXPECT_EQ(loaded->GetDate(), kDate);
+}
+
+Crafted const kCrafted[] = {
+    {"Largest", "FF FF FF FF FF FF FF 7F 00 00 00 00 00 00 00 80"},
+    {"Smallest", "00 00 00 00 00 00 00 80 FF FF FF FF FF FF FF 7F"},
+    {"BehindTheEnd", "00 10 00 00 00 00 00 00 FF EF FF FF FF FF FF FF"},
+    {"Backwards", "D0 FF FF FF FF FF FF FF 2F 00 00 00 00 00 00 00"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Lengths, CraftedLengths, ::testing::ValuesIn(kCrafted), RowName());
 
 TEST_F(BookmarkTest, IsSkippedWhileThePlugInIsNotLoaded)
 {
