@@ -33,7 +33,7 @@ public:
     void SetAutoFlush(bool) override {}
     KORVA::HRESULT Init(KORVA::IO::IURI& uri, KORVA::IO::IReporter* reporter) override;
 
-    /// What the server said first.
+    /// What the server said first; empty where it did not answer.
     Reply const& FirstAnswer() const { return mFirst; }
 
 private:

@@ -77,9 +77,10 @@ bool HttpFile::Ask(Reply& reply) const
     // A file without a first byte is there all the same.
     bool const isEmpty = failure == 0 && reply.Status() == 416 && reply.Size() == 0;
     Outcome const outcome = isEmpty ? Outcome() : OutcomeOf(failure, reply);
+    // Before somebody is told, who may give the URI another credential.
+    NoteAccess(reply, request.credential);
     if (outcome.code == IO::kFileSystemFailed)
         Tell(kSiteAsk, *mURI, mReporter.Get(), outcome.code, outcome.detail, mTransfer->Message());
-    NoteAccess(reply, request.credential);
     return outcome.code == kNoError;
 }
 //! [ask]

@@ -172,7 +172,11 @@ int Transfer::Start(Request const& request, Window* window)
     // A connection can be used again once the answer is there to its last byte.
     Wait(request.kind == Request::Kind::kHead ? mHasEnded : mHasAnswer);
     // What breaks behind the answer is for whoever wants the bytes.
-    return mHasAnswer ? 0 : TakeFailure();
+    int const failure = mHasAnswer ? 0 : TakeFailure();
+    // What was said on the way to an answer that never came is none.
+    if (failure != 0)
+        mReply = Reply();
+    return failure;
 }
 
 void Transfer::More()

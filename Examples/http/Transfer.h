@@ -62,6 +62,7 @@ public:
     bool HasFailed() const { return mFailure != 0; }
     /// Why they did, told once; 0 when they did not.
     int TakeFailure() { return std::exchange(mFailure, 0); }
+    /// Empty where there is none.
     Reply const& Answer() const { return mReply; }
     /// What went wrong, for the log.
     char const* Message() const { return mMessage; }

@@ -333,6 +333,27 @@ TEST_F(HttpTest, DigestIsAnsweredWithoutThePassword)
     EXPECT_EQ(odd.Requests().size(), 2u);
 }
 
+/// A server that asks who is there, and then says no more, has refused nobody.
+TEST_F(HttpTest, AQuestionBeforeAStallIsNoRefusal)
+{
+    setenv(HTTP::kStallTimeoutVariable, "300", 1);
+    OddServer const odd([](OddServer::Client const& client, std::string const& request) {
+        if (request.find("\r\nAuthorization: ") != std::string::npos)
+            client.Stall();
+        else
+            client.Send("HTTP/1.1 401 No\r\nWWW-Authenticate: Basic realm=\"r\"\r\n"
+                        "Content-Length: 0\r\nConnection: close\r\n\r\n");
+    });
+    IO::IURIFilePtr const file = FileOf(*URIOf(odd.URL("/x"), "ada", "secret"));
+    EXPECT_FALSE(file->Exists());
+    EXPECT_EQ(ChallengeOf(*file), "none");
+    TInterfacePtr<IO::IDataProviderStream> stream;
+    EXPECT_EQ(file->Read(stream), 35);
+    EXPECT_EQ(ChallengeOf(*file), "none");
+    EXPECT_EQ(reporter->text, "35 110 35 110");
+    EXPECT_EQ(log.Take().size(), 2u);
+}
+
 /// Another port is another server, whoever it belongs to.
 TEST_F(HttpTest, APasswordIsNotSentWhereARedirectionLeads)
 {

@@ -66,6 +66,9 @@ protected:
             if (!isHead)
                 client.Stall();
         }
+        else if (path == "/asks" && request.find("\r\nAuthorization: ") == std::string::npos)
+            client.Send("HTTP/1.1 401 No\r\nWWW-Authenticate: Basic realm=\"r\"\r\n"
+                        "Content-Length: 0\r\nConnection: close\r\n\r\n");
         else if (path == "/nohead" && !isHead)
             client.Send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n01234");
         else
@@ -170,6 +173,11 @@ Row const kRows[] = {
      .arguments = {"cat", "{odd}/nothing"},
      .exitCode = 3,
      .err = "tessio: cannot open \"{odd}/nothing\": timed out\n"},
+    {.name = "CatUnansweredForAUser",
+     .arguments = {"cat", "--user", "ada", "{odd}/asks"},
+     .environment = kRight,
+     .exitCode = 3,
+     .err = "tessio: cannot open \"{odd}/asks\": timed out\n"},
     {.name = "CatUntrusted",
      .arguments = {"cat", "{https}/plain/text"},
      .environment = "KORVA_HTTP_CA_FILE=",
