@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <utility>
 
 namespace HTTP
@@ -23,6 +24,7 @@ constexpr LogSite kSiteRead{kSource, "virtual OperationId HTTP::HttpDataProvider
 constexpr LogSite kSiteNotInitialized{kSource, "HTTP::HttpDataProvider", 0};
 
 constexpr int64 kShortWay = static_cast<int64>(Window::kSize);
+constexpr int64 kNoLimit = std::numeric_limits<int64>::max();
 } // namespace
 
 IO::IURICredential* CredentialOf(IO::IURI const& uri)
@@ -70,6 +72,7 @@ ErrCode HttpDataProvider::InitURIBased(IO::IURI& uri, int mode, IO::IReporter* r
     mTransfer = std::move(transfer);
     mSize = mFirst.Size();
     mPosition = mSeen = 0;
+    mLimit = kNoLimit;
     mServesRanges = true;
     mHasFailed = false;
     Aggregate(mURI.Get(), IO::IID_IURI);
@@ -137,10 +140,17 @@ bool HttpDataProvider::Continue()
 bool HttpDataProvider::NoteProgress()
 {
     mSeen = std::max(mSeen, mWindow.End());
+    if (mSeen == mLimit)
+        mSize = mLimit;
     if (!mTransfer->HasEnded() || mTransfer->HasFailed())
         return true;
-    mSize = mSize.value_or(mWindow.End());
+    bool const isPiece = mTransfer->Answer().Status() == 206;
+    if (!isPiece)
+        mSize = mSize.value_or(mWindow.End());
     if (mWindow.End() > mPosition || IsBehindTheEnd())
+        return true;
+    // A server may give less than it is asked for: what comes behind a piece is asked for in its turn.
+    if (isPiece && mWindow.End() == mTransfer->Answer().End())
         return true;
     return Fail(ECONNRESET, "fewer bytes came than there are");
 }
@@ -155,11 +165,7 @@ bool HttpDataProvider::Begin(int64 from)
         &mWindow);
     Reply const& answer = mTransfer->Answer();
     if (failure == 0 && answer.Status() == 416 && !mSize)
-    {
-        // The position is behind the end, wherever that is.
-        mSize = answer.Size().value_or(mSeen);
-        return true;
-    }
+        return NoteLimit(from, answer.Size());
     if (failure != 0 || !answer.IsGranted())
         return Reject(failure != 0 ? failure : answer.Status(), mTransfer->Message());
     if (!mFirst.Agrees(answer))
@@ -170,6 +176,16 @@ bool HttpDataProvider::Begin(int64 from)
     // The whole file instead of the rest: what comes first is passed over.
     mServesRanges = mServesRanges && (from == 0 || answer.Status() == 206);
     return NoteProgress();
+}
+
+bool HttpDataProvider::NoteLimit(int64 from, std::optional<int64> size)
+{
+    if (from < mSeen || (size && (*size < mSeen || *size > from)))
+        return Reject(ESTALE, "the file changed");
+    // Without a size this is the end only where the bytes before have been seen.
+    mLimit = from;
+    mSize = from == mSeen ? from : size;
+    return true;
 }
 
 bool HttpDataProvider::Reject(int detail, char const* message)

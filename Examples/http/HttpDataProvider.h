@@ -42,7 +42,9 @@ private:
     bool Begin(KORVA::int64 from);
     bool Continue();
     bool NoteProgress();
-    bool IsBehindTheEnd() const { return mSize && mPosition >= *mSize; }
+    /// Where a server has nothing from `from` on.
+    bool NoteLimit(KORVA::int64 from, std::optional<KORVA::int64> size);
+    bool IsBehindTheEnd() const { return mPosition >= mSize.value_or(mLimit); }
     /// Always false.
     bool Fail(int detail, char const* message);
     /// The same for an answer whose bytes are not wanted.
@@ -58,6 +60,8 @@ private:
     std::optional<KORVA::int64> mSize;
     /// The furthest byte seen, where the size is not told.
     KORVA::int64 mSeen = 0;
+    /// Then also where there is nothing any more, though the end may be in front of it.
+    KORVA::int64 mLimit = 0;
     KORVA::int64 mPosition = 0;
     bool mServesRanges = true;
     bool mHasFailed = false;

@@ -88,8 +88,8 @@ std::optional<Reply::Range> Reply::ContentRange() const
         if (dash > slash)
             return std::nullopt;
         range.first = NumberOf(text.substr(0, dash)).value_or(-2);
-        int64 const last = NumberOf(text.substr(dash + 1, slash - dash - 1)).value_or(-2);
-        if (range.first < 0 || last < range.first || (range.size >= 0 && last >= range.size))
+        range.last = NumberOf(text.substr(dash + 1, slash - dash - 1)).value_or(-2);
+        if (range.first < 0 || range.last < range.first || (range.size >= 0 && range.last >= range.size))
             return std::nullopt;
     }
     return range.size == -2 ? std::nullopt : std::optional(range);
@@ -101,6 +101,14 @@ std::optional<int64> Reply::Start() const
         return 0;
     auto const range = ContentRange();
     return range && range->first >= 0 ? std::optional(range->first) : std::nullopt;
+}
+
+std::optional<int64> Reply::End() const
+{
+    if (mStatus != 206)
+        return Size();
+    auto const range = ContentRange();
+    return range && range->first >= 0 ? std::optional(range->last + 1) : std::nullopt;
 }
 
 std::optional<int64> Reply::Size() const

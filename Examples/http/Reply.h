@@ -26,6 +26,8 @@ public:
     /// Where the bytes that follow begin in the file; nothing when the server gives a range that makes no
     /// sense.
     std::optional<KORVA::int64> Start() const;
+    /// Where they end, if it is told.
+    std::optional<KORVA::int64> End() const;
     /// The size of the whole file, if it is told.
     std::optional<KORVA::int64> Size() const;
     /// Nanoseconds since 1970, if it is told.
@@ -41,6 +43,7 @@ private:
     struct Range
     {
         KORVA::int64 first = -1;
+        KORVA::int64 last = -1;
         KORVA::int64 size = -1;
     };
 

@@ -381,6 +381,73 @@ TEST_F(HttpTest, ASizeThatIsNotToldIsLearntWithTheEnd)
     EXPECT_EQ(reporter->text, "");
 }
 
+/// Serves `content` in pieces of its choice, and tells its size nobody.
+std::string PieceOf(std::string const& content, std::string const& request, std::size_t longest)
+{
+    constexpr std::string_view kRange = "\r\nRange: bytes=";
+    std::size_t const at = request.find(kRange);
+    if (at == std::string::npos)
+    {
+        char length[32];
+        std::snprintf(length, sizeof length, "%zx\r\n", content.size());
+        return "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + (length + content) + "\r\n0\r\n\r\n";
+    }
+    std::size_t const from = std::stoul(request.substr(at + kRange.size()));
+    if (from >= content.size())
+        return "HTTP/1.1 416 None\r\nContent-Length: 0\r\n\r\n";
+    std::string const piece = content.substr(from, longest);
+    return "HTTP/1.1 206 Part\r\nContent-Range: bytes " + std::to_string(from) + "-" +
+           std::to_string(from + piece.size() - 1) + "/*\r\nContent-Length: " + std::to_string(piece.size()) +
+           "\r\n\r\n" + piece;
+}
+
+struct Pieces
+{
+    char const* name;
+    std::size_t longest;
+    /// Where something is looked for, before everything is read from `from` on.
+    int64 first;
+    int64 from;
+};
+
+class HttpPieces : public HttpTest, public ::testing::WithParamInterface<Pieces>
+{
+};
+
+TEST_P(HttpPieces, OfNoKnownSizeAreReadToTheEnd)
+{
+    Pieces const& row = GetParam();
+    std::string const content = Pattern(1 << 20);
+    OddServer const odd([&](OddServer::Client const& client, std::string const& request) {
+        client.Send(PieceOf(content, request, row.longest));
+    });
+    auto const provider = Open(odd.URL("/x"));
+    EXPECT_EQ(Read(*provider, 10), content.substr(0, 10));
+    EXPECT_EQ(provider->SetPosition(row.first, IDataProvider::kFromStart), 0);
+    bool const isThere = row.first < (1 << 20);
+    EXPECT_EQ(Read(*provider, 10, isThere ? 0 : 3).size(), isThere ? 10u : 0u);
+    EXPECT_EQ(provider->AtEnd(), !isThere);
+    EXPECT_EQ(provider->SetPosition(0, IDataProvider::kFromEnd), 13);
+    EXPECT_EQ(provider->SetPosition(row.from, IDataProvider::kFromStart), 0);
+    std::string read;
+    while (!provider->AtEnd())
+        read += Read(*provider, 65536);
+    EXPECT_TRUE(read == content.substr(static_cast<std::size_t>(row.from)));
+    EXPECT_EQ(provider->Size(), 1 << 20);
+    EXPECT_EQ(provider->SetPosition(0, IDataProvider::kFromEnd), 0);
+    EXPECT_EQ(reporter->text, "");
+}
+
+Pieces const kPieces[] = {
+    {"FarBehindTheEnd", 1 << 20, 50'000'000, 0},
+    {"AtTheEnd", 1 << 20, 1 << 20, 0},
+    {"InTheMiddle", 1 << 20, 600'000, 300'000},
+    {"ShortPieces", 100'000, 600'000, 300'000},
+    {"BehindTheEndAndShortPieces", 100'000, 50'000'000, 300'000},
+};
+
+INSTANTIATE_TEST_SUITE_P(Servers, HttpPieces, ::testing::ValuesIn(kPieces), RowName());
+
 TEST_F(HttpTest, BytesOutliveTheirFileObjectAndTheHost)
 {
     auto provider = Open(server.Http("/plain/text"));
