@@ -139,18 +139,21 @@ bool HttpDataProvider::Continue()
 /// and again.
 bool HttpDataProvider::NoteProgress()
 {
+    Reply const& answer = mTransfer->Answer();
+    if (mWindow.End() > std::min(mSize.value_or(mLimit), answer.End().value_or(kNoLimit)))
+        return Reject(EPROTO, "more bytes came than there are");
     mSeen = std::max(mSeen, mWindow.End());
     if (mSeen == mLimit)
         mSize = mLimit;
     if (!mTransfer->HasEnded() || mTransfer->HasFailed())
         return true;
-    bool const isPiece = mTransfer->Answer().Status() == 206;
+    bool const isPiece = answer.Status() == 206;
     if (!isPiece)
         mSize = mSize.value_or(mWindow.End());
     if (mWindow.End() > mPosition || IsBehindTheEnd())
         return true;
     // A server may give less than it is asked for: what comes behind a piece is asked for in its turn.
-    if (isPiece && mWindow.End() == mTransfer->Answer().End())
+    if (isPiece && mWindow.End() == answer.End())
         return true;
     return Fail(ECONNRESET, "fewer bytes came than there are");
 }

@@ -31,9 +31,9 @@ namespace HTTP
 /// - Every 35 is logged, and told to the reporter once, with the cause as `detail`: a status of the server
 ///   (400 and above), or an error number of the system: ETIMEDOUT, ECONNREFUSED, ECONNRESET (the transfer
 ///   broke off), EHOSTUNREACH (no such host, or no way there), EKEYREJECTED (nobody vouches for the
-///   server's certificate), EPROTO (what came was no answer), ELOOP (too many redirections),
-///   EPROTONOSUPPORT (a redirection to a protocol that is not allowed), ESTALE (the file changed while it
-///   was read), EIO (anything else).
+///   server's certificate), EPROTO (what came was no answer, or contradicts itself), ELOOP (too many
+///   redirections), EPROTONOSUPPORT (a redirection to a protocol that is not allowed), ESTALE (the file
+///   changed while it was read), EIO (anything else).
 inline constexpr GUID IID_HTTP_FILE{
     0x0E31FE58, 0x9557, 0x4CB1, {0xA5, 0xA4, 0x5F, 0x5A, 0xC4, 0x75, 0xFB, 0x5C}};
 

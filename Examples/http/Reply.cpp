@@ -1,5 +1,7 @@
 #include "Reply.h"
 
+#include "Window.h"
+
 #include <curl/curl.h>
 
 #include <algorithm>
@@ -31,12 +33,15 @@ bool IsName(std::string_view name, std::string_view wanted)
     return true;
 }
 
-/// Digits alone, no sign.
+/// So that nobody who counts on from a position gets beyond what there are numbers for.
+constexpr int64 kLargest = std::numeric_limits<int64>::max() - static_cast<int64>(Window::kSize);
+
+/// Digits alone, no sign; nothing that is too large for a position.
 std::optional<int64> NumberOf(std::string_view text)
 {
     int64 value = 0;
     auto const [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || stop != text.data() + text.size() || text.front() == '-')
+    if (error != std::errc() || stop != text.data() + text.size() || text.front() == '-' || value > kLargest)
         return std::nullopt;
     return value;
 }
@@ -90,6 +95,8 @@ std::optional<Reply::Range> Reply::ContentRange() const
         range.first = NumberOf(text.substr(0, dash)).value_or(-2);
         range.last = NumberOf(text.substr(dash + 1, slash - dash - 1)).value_or(-2);
         if (range.first < 0 || range.last < range.first || (range.size >= 0 && range.last >= range.size))
+            return std::nullopt;
+        if (!mLength.empty() && mCoding.empty() && NumberOf(mLength) != range.last - range.first + 1)
             return std::nullopt;
     }
     return range.size == -2 ? std::nullopt : std::optional(range);

@@ -353,15 +353,58 @@ BadRange const kBadRanges[] = {
      "HTTP/1.1 206 Part\r\nContent-Range: bytes 1000000-1000004/2000000\r\nETag: \"2\"\r\n"
      "Content-Length: 5\r\n\r\nxxxxx",
      "3 116"},
-    {"Nothing",
-     "HTTP/1.1 206 Part\r\nContent-Range: bytes 1000000-1999999/2000000\r\nContent-Length: 0\r\n\r\n",
-     "3 104"},
+    {"Nothing", "HTTP/1.1 206 Part\r\nContent-Range: bytes 1000000-1999999/2000000\r\n\r\n", "3 104"},
+    {"AnotherLength",
+     "HTTP/1.1 206 Part\r\nContent-Range: bytes 1000000-1000004/2000000\r\nContent-Length: 10\r\n\r\n"
+     "xxxxxxxxxx",
+     "3 71"},
+    {"MoreThanTheRange",
+     "HTTP/1.1 206 Part\r\nContent-Range: bytes 1000000-1000004/2000000\r\n\r\nxxxxxxxxxx", "3 71"},
     {"Refused", "HTTP/1.1 401 No\r\nContent-Length: 0\r\n\r\n", "3 401"},
     {"Gone", "HTTP/1.1 404 Gone\r\nContent-Length: 0\r\n\r\n", "3 404"},
     {"Trouble", "HTTP/1.1 500 Ouch\r\nContent-Length: 4\r\n\r\nouch", "3 500"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Servers, HttpBadRange, ::testing::ValuesIn(kBadRanges), RowName());
+
+/// A position never gets behind the size.
+TEST_F(HttpTest, BytesBehindTheEndAreNoBytes)
+{
+    OddServer const odd([](OddServer::Client const& client, std::string const& request) {
+        bool const isPiece = request.find("\r\nRange: bytes=1999990-\r\n") != std::string::npos;
+        client.Send(isPiece
+                        ? "HTTP/1.1 206 Part\r\nContent-Range: bytes 1999990-1999999/2000000\r\n"
+                          "Transfer-Encoding: chunked\r\n\r\n14\r\n" +
+                              std::string(20, 'x') + "\r\n0\r\n\r\n"
+                        : "HTTP/1.1 200 OK\r\nContent-Length: 2000000\r\n\r\n" + std::string(2'000'000, 'a'));
+    });
+    auto const provider = Open(odd.URL("/x"));
+    EXPECT_EQ(provider->SetPosition(1'999'990, IDataProvider::kFromStart), 0);
+    EXPECT_EQ(Read(*provider, 20, 3), "");
+    EXPECT_EQ(provider->GetPosition(), 1'999'990);
+    EXPECT_EQ(reporter->text, "3 71");
+    EXPECT_EQ(log.Take().size(), 1u);
+}
+
+/// Positions that can't be counted on from are refused.
+TEST_F(HttpTest, ASizeBeyondAllNumbersIsNone)
+{
+    OddServer const odd([](OddServer::Client const& client, std::string const& request) {
+        bool const isPiece = request.find("\r\nRange: bytes=9223372036854775806-\r\n") != std::string::npos;
+        client.Send(isPiece ? "HTTP/1.1 206 Part\r\nContent-Range: bytes "
+                              "9223372036854775806-9223372036854775806/9223372036854775807\r\n\r\nxxxxx"
+                            : "HTTP/1.1 200 OK\r\nContent-Length: 9223372036854775807\r\n\r\n01234");
+    });
+    uint64 size = 7;
+    EXPECT_EQ(FileAt(odd.URL("/x"))->GetSize(size), 26);
+    EXPECT_EQ(size, 7u);
+    auto const provider = Open(odd.URL("/x"));
+    EXPECT_EQ(provider->SetPosition(0, IDataProvider::kFromEnd), 13);
+    EXPECT_EQ(provider->SetPosition(9'223'372'036'854'775'806, IDataProvider::kFromStart), 0);
+    EXPECT_EQ(Read(*provider, 5, 3), "");
+    EXPECT_EQ(reporter->text, "3 71");
+    EXPECT_EQ(log.Take().size(), 1u);
+}
 
 TEST_F(HttpTest, ASizeThatIsNotToldIsLearntWithTheEnd)
 {
