@@ -34,6 +34,10 @@ ErrCode HttpFile::Init(IO::IURI& uri, IO::IReporter* reporter)
 {
     mReporter.Share(reporter);
     mURI.Share(&uri);
+    // What is known of another file says nothing of this one.
+    mTransfer.reset();
+    mRefusals = 0;
+    UnAggregate(IO::IID_URI_AUTHENTICATION_CHALLENGE);
     return kNoError;
 }
 

@@ -294,6 +294,17 @@ TEST_F(HttpTest, ARefusalSaysHowOftenAndGoesAwayWithSuccess)
     EXPECT_EQ(reporter->text, "");
 }
 
+TEST_F(HttpTest, ARefusalIsForgottenWithItsFile)
+{
+    IO::IURIFilePtr const file = FileAt(server.Http("/auth/text"));
+    EXPECT_FALSE(file->Exists());
+    EXPECT_EQ(ChallengeOf(*file), "1 401 nobody");
+    EXPECT_EQ(file->Init(*URIOf(server.Http("/forbidden/text")), reporter.Get()), 0);
+    EXPECT_EQ(ChallengeOf(*file), "none");
+    EXPECT_FALSE(file->Exists());
+    EXPECT_EQ(ChallengeOf(*file), "1 403 nobody");
+}
+
 /// A URI keeps its aggregates in files, of whatever class they are.
 TEST_F(HttpTest, WhatIsNoCredentialIsPassedOver)
 {
