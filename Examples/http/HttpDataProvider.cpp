@@ -59,6 +59,7 @@ ErrCode HttpDataProvider::InitURIBased(IO::IURI& uri, int mode, IO::IReporter* r
     auto transfer = std::make_unique<Transfer>();
     int const failure = transfer->Start({.url = url, .credential = CredentialOf(uri)}, &mWindow);
     mFirst = transfer->Answer();
+    mHasTriedCredential = transfer->HasTriedCredential();
     Outcome const outcome = OutcomeOf(failure, mFirst);
     if (outcome.code != kNoError)
     {

@@ -35,6 +35,8 @@ public:
 
     /// What the server said first; empty where it did not answer.
     Reply const& FirstAnswer() const { return mFirst; }
+    /// Whether the server that said so had been sent the URI's credential.
+    bool HasTriedCredential() const { return mHasTriedCredential; }
 
 private:
     /// Waits for the byte at the position. False at the end, and after a failure.
@@ -63,6 +65,7 @@ private:
     /// Then also where there is nothing any more, though the end may be in front of it.
     KORVA::int64 mLimit = 0;
     KORVA::int64 mPosition = 0;
+    bool mHasTriedCredential = false;
     bool mServesRanges = true;
     bool mHasFailed = false;
 };

@@ -48,7 +48,7 @@ ErrCode HttpFile::Read(StreamPtr& stream) const
     TInterfacePtr<HttpDataProvider> provider;
     provider.Adopt(new HttpDataProvider);
     ErrCode const opened = provider->InitURIBased(*mURI, IO::kStreamRead, mReporter.Get());
-    NoteAccess(provider->FirstAnswer(), CredentialOf(*mURI));
+    NoteAccess(provider->FirstAnswer(), provider->HasTriedCredential() ? CredentialOf(*mURI) : nullptr);
     if (opened != kNoError)
         return opened;
     auto created = CreateObject<IO::IDataProviderStream>(IO::IID_DATAPROVIDERSTREAM);
@@ -82,7 +82,7 @@ bool HttpFile::Ask(Reply& reply) const
     bool const isEmpty = failure == 0 && reply.Status() == 416 && reply.Size() == 0;
     Outcome const outcome = isEmpty ? Outcome() : OutcomeOf(failure, reply);
     // Before somebody is told, who may give the URI another credential.
-    NoteAccess(reply, request.credential);
+    NoteAccess(reply, mTransfer->HasTriedCredential() ? request.credential : nullptr);
     if (outcome.code == IO::kFileSystemFailed)
         Tell(kSiteAsk, *mURI, mReporter.Get(), outcome.code, outcome.detail, mTransfer->Message());
     return outcome.code == kNoError;
@@ -90,7 +90,7 @@ bool HttpFile::Ask(Reply& reply) const
 //! [ask]
 
 //! [challenge]
-void HttpFile::NoteAccess(Reply const& reply, IO::IURICredential* credential) const
+void HttpFile::NoteAccess(Reply const& reply, IO::IURICredential* tried) const
 {
     // Asking changes nothing that a caller could see but this.
     auto& self = const_cast<HttpFile&>(*this);
@@ -106,7 +106,7 @@ void HttpFile::NoteAccess(Reply const& reply, IO::IURICredential* credential) co
         CreateObject<IO::IURIAuthenticationChallenge>(IO::IID_URI_AUTHENTICATION_CHALLENGE);
     if (!challenge)
         return;
-    challenge->Init(mRefusals, reply.Status(), credential);
+    challenge->Init(mRefusals, reply.Status(), tried);
     self.Aggregate(challenge.Get(), IO::IID_URI_AUTHENTICATION_CHALLENGE);
 }
 //! [challenge]

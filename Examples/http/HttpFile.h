@@ -35,8 +35,8 @@ public:
 private:
     /// What the server says of the file now. False, told to whom it concerns, where it has none for us.
     bool Ask(Reply& reply) const;
-    /// Sets or takes away the challenge that callers find.
-    void NoteAccess(Reply const& reply, KORVA::IO::IURICredential* credential) const;
+    /// Sets or takes away the challenge that callers find. `tried` is what the server refused; may be null.
+    void NoteAccess(Reply const& reply, KORVA::IO::IURICredential* tried) const;
 
     KORVA::IO::IURIPtr mURI;
     KORVA::TInterfacePtr<KORVA::IO::IReporter> mReporter;

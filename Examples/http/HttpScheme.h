@@ -20,7 +20,8 @@ namespace HTTP
 /// - Proxies are those that the usual environment variables name.
 /// - Where the server refuses access (401, 403) the file object aggregates an `IURIAuthenticationChallenge`
 ///   under `IID_URI_AUTHENTICATION_CHALLENGE`: how often in a row, the status, and the credential that was
-///   tried, or null. The next operation that the server grants takes it away. A challenge is not reported.
+///   tried; null where none was sent to the server that refuses. The next operation that the server grants
+///   takes it away. A challenge is not reported.
 /// - `Read` answers 26 where there is no such file, 36 where access is refused, 13 for a URI that is no URL
 ///   of these schemes, and 35 for any other failure.
 /// - `Exists` is false for all of these; the challenge and the reporter tell them apart. Sizes and

@@ -1,5 +1,8 @@
 #include "RequestURL.h"
 
+#include <curl/curl.h>
+
+#include <memory>
 #include <string_view>
 
 namespace HTTP
@@ -13,6 +16,23 @@ bool IsPlain(char c)
 {
     return static_cast<unsigned char>(c) > ' ' && static_cast<unsigned char>(c) < 0x7F &&
            std::string_view("\"<>\\^`{|}").find(c) == std::string_view::npos;
+}
+
+struct URLDeleter
+{
+    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+struct TextDeleter
+{
+    void operator()(char* text) const { curl_free(text); }
+};
+
+/// Null where there is none.
+std::unique_ptr<char, TextDeleter> PartOf(CURLU* url, CURLUPart part)
+{
+    char* text = nullptr;
+    static_cast<void>(curl_url_get(url, part, &text, CURLU_DEFAULT_PORT));
+    return std::unique_ptr<char, TextDeleter>(text);
 }
 } // namespace
 
@@ -43,4 +63,22 @@ std::string RequestURLOf(KORVA::IO::IURI const& uri)
     return url;
 }
 //! [escape]
+
+bool IsSameServer(char const* url, char const* other)
+{
+    std::unique_ptr<CURLU, URLDeleter> const parsed[] = {std::unique_ptr<CURLU, URLDeleter>(curl_url()),
+                                                         std::unique_ptr<CURLU, URLDeleter>(curl_url())};
+    char const* const texts[] = {url, other};
+    for (int const i : {0, 1})
+        if (curl_url_set(parsed[i].get(), CURLUPART_URL, texts[i], 0) != CURLUE_OK)
+            return false;
+    for (CURLUPart const part : {CURLUPART_SCHEME, CURLUPART_HOST, CURLUPART_PORT})
+    {
+        auto const mine = PartOf(parsed[0].get(), part);
+        auto const its = PartOf(parsed[1].get(), part);
+        if (!mine || !its || curl_strequal(mine.get(), its.get()) == 0)
+            return false;
+    }
+    return true;
+}
 } // namespace HTTP

@@ -1,5 +1,7 @@
 #include "Transfer.h"
 
+#include "RequestURL.h"
+
 #include <string.h>
 
 #include <cerrno>
@@ -152,7 +154,8 @@ int Transfer::Start(Request const& request, Window* window)
     Stop();
     mWindow = window;
     mReply = Reply();
-    mHasHead = mHasAnswer = mHasBytes = mIsPaused = false;
+    mURL = request.url;
+    mHasHead = mWasAsked = mHasAnswer = mHasBytes = mIsPaused = false;
     mFailure = 0;
     mMessage[0] = '\0';
     if (!mMulti || !mEasy)
@@ -246,6 +249,13 @@ bool Transfer::IsConnected() const
     return curl_easy_getinfo(mEasy.get(), CURLINFO_PRETRANSFER_TIME_T, &time) == CURLE_OK && time > 0;
 }
 
+bool Transfer::HasTriedCredential() const
+{
+    char const* url = nullptr;
+    return mWasAsked && curl_easy_getinfo(mEasy.get(), CURLINFO_EFFECTIVE_URL, &url) == CURLE_OK && url &&
+           IsSameServer(mURL.c_str(), url);
+}
+
 std::size_t Transfer::OnHeader(char* line, std::size_t size, std::size_t count, void* self)
 {
     Transfer& transfer = *static_cast<Transfer*>(self);
@@ -254,6 +264,8 @@ std::size_t Transfer::OnHeader(char* line, std::size_t size, std::size_t count, 
     // Behind the bytes there may be more lines, which say nothing of the file.
     if (transfer.mHasAnswer)
         return text.size();
+    if (text.starts_with("HTTP/") && transfer.mReply.Status() == 401)
+        transfer.mWasAsked = true;
     try
     {
         transfer.mReply.Add(text);

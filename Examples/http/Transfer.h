@@ -64,6 +64,9 @@ public:
     int TakeFailure() { return std::exchange(mFailure, 0); }
     /// Empty where there is none.
     Reply const& Answer() const { return mReply; }
+    /// Whether the server that gave it was sent the credential. One that does not ask is not, nor is
+    /// another one that a redirection leads to.
+    bool HasTriedCredential() const;
     /// What went wrong, for the log.
     char const* Message() const { return mMessage; }
 
@@ -105,9 +108,12 @@ private:
     std::unique_ptr<CURL, EasyDeleter> mEasy;
     std::unique_ptr<curl_slist, ListDeleter> mHeaders;
     Settings mSettings;
+    std::string mURL;
     Window* mWindow = nullptr;
     Reply mReply;
     bool mHasHead = false;
+    /// A server asked who is there, before the last answer.
+    bool mWasAsked = false;
     bool mHasAnswer = false;
     bool mHasBytes = false;
     bool mIsPaused = false;

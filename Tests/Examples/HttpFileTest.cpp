@@ -109,6 +109,30 @@ Row const kRows[] = {
      .password = "wrong",
      .challenge = "1 401 ada",
      .read = 36},
+    {.name = "WrongPasswordBehindARedirection",
+     .path = "/to/auth",
+     .user = "ada",
+     .password = "wrong",
+     .challenge = "1 401 ada",
+     .read = 36},
+    {.name = "WrongPasswordForAnotherServer",
+     .path = "/to/otherauth",
+     .user = "ada",
+     .password = "wrong",
+     .challenge = "1 401 nobody",
+     .read = 36},
+    {.name = "ForbiddenToAUser",
+     .path = "/forbidden/text",
+     .user = "ada",
+     .password = kPassword,
+     .challenge = "1 403 nobody",
+     .read = 36},
+    {.name = "ForbiddenToAKnownUser",
+     .path = "/auth/",
+     .user = "ada",
+     .password = kPassword,
+     .challenge = "1 403 ada",
+     .read = 36},
     {.name = "RightPassword",
      .path = "/auth/text",
      .user = "ada",
@@ -379,10 +403,15 @@ TEST_F(HttpTest, APasswordIsNotSentWhereARedirectionLeads)
     });
     IO::IURIFilePtr const file = FileOf(*URIOf(first.URL("/x"), "ada", "secret"));
     EXPECT_FALSE(file->Exists());
-    EXPECT_EQ(ChallengeOf(*file), "1 401 ada");
-    ASSERT_EQ(first.Requests().size(), 2u);
-    ASSERT_EQ(other.Requests().size(), 1u);
-    EXPECT_EQ(other.Requests()[0].find("Authorization"), std::string::npos) << other.Requests()[0];
+    // The one that refuses has not seen the password.
+    EXPECT_EQ(ChallengeOf(*file), "1 401 nobody");
+    TInterfacePtr<IO::IDataProviderStream> stream;
+    EXPECT_EQ(file->Read(stream), 36);
+    EXPECT_EQ(ChallengeOf(*file), "2 401 nobody");
+    EXPECT_EQ(first.Requests().size(), 4u);
+    ASSERT_EQ(other.Requests().size(), 2u);
+    for (std::string const& request : other.Requests())
+        EXPECT_EQ(request.find("Authorization"), std::string::npos) << request;
 }
 
 TEST_F(HttpTest, NothingIsWritten)

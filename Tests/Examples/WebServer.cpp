@@ -82,6 +82,8 @@ http {
         location /error { return 503; }
         location /to/same { return 302 /plain/text; }
         location /to/other { return 302 http://127.0.0.1:OTHERPORT/plain/text; }
+        location /to/auth { return 302 /auth/text; }
+        location /to/otherauth { return 302 http://127.0.0.1:OTHERPORT/auth/text; }
         location /to/tls { return 302 https://127.0.0.1:TLSPORT/plain/text; }
         location /to/clear { return 302 http://127.0.0.1:HTTPPORT/plain/text; }
         location /to/loop { return 302 /to/loop; }

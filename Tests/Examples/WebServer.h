@@ -21,12 +21,14 @@ int FreePort();
 /// | `/noranges/` | only as a whole                                                    |
 /// | `/chunked/`  | only as a whole, without size, tag and date                        |
 /// | `/nohead/`   | HEAD is answered with 405                                          |
-/// | `/auth/`     | for the user `ada` with the password `Grüße!` (Basic)              |
+/// | `/auth/`     | for the user `ada` with the password `Grüße!` (Basic); the folder  |
+/// |              | itself is for nobody: 403                                          |
 /// | `/forbidden/`| for nobody: 403                                                    |
 /// | `/slow/`     | 64 KiB a second                                                    |
 /// | `/error`     | 503                                                                |
 /// | `/to/same`   | `/plain/text` on this port; `other`, on the second; `tls`, under   |
-/// |              | https; `clear`, under http; `loop`, itself; `file`, `file:///`;    |
+/// |              | https; `clear`, under http; `auth`, `/auth/text` on this port;     |
+/// |              | `otherauth`, on the second; `loop`, itself; `file`, `file:///`;    |
 /// |              | `user`, a URL with a user; `down`, by way of https back to http    |
 class WebServer
 {
