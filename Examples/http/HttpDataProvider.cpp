@@ -171,7 +171,7 @@ bool HttpDataProvider::Begin(int64 from)
     if (failure == 0 && answer.Status() == 416 && !mSize)
         return NoteLimit(from, answer.Size());
     if (failure != 0 || !answer.IsGranted())
-        return Reject(failure != 0 ? failure : answer.Status(), mTransfer->Message());
+        return Reject(CauseOf(failure, answer), mTransfer->Message());
     if (!mFirst.Agrees(answer))
         return Reject(ESTALE, "the file changed");
     auto const start = answer.Start();

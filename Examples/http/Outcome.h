@@ -21,6 +21,9 @@ struct Outcome
 /// `failure` is a transfer's; 0 when there was an answer.
 Outcome OutcomeOf(int failure, Reply const& reply);
 
+/// Why there is no file: `failure`, or else the status, from 400 on; EPROTO where that says nothing.
+KORVA::ErrCode CauseOf(int failure, Reply const& reply);
+
 /// Logs a failure, and reports it: once for each.
 void Tell(KORVA::LogSite const& site, KORVA::IO::IURI& uri, KORVA::IO::IReporter* reporter,
           KORVA::OperationId result, KORVA::ErrCode detail, char const* message);

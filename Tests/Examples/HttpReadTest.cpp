@@ -295,6 +295,8 @@ Trouble const kTrouble[] = {
     {"Closed", "", false, 35, "", "35 104"},
     {"ClosedInTheHeaders", OK_ "Content-Le", false, 35, "", "35 104"},
     {"NoStatusLine", "Good day, what can I do for you?\r\n\r\n", false, 35, "", "35 71"},
+    {"RedirectedNowhere", "HTTP/1.1 302 There\r\nContent-Length: 0\r\n\r\n", false, 35, "", "35 71"},
+    {"NotModified", "HTTP/1.1 304 Same\r\n\r\n", false, 35, "", "35 71"},
     {"BadLength", OK_ "Content-Length: many\r\n\r\n01234", false, 35, "", "35 71"},
     {"NegativeLength", OK_ "Content-Length: -5\r\n\r\n01234", false, 35, "", "35 71"},
 };
@@ -362,6 +364,7 @@ BadRange const kBadRanges[] = {
      "HTTP/1.1 206 Part\r\nContent-Range: bytes 1000000-1000004/2000000\r\n\r\nxxxxxxxxxx", "3 71"},
     {"Refused", "HTTP/1.1 401 No\r\nContent-Length: 0\r\n\r\n", "3 401"},
     {"Gone", "HTTP/1.1 404 Gone\r\nContent-Length: 0\r\n\r\n", "3 404"},
+    {"RedirectedNowhere", "HTTP/1.1 302 There\r\nContent-Length: 0\r\n\r\n", "3 71"},
     {"Trouble", "HTTP/1.1 500 Ouch\r\nContent-Length: 4\r\n\r\nouch", "3 500"},
 };
 
