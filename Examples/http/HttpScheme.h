@@ -10,8 +10,10 @@ namespace HTTP
 /// How they differ from what `IURIFile` says:
 ///
 /// - The resource is the text that `IURI::GetAbsoluteString` gives. What may not stand in a URL is escaped;
-///   escapes that the URI's text has already are kept. A fragment is not sent. Names with a user in them
-///   are refused (13): they end up in logs.
+///   escapes that this text has are kept. A fragment is not sent. Of a URI made by `IURI::Init` that is what
+///   its author wrote, escapes included. `IURI::InitRelative` takes escapes, which the text then does not
+///   have any more: an escaped `#`, `?` or `%` acts there as a plain one does. Names with a user in them are
+///   refused (13): they end up in logs.
 /// - Every operation asks the server anew, with HEAD, or with a GET of the first byte where HEAD is
 ///   refused. Redirections are followed, 10 at most, and never from https to http.
 /// - A user name and a password come from an `IURICredential` that the URI aggregates under
@@ -63,10 +65,11 @@ inline constexpr GUID IID_HTTP_FILE{
 inline constexpr GUID IID_HTTP_DATAPROVIDER{
     0xF8534B3B, 0x1734, 0x4B9D, {0xBB, 0x5B, 0xE3, 0x3B, 0xA9, 0x69, 0x2E, 0x9B}};
 
-/// Environment variables, looked at whenever a server is asked. Times are whole milliseconds, 1 to
-/// 86400000; any other value is logged and passed over.
+/// Environment variables, looked at when a file object is asked for the first time and when a data provider
+/// is opened. Times are whole milliseconds, 1 to 86400000; any other value is logged and passed over.
 ///
-/// Until the connection stands, the search for the host included.
+/// Until the connection stands, the search for the host included. That one can't be broken off: an operation
+/// that gives up in the midst of it returns when the system's search is over.
 inline constexpr char kConnectTimeoutVariable[] = "KORVA_HTTP_CONNECT_TIMEOUT";
 inline constexpr int kConnectTimeout = 30000;
 /// Without a single byte coming in, while somebody waits for one.

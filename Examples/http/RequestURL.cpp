@@ -39,7 +39,8 @@ std::unique_ptr<char, TextDeleter> PartOf(CURLU* url, CURLUPart part)
 //! [escape]
 std::string RequestURLOf(KORVA::IO::IURI const& uri)
 {
-    // The URI's own text is unescaped: what a person typed. A "%" in it is an escape where digits follow.
+    // The URI's own text is unescaped: what a person typed, as a rule. A "%" in it is an escape where digits
+    // follow. Of a URI that was made of an escaped text no more than this is to be had.
     std::string const text = uri.GetAbsoluteString().ToUTF8();
     std::size_t const host = text.find("://") + 3;
     if ((!text.starts_with("http://") && !text.starts_with("https://")) || uri.GetHost().empty())
