@@ -133,8 +133,7 @@ Way const kWays[] = {{.name = "Plain", .prefix = "/plain/"},
                      {.name = "TLS", .prefix = "/plain/", .tls = true},
                      {.name = "ByProxy", .prefix = "/plain/", .tls = true, .byProxy = true},
                      {.name = "NoRanges", .prefix = "/noranges/", .servesRanges = false},
-                     {.name = "Chunked", .prefix = "/chunked/", .tellsSize = false, .servesRanges = false},
-                     {.name = "HeadRefused", .prefix = "/nohead/"}};
+                     {.name = "Chunked", .prefix = "/chunked/", .tellsSize = false, .servesRanges = false}};
 
 INSTANTIATE_TEST_SUITE_P(Ways, HttpReading, ::testing::ValuesIn(kWays), RowName());
 

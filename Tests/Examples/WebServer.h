@@ -41,6 +41,7 @@ public:
     std::string Http(std::string const& path) const { return Base("http", mPort) + path; }
     std::string Other(std::string const& path) const { return Base("http", mOtherPort) + path; }
     std::string Https(std::string const& path) const { return Base("https", mTLSPort) + path; }
+    std::string Port() const { return std::to_string(mPort); }
     std::string TLSPort() const { return std::to_string(mTLSPort); }
     /// The certificate that vouches for it.
     std::string Certificate() const { return (mDirectory.Path() / "cert.pem").string(); }
