@@ -77,6 +77,8 @@ bool HttpFile::Ask(Reply& reply) const
         request.kind = Request::Kind::kFirstByte;
         failure = mTransfer->Start(request, nullptr);
     }
+    // A server that serves no ranges sends the whole file.
+    mTransfer->Stop();
     reply = mTransfer->Answer();
     // A file without a first byte is there all the same.
     bool const isEmpty = failure == 0 && reply.Status() == 416 && reply.Size() == 0;

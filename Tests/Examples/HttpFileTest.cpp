@@ -3,6 +3,9 @@
 #include "Support/RowName.h"
 #include "TessIO/IStringDictionary.h"
 
+#include <chrono>
+#include <future>
+
 namespace KORVA::TESTS
 {
 namespace
@@ -255,6 +258,27 @@ TEST_F(HttpTest, AFileWithoutAFirstByteIsThere)
     EXPECT_EQ(FileAt(odd.URL("/x"))->GetSize(size), 0);
     EXPECT_EQ(size, 0u);
     EXPECT_NE(odd.Requests().at(1).find("\r\nRange: bytes=0-0\r\n"), std::string::npos);
+}
+
+TEST_F(HttpTest, ABodyThatNobodyWantsIsNotWaitedFor)
+{
+    std::promise<bool> sent;
+    OddServer const odd([&](OddServer::Client const& client, std::string const& request) {
+        if (request.starts_with("HEAD"))
+            client.Send("HTTP/1.1 405 No\r\nConnection: close\r\n\r\n");
+        else
+        {
+            client.Send("HTTP/1.1 200 OK\r\nContent-Length: 50000000\r\n\r\n");
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            sent.set_value(client.Send(std::string(50'000'000, 'a')));
+        }
+    });
+    IO::IURIFilePtr const file = FileAt(odd.URL("/x"));
+    EXPECT_TRUE(file->Exists());
+    auto outcome = sent.get_future();
+    // The file object is still there: it is not its end that breaks the transfer off.
+    ASSERT_EQ(outcome.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    EXPECT_FALSE(outcome.get());
 }
 
 TEST_F(HttpTest, ACertificateThatNobodyVouchesForIsRejected)
