@@ -14,7 +14,8 @@ IClassFactory* sFactory = nullptr;
 
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
-    if (!registry)
+    // A host that knows the file by two names may come twice.
+    if (!registry || sFactory)
         return kIllegalArgument;
     sFactory = new BookmarkFactory;
     return registry->RegisterFactory(sFactory);

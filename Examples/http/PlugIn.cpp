@@ -23,7 +23,8 @@ IClassFactory* sFactory = nullptr;
 
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
-    if (!registry)
+    // A host that knows the file by two names may come twice.
+    if (!registry || sFactory)
         return kIllegalArgument;
     auto const schemes = COREREGISTRY::CreateObject<IO::IURIRegistry>(IO::IID_URI_REGISTRY);
     if (!schemes || curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK)

@@ -297,6 +297,19 @@ Crafted const kCrafted[] = {
 
 INSTANTIATE_TEST_SUITE_P(Lengths, CraftedLengths, ::testing::ValuesIn(kCrafted), RowName());
 
+TEST_F(BookmarkTest, IsLoadedOnceByWhateverName)
+{
+    std::string const other = "/." + std::string(TESSIO_BOOKMARK_PLUGIN);
+    std::string error;
+    EXPECT_FALSE(host->LoadPlugIn(other, error));
+    EXPECT_EQ(error, other + ": KorvaPlugInInit answered -50");
+    Bytes const bytes = Saved(*Made());
+    EXPECT_TRUE(host->UnloadPlugIn(TESSIO_BOOKMARK_PLUGIN, error)) << error;
+    EXPECT_FALSE(Loaded(bytes));
+    EXPECT_TRUE(host->LoadPlugIn(other, error)) << error;
+    EXPECT_TRUE(Loaded(bytes));
+}
+
 TEST_F(BookmarkTest, IsSkippedWhileThePlugInIsNotLoaded)
 {
     Bytes const bytes = Saved(*Made());

@@ -478,6 +478,15 @@ TEST_F(HttpTest, AFileObjectWithoutAURIAnswersNothing)
     EXPECT_EQ(file->GetAttribute(0, set), 26);
 }
 
+TEST_F(HttpTest, ThePlugInIsLoadedOnceByWhateverName)
+{
+    std::string const other = "/." + std::string(TESSIO_HTTP_PLUGIN);
+    std::string error;
+    EXPECT_FALSE(host->LoadPlugIn(other, error));
+    EXPECT_EQ(error, other + ": KorvaPlugInInit answered -50");
+    EXPECT_TRUE(FileAt(server.Http("/plain/text"))->Exists());
+}
+
 TEST_F(HttpTest, TheSchemesLeadNowhereWhileThePlugInIsNotLoaded)
 {
     std::string error;
