@@ -72,7 +72,8 @@ inline constexpr GUID IID_HTTP_DATAPROVIDER{
 /// that gives up in the midst of it returns when the system's search is over.
 inline constexpr char kConnectTimeoutVariable[] = "KORVA_HTTP_CONNECT_TIMEOUT";
 inline constexpr int kConnectTimeout = 30000;
-/// Without a single byte coming in, while somebody waits for one.
+/// Without a single byte coming in, while somebody waits for one. Where a server sends to another place, or
+/// asks who is there, the time for connecting is added until the next request is out.
 inline constexpr char kStallTimeoutVariable[] = "KORVA_HTTP_STALL_TIMEOUT";
 inline constexpr int kStallTimeout = 60000;
 /// A file of certificates (PEM) that are trusted besides those in the system's directory of certificates.

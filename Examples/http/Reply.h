@@ -21,6 +21,8 @@ public:
     int Status() const { return mStatus; }
     bool IsGranted() const { return mStatus >= 200 && mStatus < 300; }
     bool IsRefused() const { return mStatus == 401 || mStatus == 403; }
+    /// Whether another request, to anybody, may follow by itself.
+    bool LeadsOn() const { return mStatus / 100 == 3 || mStatus == 401; }
     bool IsMissing() const { return mStatus == 404 || mStatus == 410; }
 
     /// Where the bytes that follow begin in the file; nothing when the server gives a range that makes no

@@ -155,7 +155,7 @@ int Transfer::Start(Request const& request, Window* window)
     mWindow = window;
     mReply = Reply();
     mURL = request.url;
-    mHasHead = mWasAsked = mHasAnswer = mHasBytes = mIsPaused = false;
+    mHasHead = mIsSentOn = mWasAsked = mHasAnswer = mHasBytes = mIsPaused = false;
     mFailure = 0;
     mMessage[0] = '\0';
     if (!mMulti || !mEasy)
@@ -193,8 +193,9 @@ void Transfer::More()
 //! [wait]
 void Transfer::Wait(bool const& done)
 {
-    milliseconds const patience(mSettings.stallTimeout);
-    Clock::time_point deadline = Clock::now() + patience;
+    milliseconds const stall(mSettings.stallTimeout);
+    milliseconds const connecting(mSettings.connectTimeout);
+    Clock::time_point deadline = Clock::now() + stall;
     while (!done && !mHasEnded && mFailure == 0)
     {
         int running = 0;
@@ -203,9 +204,11 @@ void Transfer::Wait(bool const& done)
         Collect();
         if (done || mHasEnded || mFailure != 0)
             break;
-        // Connecting has a limit of its own.
-        if (std::exchange(mIsAlive, false) || !IsConnected())
-            deadline = Clock::now() + patience;
+        if (RequestTime() > mSentOnAt)
+            mIsAlive |= std::exchange(mIsSentOn, false);
+        // Connecting has a limit of its own, also where an answer sends us on.
+        if (std::exchange(mIsAlive, false) || RequestTime() == 0)
+            deadline = Clock::now() + stall + (mIsSentOn ? connecting : milliseconds(0));
         auto const left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
         if (left <= milliseconds(0))
         {
@@ -243,10 +246,11 @@ void Transfer::Collect()
     }
 }
 
-bool Transfer::IsConnected() const
+curl_off_t Transfer::RequestTime() const
 {
     curl_off_t time = 0;
-    return curl_easy_getinfo(mEasy.get(), CURLINFO_PRETRANSFER_TIME_T, &time) == CURLE_OK && time > 0;
+    static_cast<void>(curl_easy_getinfo(mEasy.get(), CURLINFO_PRETRANSFER_TIME_T, &time));
+    return time;
 }
 
 bool Transfer::HasTriedCredential() const
@@ -280,6 +284,9 @@ std::size_t Transfer::OnHeader(char* line, std::size_t size, std::size_t count, 
         // What was once protected stays so, wherever it leads.
         static_cast<void>(curl_easy_setopt(transfer.mEasy.get(), CURLOPT_REDIR_PROTOCOLS_STR, "https"));
     transfer.mHasHead = text == "\r\n" || text == "\n";
+    transfer.mIsSentOn = transfer.mHasHead && transfer.mReply.LeadsOn();
+    if (transfer.mIsSentOn)
+        transfer.mSentOnAt = transfer.RequestTime();
     if (!transfer.mHasHead)
         return text.size();
     if (transfer.mReply.IsGranted())

@@ -101,7 +101,8 @@ private:
     void Wait(bool const& done);
     void Collect();
     void Say(char const* message);
-    bool IsConnected() const;
+    /// Of the latest request: it grows with each that goes out, and is 0 before the first one.
+    curl_off_t RequestTime() const;
 
     Use const mUse;
     std::unique_ptr<CURLM, MultiDeleter> mMulti;
@@ -112,6 +113,8 @@ private:
     Window* mWindow = nullptr;
     Reply mReply;
     bool mHasHead = false;
+    /// The last answer may lead to another connection, which is not made yet.
+    bool mIsSentOn = false;
     /// A server asked who is there, before the last answer.
     bool mWasAsked = false;
     bool mHasAnswer = false;
@@ -120,6 +123,8 @@ private:
     bool mHasEnded = true;
     /// Something came since the clock was set.
     bool mIsAlive = false;
+    /// When the request that was sent on had gone out.
+    curl_off_t mSentOnAt = 0;
     int mFailure = 0;
     char mMessage[CURL_ERROR_SIZE] = {};
 };

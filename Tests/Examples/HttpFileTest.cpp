@@ -298,6 +298,23 @@ TEST_F(HttpTest, ConnectingHasALimit)
     EXPECT_EQ(log.Take().size(), 1u);
 }
 
+/// The shorter limit is for whoever is connected.
+TEST_F(HttpTest, ARedirectionMayTakeAsLongToConnect)
+{
+    setenv(HTTP::kConnectTimeoutVariable, "1500", 1);
+    setenv(HTTP::kStallTimeoutVariable, "200", 1);
+    FullServer const full;
+    OddServer const odd([&](OddServer::Client const& client, std::string const&) {
+        client.Send("HTTP/1.1 302 There\r\nLocation: " + full.URL() +
+                    "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
+    });
+    auto const begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(FileAt(odd.URL("/x"))->Exists());
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1400));
+    EXPECT_EQ(reporter->text, "35 110");
+    EXPECT_EQ(log.Take().size(), 1u);
+}
+
 TEST_F(HttpTest, ATimeThatIsNoneIsLoggedAndPassedOver)
 {
     for (char const* const text : {"soon", "0", "-5", "1.5", "86400001", " 5", "99999999999999999999"})
@@ -398,8 +415,11 @@ TEST_F(HttpTest, AQuestionBeforeAStallIsNoRefusal)
             client.Send("HTTP/1.1 401 No\r\nWWW-Authenticate: Basic realm=\"r\"\r\n"
                         "Content-Length: 0\r\nConnection: close\r\n\r\n");
     });
+    auto const begin = std::chrono::steady_clock::now();
     IO::IURIFilePtr const file = FileOf(*URIOf(odd.URL("/x"), "ada", "secret"));
     EXPECT_FALSE(file->Exists());
+    // Without the time for connecting, which is longer.
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
     EXPECT_EQ(ChallengeOf(*file), "none");
     TInterfacePtr<IO::IDataProviderStream> stream;
     EXPECT_EQ(file->Read(stream), 35);

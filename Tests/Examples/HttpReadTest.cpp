@@ -262,7 +262,10 @@ TEST_P(HttpTrouble, IsReportedOnce)
 {
     Trouble const& row = GetParam();
     if (row.stalls)
+    {
+        setenv(HTTP::kConnectTimeoutVariable, "1000", 1);
         setenv(HTTP::kStallTimeoutVariable, "1000", 1);
+    }
     OddServer const odd([&](OddServer::Client const& client, std::string const&) {
         client.Send(row.answer);
         if (row.stalls)
@@ -290,6 +293,8 @@ Trouble const kTrouble[] = {
     {"BadChunk", OK_ "Transfer-Encoding: chunked\r\n\r\n5\r\n01234\r\nzz\r\n", false, 0, "01234", "3 104"},
     {"StalledBody", OK_ "Content-Length: 20\r\n\r\n01234", true, 0, "01234", "3 110"},
     {"StalledBeforeTheAnswer", "", true, 35, "", "35 110"},
+    {"StalledInARedirection", "HTTP/1.1 302 There\r\nLocation: /y\r\nContent-Length: 5\r\n\r\n", true, 35, "",
+     "35 110"},
     {"StalledInTheHeaders", OK_ "Content-Le", true, 35, "", "35 110"},
     {"Closed", "", false, 35, "", "35 104"},
     {"ClosedInTheHeaders", OK_ "Content-Le", false, 35, "", "35 104"},
