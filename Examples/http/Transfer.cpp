@@ -56,8 +56,11 @@ int FailureOf(CURLcode code, CURL* handle, Reply const& reply)
     case CURLE_SSL_ISSUER_ERROR:
     case CURLE_SSL_CACERT_BADFILE:
         return EKEYREJECTED;
-    case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
+        // Also what a proxy that refuses to lead there is called.
+        static_cast<void>(curl_easy_getinfo(handle, CURLINFO_HTTP_CONNECTCODE, &number));
+        return number >= 300 ? EHOSTUNREACH : ECONNRESET;
+    case CURLE_PARTIAL_FILE:
     case CURLE_SEND_ERROR:
     case CURLE_GOT_NOTHING:
         return ECONNRESET;

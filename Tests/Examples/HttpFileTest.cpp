@@ -289,6 +289,18 @@ TEST_F(HttpTest, ACertificateThatNobodyVouchesForIsRejected)
     EXPECT_EQ(log.Take().size(), 1u);
 }
 
+/// What a proxy refuses is the way, and not the file.
+TEST_F(HttpTest, AProxyMayLeadNowhere)
+{
+    GoByProxy();
+    IO::IURIFilePtr const file = FileAt("https://127.0.0.1:1/plain/text");
+    EXPECT_FALSE(file->Exists());
+    EXPECT_EQ(reporter->text, "35 113");
+    EXPECT_EQ(ChallengeOf(*file), "none");
+    EXPECT_EQ(proxy.Requests().size(), 1u);
+    EXPECT_EQ(log.Take().size(), 1u);
+}
+
 TEST_F(HttpTest, ConnectingHasALimit)
 {
     setenv(HTTP::kConnectTimeoutVariable, "200", 1);
