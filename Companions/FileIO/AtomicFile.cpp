@@ -91,7 +91,10 @@ ErrCode AtomicFile::KeepPermissions()
         status.st_mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
         // What the file's group might, the user's own group is not to do instead.
         if (fchown(mDescriptor.Get(), static_cast<uid_t>(-1), status.st_gid) != 0)
-            status.st_mode &= static_cast<mode_t>(~S_IRWXG | (status.st_mode & S_IRWXO) << 3);
+        {
+            mode_t const asOthers = (status.st_mode & mode_t{S_IRWXO}) << 3;
+            status.st_mode &= ~mode_t{S_IRWXG} | asOthers;
+        }
     }
     return fchmod(mDescriptor.Get(), status.st_mode & 07777) == 0 ? kDone : StatusOfErrno();
 }

@@ -56,8 +56,9 @@ std::optional<int64> Salvager::EndOfUnknown(int64 offset, int64 limit) const
     if (!end || mFinds.AnyAt(offset) || mFinds.IsInside(*end))
         return std::nullopt;
     GUID const id = LoadId(mContent.data() + offset, mOrder);
-    bool const mayHold = mIsWhole || mFinds.NextWhole(offset + kHeader, mSize) >= *end ||
-                         (LooksLikeId(id) && !mFinds.IsLikeKnown(offset) && MayEndWithRecord(offset, *end));
+    bool const mayHold =
+        mFinds.NextWhole(offset + kHeader, mSize) >= *end ||
+        (MayEndWithRecord(offset, *end) && (mIsWhole || (LooksLikeId(id) && !mFinds.IsLikeKnown(offset))));
     return id != GUID{} && mayHold ? end : std::nullopt;
 }
 
