@@ -6,15 +6,9 @@
 
 namespace TOOL
 {
-namespace
-{
-constexpr std::chrono::milliseconds kPatience{500};
-constexpr std::chrono::milliseconds kPause{100};
-} // namespace
-
-Progress::Progress(std::string what, KORVA::int64 total)
-    : mWhat(std::move(what)), mTotal(total), mIsTerminal(isatty(STDERR_FILENO) != 0),
-      mNext(std::chrono::steady_clock::now() + kPatience)
+Progress::Progress(std::string what, KORVA::int64 total, Pace pace)
+    : mWhat(std::move(what)), mTotal(total), mPace(pace), mIsTerminal(isatty(STDERR_FILENO) != 0),
+      mNext(std::chrono::steady_clock::now() + pace.patience)
 {}
 
 Progress::~Progress()
@@ -31,7 +25,7 @@ void Progress::At(KORVA::int64 done)
     auto const now = std::chrono::steady_clock::now();
     if (now < mNext)
         return;
-    mNext = now + kPause;
+    mNext = now + mPace.pause;
     mIsShown = true;
     std::fprintf(stderr, "\rtessio: %s %3d %%", mWhat.c_str(), static_cast<int>(done * 100 / mTotal));
     std::fflush(stderr);

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <string>
+#include <utility>
 
 namespace TOOL
 {
@@ -12,8 +13,16 @@ namespace TOOL
 class Progress
 {
 public:
+    /// How long nothing is shown, and how long each line stands.
+    struct Pace
+    {
+        std::chrono::milliseconds patience{500};
+        std::chrono::milliseconds pause{100};
+    };
+
     /// `what` is done to `total` bytes; 0 when that is not known.
-    Progress(std::string what, KORVA::int64 total);
+    Progress(std::string what, KORVA::int64 total) : Progress(std::move(what), total, Pace()) {}
+    Progress(std::string what, KORVA::int64 total, Pace pace);
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
     ~Progress();
@@ -30,6 +39,7 @@ public:
 private:
     std::string mWhat;
     KORVA::int64 mTotal;
+    Pace mPace;
     bool mIsTerminal;
     bool mIsShown = false;
     std::chrono::steady_clock::time_point mNext;
