@@ -45,6 +45,7 @@ struct Salvaged
 
 /// Makes a sound record file of everything that is whole. A record of a known class with none of its bytes
 /// damaged is always kept: under its key where the dictionary around it can still be followed, else at the
-/// top. Ends the command when it has to look at more records than `limits` allow.
+/// top. What damage has made the body of a record of some unknown class, to all appearances, is kept as that.
+/// Ends the command when it has to look at more records than `limits` allow.
 Salvaged Salvage(ByteView content, Order order, Limits const& limits = {}, Progress* progress = nullptr);
 } // namespace TOOL
