@@ -1,4 +1,5 @@
-// What commands take from the command line. The parser's own headers, which are slow to compile, stay behind it.
+// What commands take from the command line. The parser's own headers, which are slow to compile, stay behind
+// it.
 #pragma once
 
 #include "ObjectModel/Types.h"

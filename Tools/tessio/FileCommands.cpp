@@ -155,7 +155,7 @@ void AddFileCommands(Command const& app, Common const& common)
     };
     AddUserOption(add("stat", "Show size, dates and permissions of files", &Stat), arguments->user);
     AddTarget(add("rm", "Remove files, or what a path of a record file names: rm FILE /0/dict[42] -i",
-                   &RemoveFiles),
+                  &RemoveFiles),
               arguments->target);
     add("touch", "Create files that are not there, and set the modification date", &Touch)
         .Option("--date", arguments->date,
