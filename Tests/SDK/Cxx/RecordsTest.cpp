@@ -90,6 +90,106 @@ TEST_F(CxxRecords, OfAClassThatChoosesItsIdCarryIt)
     log.Take();
 }
 
+/// Notes the stream that it is written to, and what that carries.
+class Inner final : public TObject<IO::IPersistentDataEx>
+{
+public:
+    explicit Inner(bool writesMute) : mWritesMute(writesMute) {}
+
+    ErrCode QueryInterface(GUID const& iid, IObject** out) const override
+    {
+        if (!(iid == IO::IPERSISTENT_DATA_EX) && !(iid == IO::IPERSISTENT_DATA))
+            return TObject::QueryInterface(iid, out);
+        if (out)
+            *out = const_cast<Inner*>(this);
+        return kNoError;
+    }
+    IObject* GetObj() const override { return const_cast<Inner*>(this); }
+    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream) override { return stream; }
+    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const override
+    {
+        EXPECT_EQ(&stream, streamOfId) << "one stream for both";
+        IObject* carried = nullptr;
+        EXPECT_EQ(stream.QueryInterface(kFacet, &carried), wantsCarried ? 0 : -1004);
+        if (mWritesMute)
+        {
+            TInterfacePtr<IObject> mute;
+            mute.Adopt(new Mute);
+            stream << *mute;
+        }
+        if (child)
+        {
+            stream.Aggregate(child.Get(), kFacet);
+            stream << *child;
+            stream.UnAggregate(kFacet);
+        }
+        return stream << 7;
+    }
+    GUID const& GetUID() const override { return IID_NOTE; }
+    GUID GetUIDFor(IO::IDataProviderStream& stream) override
+    {
+        streamOfId = &stream;
+        return IID_NOTE;
+    }
+
+    TInterfacePtr<Inner> child;
+    bool wantsCarried = false;
+    IO::IDataProviderStream* streamOfId = nullptr;
+
+private:
+    bool mWritesMute;
+};
+
+TEST_F(CxxRecords, OneStreamWritesAnObjectAndAllInIt)
+{
+    TInterfacePtr<Inner> outer;
+    outer.Adopt(new Inner(false));
+    outer->child.Adopt(new Inner(false));
+    outer->child->wantsCarried = true;
+    auto const bytes = CXX::ToBytes(*outer);
+    ASSERT_TRUE(bytes) << bytes.error().Message();
+    EXPECT_EQ(bytes->size(), 2u * (24 + 4 + 4));
+    EXPECT_EQ(outer->streamOfId, outer->child->streamOfId);
+}
+
+TEST_F(CxxRecords, WhatIsNotPersistentIsLeftOutWithAMessage)
+{
+    TInterfacePtr<Inner> outer;
+    outer.Adopt(new Inner(true));
+    auto const bytes = CXX::ToBytes(*outer);
+    ASSERT_TRUE(bytes) << bytes.error().Message();
+    EXPECT_EQ(bytes->size(), 24u + 4 + 4);
+    EXPECT_EQ(log.Take().size(), 1u);
+}
+
+/// Writes another object on the side, through a stream of its own, and does not look at how that goes.
+class Sideways final : public TObject<IO::IPersistentDataEx>
+{
+public:
+    IObject* GetObj() const override { return nullptr; }
+    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream) override { return stream; }
+    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const override
+    {
+        CXX::DataProvider const provider(*stream.GetDataProvider());
+        CXX::Stream side = CXX::Stream::Over(provider).value();
+        side << MakeNote(1, Fault::kThrowsInWrite);
+        return stream;
+    }
+    GUID const& GetUID() const override { return IID_NOTE; }
+    GUID GetUIDFor(IO::IDataProviderStream&) override { return IID_NOTE; }
+};
+
+TEST_F(CxxRecords, WhatIsLostOnTheSideIsSeen)
+{
+    TInterfacePtr<IObject> object;
+    object.Adopt(new Mute);
+    TInterfacePtr<IObject> adapter;
+    adapter.Adopt(new Sideways);
+    object->Aggregate(adapter.Get(), IO::IPERSISTENT_DATA_EX);
+    EXPECT_EQ(CXX::ToBytes(*object).error().Code(), 2012);
+    log.Take();
+}
+
 TEST_F(CxxRecords, BodiesFindWhatTheProviderHas)
 {
     auto const memory = MakeMemory();

@@ -188,6 +188,16 @@ TEST_F(CxxSave, OfWhatCannotBeSavedInside)
     EXPECT_EQ(Save(Path("a"), outer).error().Code(), 2012) << "a circle";
     (*inner).Clear();
     EXPECT_TRUE(Save(Path("b"), outer)) << "and no longer";
+
+    // Each of three holds the other two.
+    CXX::Handle<INote> const notes[] = {MakeNote(1), MakeNote(2), MakeNote(3)};
+    for (auto const& holder : notes)
+        for (auto const& held : notes)
+            if (&holder != &held)
+                holder->Aggregate(&*held, {static_cast<uint32>(held->Number()), 0, 0, {}});
+    EXPECT_EQ(Save(Path("a"), notes[0]).error().Code(), 2012) << "a circle of aggregates";
+    for (auto const& holder : notes)
+        holder->ClearAggregates();
     EXPECT_EQ(Content(Path("a")), "old");
     log.Take();
 }

@@ -10,7 +10,6 @@
 #include "TessIO/IPersistentData.h"
 
 #include <limits>
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -48,24 +47,30 @@ inline Result<TInterfacePtr<IO::IDataProviderStream>> StreamOver(IO::IDataProvid
 /// Writes the record of `object` at the provider's position. On failure something may have been written.
 inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& object, Task const& task)
 {
-    TInterfacePtr<WatchedObject> const standIn = WatchedObject::Over(object, std::make_shared<bool>(false));
-    if (!standIn)
+    if (object.QueryInterface(IO::IPERSISTENT_DATA_EX, nullptr) != kNoError &&
+        object.QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
         return task.Failed(kNotPersistent);
     TInterfacePtr<WatchedProvider> watched;
     watched.Adopt(new WatchedProvider(provider));
     auto const stream = StreamOver(*watched);
     if (!stream)
         return stream.error();
+    TInterfacePtr<WatchedStream> writer;
+    writer.Adopt(new WatchedStream(**stream, *watched));
     int64 const start = provider.GetPosition();
-    **stream << static_cast<IObject const&>(*standIn);
+    *writer << object;
     int64 const length = provider.GetPosition() - start;
-    if (watched->WriteResult() != kNoError)
-        return task.Failed(watched->WriteResult());
-    if (!standIn->IsWhole() || length < kRecordHeader)
-        return task.Failed(kNotSerialized);
-    if (length - kRecordHeader > kLongestBody)
-        return task.Failed(kTooLarge);
-    return {};
+    ErrCode code = watched->WriteResult();
+    if (code == kNoError && (writer->HasLost() || length < kRecordHeader))
+        code = kNotSerialized;
+    if (code == kNoError && length - kRecordHeader > kLongestBody)
+        code = kTooLarge;
+    if (code == kNoError)
+        return {};
+    // Of a body that writes on the side, through a stream of its own.
+    if (auto* const around = dynamic_cast<WatchedProvider*>(&provider))
+        around->OnFailure(code);
+    return task.Failed(code);
 }
 
 /// What stands before a body.

@@ -8,6 +8,7 @@
 #include "FileIO/IFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
@@ -77,7 +78,8 @@ inline Result<std::filesystem::path> LocalPath(URI const& uri, Task const& task)
     return path;
 }
 
-/// Holds the library's lock on a file while it is replaced.
+/// Holds the library's lock on a file while it is replaced. Two that begin at the same moment may both get
+/// it.
 class SaveLock
 {
 public:
@@ -85,6 +87,7 @@ public:
     explicit SaveLock(std::filesystem::path const& path)
     {
         constexpr int kAttempts = 100;
+        constexpr int kAttemptsRefused = 5;
         constexpr std::chrono::milliseconds kPause{10};
         IO::IURIPtr uri;
         if (IO::CreateFileURI(COREREGISTRY::GetCoreRegistry(), uri, path) != kNoError)
@@ -92,8 +95,11 @@ public:
         for (int attempt = 0; attempt < kAttempts; ++attempt)
         {
             mFile = COREREGISTRY::CreateObject<IO::IDataProvider>(IO::IID_IDATAPROVIDER);
-            mIsRefused = mFile && mFile->InitURIBased(*uri, IO::kStreamReadWrite, nullptr) == IO::kLocked;
-            if (!mIsRefused)
+            ErrCode const code =
+                mFile ? mFile->InitURIBased(*uri, IO::kStreamReadWrite, nullptr) : IO::kNoObject;
+            mIsRefused = code == IO::kLocked;
+            // Refused is an opening also while somebody else looks whether it is locked.
+            if (!mIsRefused && (code != IO::kOpenRefused || attempt == kAttemptsRefused))
                 return;
             std::this_thread::sleep_for(kPause);
         }
@@ -126,8 +132,10 @@ inline Result<void> ReplaceFile(std::filesystem::path const& path, std::span<std
     std::optional<SaveLock> lock;
     if (std::filesystem::exists(status))
     {
-        // A file that can't be written is not to be replaced by one that can.
-        if (!std::fstream(path, std::ios::in | std::ios::out | std::ios::binary))
+        // A file that may not be written is not to be replaced by one that may.
+        errno = 0;
+        if (!std::fstream(path, std::ios::in | std::ios::out | std::ios::binary) &&
+            (errno == EACCES || errno == EPERM || errno == EROFS))
             return task.Failed(IO::kNotPermitted);
         if (lock.emplace(path).IsRefused())
             return task.Failed(IO::kLocked);

@@ -6,6 +6,7 @@
 #include "Cxx/Text.h"
 #include "TessIO/IStringDictionary.h"
 
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <iterator>

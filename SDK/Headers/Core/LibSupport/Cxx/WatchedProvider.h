@@ -19,6 +19,12 @@ public:
 
     /// The first result of a write that was not 0, or `kWriteFailed` where the position could not be set.
     OperationId WriteResult() const { return mWriteResult; }
+    /// The same of a record that somebody else wrote to this provider in between.
+    void OnFailure(ErrCode code)
+    {
+        if (mWriteResult == kNoError)
+            mWriteResult = code;
+    }
     /// Whether a read brought less than was asked for.
     bool HasShortRead() const { return mHasShortRead; }
     /// Whether the position was set to another place than where it stood, or right behind the head of a
@@ -32,6 +38,9 @@ public:
         return mProvider->QueryInterface(iid, out);
     }
     AggregateMap const& GetAggregates() const override { return mProvider->GetAggregates(); }
+    void Aggregate(IObject* object, GUID iid) override { mProvider->Aggregate(object, iid); }
+    void UnAggregate(GUID const& iid) override { mProvider->UnAggregate(iid); }
+    void ClearAggregates() override { mProvider->ClearAggregates(); }
 
     void InitHandleBased(int mode) override { mProvider->InitHandleBased(mode); }
     ErrCode InitReadOnlyMem(void const* data, int32 size) override

@@ -1,121 +1,51 @@
 // Sees which objects make it into their records whole.
 #pragma once
 
+#include "Cxx/WatchedProvider.h"
 #include "ObjectModel/TInterfacePtr.h"
 #include "ObjectModel/TObject.h"
+#include "TessIO/ClassIds.h"
 #include "TessIO/IDataProviderStream.h"
 #include "TessIO/IPersistentData.h"
 
 #include <map>
-#include <memory>
 #include <utility>
 
 namespace KORVA::CXX::DETAIL
 {
-/// Stands in for an object while it is written. The stream catches what the object throws, and writes records
-/// that are nested too deep as empty ones, both without a word; here both can be seen, of the object and of
-/// everything that is written in it.
-class WatchedObject final : public TObject<IO::IPersistentDataEx>
-{
-public:
-    /// Empty when the object, which is borrowed, is not persistent. `lost` is set once something in it was
-    /// not written whole; nothing more is written then.
-    static TInterfacePtr<WatchedObject> Over(IObject const& object, std::shared_ptr<bool> lost)
-    {
-        IObject* found = nullptr;
-        IO::IPersistentDataEx* extended = nullptr;
-        IO::IPersistentData* persistence = nullptr;
-        if (object.QueryInterface(IO::IPERSISTENT_DATA_EX, &found) == kNoError && found)
-            persistence = extended = static_cast<IO::IPersistentDataEx*>(found);
-        else if (object.QueryInterface(IO::IPERSISTENT_DATA, &found) == kNoError && found)
-            persistence = static_cast<IO::IPersistentData*>(found);
-        TInterfacePtr<WatchedObject> standIn;
-        if (persistence)
-            standIn.Adopt(new WatchedObject(object, *persistence, extended, std::move(lost)));
-        return standIn;
-    }
-
-    /// Whether it was written to its end, and all that is in it.
-    bool IsWhole() const
-    {
-        if (!mIsWritten || *mLost)
-            return false;
-        for (auto const& [iid, aggregate] : mWatched)
-            if (!aggregate->IsWhole())
-                return false;
-        return true;
-    }
-
-    ErrCode QueryInterface(GUID const& iid, IObject** out) const override
-    {
-        if (!(iid == IO::IPERSISTENT_DATA_EX))
-            return mObject.QueryInterface(iid, out);
-        if (out)
-            *out = const_cast<WatchedObject*>(this);
-        return kNoError;
-    }
-
-    /// Those that are written have stand-ins too.
-    AggregateMap const& GetAggregates() const override
-    {
-        mAggregates = mObject.GetAggregates();
-        for (auto& [iid, aggregate] : mAggregates)
-        {
-            if (aggregate->QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
-                continue;
-            TInterfacePtr<WatchedObject>& watched = mWatched[iid];
-            if (!watched)
-                watched = Over(*aggregate, mLost);
-            if (watched)
-                aggregate = watched.Get();
-        }
-        return mAggregates;
-    }
-
-    IObject* GetObj() const override { return mPersistence.GetObj(); }
-    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream) override
-    {
-        return mPersistence.Read(stream);
-    }
-    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const override;
-    GUID const& GetUID() const override { return mPersistence.GetUID(); }
-    GUID GetUIDFor(IO::IDataProviderStream& stream) override
-    {
-        return mExtended ? mExtended->GetUIDFor(stream) : mPersistence.GetUID();
-    }
-
-private:
-    WatchedObject(IObject const& object, IO::IPersistentData& persistence, IO::IPersistentDataEx* extended,
-                  std::shared_ptr<bool> lost)
-        : mObject(object), mPersistence(persistence), mExtended(extended), mLost(std::move(lost))
-    {}
-
-    IObject const& mObject;
-    IO::IPersistentData& mPersistence;
-    IO::IPersistentDataEx* mExtended;
-    std::shared_ptr<bool> mLost;
-    mutable bool mIsWritten = false;
-    mutable AggregateMap mAggregates;
-    mutable std::map<GUID, TInterfacePtr<WatchedObject>> mWatched;
-};
-
-/// Passes everything on to another stream, shared, but for objects: those it writes by stand-ins.
+/// Passes everything on to another stream, but for objects: those it writes by stand-ins. The stream catches
+/// what objects throw, and writes records that are nested too deep as empty ones, both without a word; here
+/// both can be seen, of an object and of everything that is written in it.
 class WatchedStream final : public TObject<IO::IDataProviderStream>
 {
     using Self = IO::IDataProviderStream;
 
 public:
-    WatchedStream(IO::IDataProviderStream& stream, std::shared_ptr<bool> lost) : mLost(std::move(lost))
+    /// Shares the stream, and the provider under it.
+    WatchedStream(IO::IDataProviderStream& stream, WatchedProvider& provider)
     {
         mStream.Share(&stream);
+        mProvider.Share(&provider);
     }
 
-    /// What is found on the stream is found here.
+    /// Whether something was not written whole. Nothing more is written then: objects that hold each other
+    /// would go on without end.
+    bool HasLost() const { return mHasLost || mProvider->WriteResult() != kNoError; }
+
+    /// An object's record begins; its body comes next, unless it is nested too deep.
+    void OnHead() { mHasLost = std::exchange(mIsBodyDue, true) || mHasLost; }
+    void OnBody() { mIsBodyDue = false; }
+    void OnLost() { mHasLost = true; }
+
+    /// What is found on the stream is found here, and what is put here is put there.
     ErrCode QueryInterface(GUID const& iid, IObject** out) const override
     {
         return mStream->QueryInterface(iid, out);
     }
     AggregateMap const& GetAggregates() const override { return mStream->GetAggregates(); }
+    void Aggregate(IObject* object, GUID iid) override { mStream->Aggregate(object, iid); }
+    void UnAggregate(GUID const& iid) override { mStream->UnAggregate(iid); }
+    void ClearAggregates() override { mStream->ClearAggregates(); }
 
     ErrCode Init(IO::IDataProvider& provider) override { return mStream->Init(provider); }
     TInterfacePtr<IO::IDataProvider> GetDataProvider() const override { return mStream->GetDataProvider(); }
@@ -148,17 +78,7 @@ public:
     Self& operator<<(double value) override { return Put(value); }
     Self& operator<<(bool value) override { return Put(value); }
     Self& operator<<(GUID const& value) override { return Put(value); }
-    Self& operator<<(IObject const& object) override
-    {
-        // What can't be saved any more need not be written on: objects in a circle would go on for long.
-        if (*mLost)
-            return *this;
-        TInterfacePtr<WatchedObject> const standIn = WatchedObject::Over(object, mLost);
-        if (standIn)
-            *mStream << static_cast<IObject const&>(*standIn);
-        *mLost = !standIn || !standIn->IsWhole();
-        return *this;
-    }
+    Self& operator<<(IObject const& object) override;
 
     OperationId Write(void const* data, int count) override { return mStream->Write(data, count); }
     OperationId Read(void* data, int& count) override { return mStream->Read(data, count); }
@@ -178,15 +98,125 @@ private:
     }
 
     TInterfacePtr<IO::IDataProviderStream> mStream;
-    std::shared_ptr<bool> mLost;
+    TInterfacePtr<WatchedProvider> mProvider;
+    bool mHasLost = false;
+    bool mIsBodyDue = false;
 };
 
-inline IO::IDataProviderStream& WatchedObject::Write(IO::IDataProviderStream& stream) const
+/// Stands in for an object while it is written.
+class WatchedObject final : public TObject<IO::IPersistentDataEx>
 {
-    TInterfacePtr<WatchedStream> watched;
-    watched.Adopt(new WatchedStream(stream, mLost));
-    static_cast<void>(mPersistence.Write(*watched));
-    mIsWritten = true;
-    return stream;
+public:
+    /// Empty when the object, which is shared, is not persistent. The stream is borrowed.
+    static TInterfacePtr<WatchedObject> Over(IObject const& object, WatchedStream& stream)
+    {
+        IObject* found = nullptr;
+        IO::IPersistentDataEx* extended = nullptr;
+        IO::IPersistentData* persistence = nullptr;
+        if (object.QueryInterface(IO::IPERSISTENT_DATA_EX, &found) == kNoError && found)
+            persistence = extended = static_cast<IO::IPersistentDataEx*>(found);
+        else if (object.QueryInterface(IO::IPERSISTENT_DATA, &found) == kNoError && found)
+            persistence = static_cast<IO::IPersistentData*>(found);
+        TInterfacePtr<WatchedObject> standIn;
+        if (persistence)
+            standIn.Adopt(new WatchedObject(object, *persistence, extended, stream));
+        return standIn;
+    }
+
+    /// Whether it was written to its end, and all that is in it.
+    bool IsWhole() const
+    {
+        if (!mIsWritten || !mIsListed || mStream.HasLost())
+            return false;
+        for (auto const& [iid, aggregate] : mWatched)
+            if (!aggregate->IsWhole())
+                return false;
+        return true;
+    }
+
+    ErrCode QueryInterface(GUID const& iid, IObject** out) const override
+    {
+        bool const isAsked = iid == IO::IPERSISTENT_DATA_EX;
+        if (mStream.HasLost() && (isAsked || iid == IO::IPERSISTENT_DATA))
+            return kIdNotFound;
+        if (!isAsked)
+            return mObject->QueryInterface(iid, out);
+        if (out)
+            *out = const_cast<WatchedObject*>(this);
+        return kNoError;
+    }
+
+    /// Those that are written have stand-ins too.
+    AggregateMap const& GetAggregates() const override
+    {
+        mAggregates.clear();
+        if (mStream.HasLost())
+            return mAggregates;
+        mAggregates = mObject->GetAggregates();
+        for (auto& [iid, aggregate] : mAggregates)
+        {
+            if (aggregate->QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
+                continue;
+            TInterfacePtr<WatchedObject>& watched = mWatched[iid];
+            watched = Over(*aggregate, mStream);
+            if (watched)
+                aggregate = watched.Get();
+            else
+                mWatched.erase(iid);
+        }
+        mIsListed = true;
+        return mAggregates;
+    }
+
+    IObject* GetObj() const override { return mPersistence.GetObj(); }
+    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream) override
+    {
+        return mPersistence.Read(stream);
+    }
+    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const override
+    {
+        mStream.OnBody();
+        if (mStream.HasLost())
+            return stream;
+        static_cast<void>(mPersistence.Write(mStream));
+        mIsWritten = true;
+        return stream;
+    }
+    GUID const& GetUID() const override { return mPersistence.GetUID(); }
+    GUID GetUIDFor(IO::IDataProviderStream&) override
+    {
+        mStream.OnHead();
+        return mExtended ? mExtended->GetUIDFor(mStream) : mPersistence.GetUID();
+    }
+
+private:
+    WatchedObject(IObject const& object, IO::IPersistentData& persistence, IO::IPersistentDataEx* extended,
+                  WatchedStream& stream)
+        : mPersistence(persistence), mExtended(extended), mStream(stream)
+    {
+        mObject.Share(const_cast<IObject*>(&object));
+    }
+
+    TInterfacePtr<IObject> mObject;
+    IO::IPersistentData& mPersistence;
+    IO::IPersistentDataEx* mExtended;
+    WatchedStream& mStream;
+    mutable bool mIsWritten = false;
+    mutable bool mIsListed = false;
+    mutable AggregateMap mAggregates;
+    mutable std::map<GUID, TInterfacePtr<WatchedObject>> mWatched;
+};
+
+inline IO::IDataProviderStream& WatchedStream::operator<<(IObject const& object)
+{
+    if (HasLost())
+        return *this;
+    TInterfacePtr<WatchedObject> const standIn = WatchedObject::Over(object, *this);
+    // What is not persistent is left out with a message in the log.
+    if (!standIn)
+        return Put(object);
+    *mStream << static_cast<IObject const&>(*standIn);
+    mHasLost = !standIn->IsWhole();
+    return *this;
 }
 } // namespace KORVA::CXX::DETAIL

@@ -82,8 +82,8 @@ public:
     /// flushed to the disk, and the temporary takes the name. A crash leaves the old file or the new one. So
     /// does a failure, most the old one: the last thing that can fail is to wait for the new name to be on
     /// the disk. The permissions of a replaced file are kept, and its owner and group where the user may give
-    /// them; in another group the file is not open to more than it is to all. A new one gets the user's
-    /// default. A symbolic link is followed.
+    /// them; else neither the new group nor all others may do what only one of them might. A new one gets the
+    /// user's default. A symbolic link is followed.
     virtual ErrCode Replace(void const* data, uint64 count) = 0;
 };
 
