@@ -89,11 +89,12 @@ ErrCode AtomicFile::KeepPermissions()
     if (fchown(mDescriptor.Get(), status.st_uid, status.st_gid) != 0)
     {
         status.st_mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
-        // What the file's group might, the user's own group is not to do instead.
+        // What the file's group might, the user's own group is not to do instead. Who was in the former is
+        // now one of the others, and may do no more for that.
         if (fchown(mDescriptor.Get(), static_cast<uid_t>(-1), status.st_gid) != 0)
         {
-            mode_t const asOthers = (status.st_mode & mode_t{S_IRWXO}) << 3;
-            status.st_mode &= ~mode_t{S_IRWXG} | asOthers;
+            mode_t const both = status.st_mode & (status.st_mode >> 3) & mode_t{S_IRWXO};
+            status.st_mode = (status.st_mode & ~mode_t{S_IRWXG | S_IRWXO}) | both << 3 | both;
         }
     }
     return fchmod(mDescriptor.Get(), status.st_mode & 07777) == 0 ? kDone : StatusOfErrno();

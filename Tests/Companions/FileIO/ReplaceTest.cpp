@@ -87,6 +87,7 @@ TEST_F(FileTest, ReplaceOpensAFileToNoOtherGroup)
     EXPECT_EQ(ReplacedBy(*file, path, 0664, {}), "644 of 4003:4003");
     EXPECT_EQ(ReplacedBy(*file, path, 06775, {4002}), "775 of 4003:4002");
     EXPECT_EQ(ReplacedBy(*file, path, 0670, {}), "600 of 4003:4003");
+    EXPECT_EQ(ReplacedBy(*file, path, 0604, {}), "600 of 4003:4003") << "the group was shut out";
 }
 
 TEST_F(FileTest, ReplaceKeepsThePermissions)
