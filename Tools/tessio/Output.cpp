@@ -74,9 +74,10 @@ char const* Unescape(std::string_view& rest, CoreString& text)
         return R"(after a backslash in a text stand n, t, ", \ or u{...})";
     std::size_t const end = rest.find('}');
     KORVA::uint32 value = 0;
-    if (!rest.starts_with("u{") || end == std::string_view::npos || end == 2 ||
-        std::from_chars(rest.data() + 2, rest.data() + end, value, 16).ptr != rest.data() + end ||
-        value > 0x10FFFF)
+    bool const isBraced = rest.starts_with("u{") && end != std::string_view::npos;
+    auto const [stop, error] =
+        std::from_chars(rest.data() + (isBraced ? 2 : 0), rest.data() + (isBraced ? end : 0), value, 16);
+    if (!isBraced || error != std::errc() || stop != rest.data() + end || value > 0x10FFFF)
         return R"(\u stands before a hexadecimal number up to 10FFFF in braces)";
     if (value >= 0x10000)
         text.push_back(static_cast<char16_t>(0xD7C0 + (value >> 10)));

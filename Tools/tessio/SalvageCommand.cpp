@@ -113,8 +113,9 @@ void Run(Common const& common, Arguments const& arguments)
         return Print(report);
     if (auto const why = TryReplaceContent(session, arguments.report, Bytes(report.begin(), report.end()));
         !why.empty())
-        throw Failure(Exit::kInputOutput, fmt::format("cannot write {}: {}; the result is in {}",
-                                                      Quoted(arguments.report), why, Quoted(arguments.out)));
+        throw Failure(Exit::kInputOutput,
+                      fmt::format("cannot write {}: {}; the result is in {}", Quoted(arguments.report), why,
+                                  arguments.out == "-" ? "standard output" : Quoted(arguments.out)));
 }
 } // namespace
 

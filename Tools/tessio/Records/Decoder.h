@@ -72,14 +72,14 @@ struct SoundRecord
     int height = 0;
     /// Where the texts end that it begins with; no record can be in them. 0 where there are none.
     KORVA::int64 textEnd = 0;
-    /// Whether a writer of the library would have written it so.
+    /// Whether there is nothing in it to warn of, the order of keys aside.
     bool isUsual = true;
 };
 
 /// By their offsets.
 using SoundRecords = std::map<KORVA::int64, SoundRecord>;
 
-/// Records whose class ids are damaged in a byte or two, by their offsets: the ids that they should have.
+/// Records whose class ids are damaged, by their offsets: the ids that they should have.
 using MisnamedRecords = std::map<KORVA::int64, GUID>;
 
 struct DecodeOptions

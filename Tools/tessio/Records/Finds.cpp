@@ -1,6 +1,11 @@
 #include "Records/Finds.h"
 
+#include "Failure.h"
+
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace TOOL
@@ -9,7 +14,8 @@ using namespace KORVA;
 
 namespace
 {
-/// Bytes of a class id that must be left where other records are in the record, and where none are.
+/// Bytes of a class id that must be left where other records are in the record and the file is damaged
+/// elsewhere too, and otherwise.
 constexpr int kSomeOf = 8;
 constexpr int kMostOf = 14;
 
@@ -27,7 +33,7 @@ int Same(unsigned char const* a, std::array<unsigned char, 16> const& b)
 std::optional<SoundRecord> Finds::SoundAs(int64 offset, KnownClass const& known) const
 {
     auto const sound = SoundRecordAt(mContent, offset, known, mOptions);
-    if (!sound)
+    if (!sound || mTiles)
         return sound;
     auto const inside = mSound.lower_bound(offset + kHeader);
     return inside != mSound.end() && inside->first < sound->textEnd ? std::nullopt : sound;
@@ -66,11 +72,13 @@ void Finds::FindSound(Progress* progress)
             mSound.emplace_hint(mSound.begin(), at, *sound);
             continue;
         }
+        std::ranges::sort(near, std::greater(), &std::pair<KnownClass const*, int>::second);
         for (auto const& [other, same] : near)
         {
-            // An empty record makes sense under any id, and many bodies under one that is little like.
+            // An empty record makes sense under any id, and many bodies under one that is little like. A
+            // plug-in's id may be like the library's, too.
             auto const sound = length > 0 ? SoundAs(at, *other) : std::nullopt;
-            if (!sound || !sound->isUsual || (same < kMostOf && sound->height == 0))
+            if (!sound || !sound->isUsual || (same < kMostOf && (mTiles || sound->height == 0)))
                 continue;
             mMisnamed[at] = other->id;
             mMisnamedEnds[at] = sound->end;
@@ -100,8 +108,11 @@ bool Finds::IsCutInto(int64 from, int64 to) const
 {
     auto const end = mSound.lower_bound(to);
     for (auto sound = mSound.lower_bound(from + kHeader); sound != end; ++sound)
+    {
+        Look(sound->first);
         if (sound->second.end > to && EndOfWhole(sound->first) > to)
             return true;
+    }
     return false;
 }
 
@@ -114,6 +125,7 @@ Finds::Finds(ByteView content, Order order, Limits const& limits, Progress* prog
     mOptions.count = &mCount;
     for (KnownClass const& known : KnownClasses())
         mIds.push_back(StoredId(known.id, order));
+    mTiles = Tiles();
     FindSound(progress);
     int64 end = 0;
     for (int64 const at : mKnown)
@@ -126,10 +138,37 @@ Finds::Finds(ByteView content, Order order, Limits const& limits, Progress* prog
             mWhole[at] = end = whole;
         else
         {
-            mBroken.insert(at);
+            // Of another class after all, with records in it that do not end with it.
+            mMisnamed.erase(at);
+            mMisnamedEnds.erase(at);
             mSound.erase(at);
+            if (FindClass(LoadId(content.data() + at, order)))
+                mBroken.insert(at);
         }
     }
+}
+
+void Finds::Look(int64 offset) const
+{
+    if (++*mOptions.count > mOptions.limits.count)
+        throw Failure(Exit::kLimit,
+                      fmt::format("more than {} records: the record at offset {} is one too many",
+                                  mOptions.limits.count, offset));
+}
+
+/// Whether records follow each other from the first byte to the last, by their lengths.
+bool Finds::Tiles() const
+{
+    auto const size = static_cast<int64>(mContent.size());
+    int64 at = 0;
+    while (size - at >= kHeader)
+    {
+        auto const length = Load<int64>(mContent.data() + at + 16, mOptions.order);
+        if (length < 0 || length > size - at - kHeader)
+            return false;
+        at += kHeader + length;
+    }
+    return at == size;
 }
 
 bool Finds::IsLikeKnown(int64 offset) const

@@ -25,8 +25,8 @@ public:
     DecodeOptions const& Options() const { return mOptions; }
 
     /// The end of the whole record that begins there; 0 when there is none. Records inside others do not
-    /// count. One whose class id is damaged in a byte or two is whole all the same when its content makes
-    /// sense.
+    /// count. One whose class id is damaged is whole all the same when enough of that is left and its content
+    /// makes sense.
     KORVA::int64 WholeAt(KORVA::int64 offset) const
     {
         auto const found = mWhole.find(offset);
@@ -34,6 +34,8 @@ public:
     }
     /// The id that a whole record should have whose own is damaged.
     std::optional<GUID> NameOf(KORVA::int64 offset) const;
+    /// Counts a look at a place that could be a record. Ends the command beyond the limit.
+    void Look(KORVA::int64 offset) const;
     /// Whether a class id is there that was a known one's, for the most part.
     bool IsLikeKnown(KORVA::int64 offset) const;
     /// Whether a known class's record begins there that is not whole.
@@ -57,6 +59,7 @@ public:
 
 private:
     std::optional<SoundRecord> SoundAs(KORVA::int64 offset, KnownClass const& known) const;
+    bool Tiles() const;
     void FindSound(Progress* progress);
     KORVA::int64 EndOfWhole(KORVA::int64 offset) const;
     bool IsCutInto(KORVA::int64 from, KORVA::int64 to) const;
@@ -71,6 +74,7 @@ private:
     MisnamedRecords mMisnamed;
     std::map<KORVA::int64, KORVA::int64> mMisnamedEnds;
     KORVA::int64 mCount = 0;
+    bool mTiles = false;
     std::map<KORVA::int64, KORVA::int64> mWhole;
     std::set<KORVA::int64> mBroken;
 };

@@ -1,5 +1,7 @@
 #include "Records/Salvager.h"
 
+#include "Failure.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -37,15 +39,19 @@ std::optional<int64> Salvager::EndByLength(int64 offset, int64 limit) const
 }
 
 /// Behind what is in a record stands the number of its aggregates. Only the last of these can end with it: it
-/// has its interface's id before it, and that the number, or another one.
+/// has its interface's id before it, and that the number, or another one of any class.
 bool Salvager::MayEndWithRecord(int64 offset, int64 end) const
 {
     auto const last = std::prev(mFinds.Whole().lower_bound(end));
     int64 const number = last->first - 16 - 4;
     if (last->second != end || number < offset + kHeader)
         return last->second != end;
-    return At<int32>(number) == 1 ||
-           (last != mFinds.Whole().begin() && std::prev(last)->second == number + 4);
+    if (At<int32>(number) == 1)
+        return true;
+    for (int64 other = number + 4 - kHeader; other >= offset + kHeader + 4 + 16; --other)
+        if (EndByLength(other, end) == number + 4)
+            return true;
+    return false;
 }
 
 /// Bytes that are all zeros look like an empty record and are none. A record of a class that nobody knows may
@@ -224,6 +230,9 @@ int64 Salvager::Broken(int64 offset, int64 limit, int depth, std::string const& 
         Copy(offset + kHeader, end);
         return end;
     }
+    if (depth >= mFinds.Options().limits.depth)
+        throw Failure(Exit::kLimit, fmt::format("the record at offset {} is nested more than {} deep", offset,
+                                                mFinds.Options().limits.depth));
     KnownClass const* const known = FindClass(LoadId(mContent.data() + offset, mOrder));
     if (known->kind == Kind::kDictionary && depth < kDeepest)
         return Dictionary(offset, limit, depth, path);

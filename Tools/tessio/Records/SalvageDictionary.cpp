@@ -1,4 +1,5 @@
 // Dictionaries of which something is damaged.
+#include "ObjectModel/GUIDText.h"
 #include "Records/Salvager.h"
 
 #include <fmt/format.h>
@@ -26,6 +27,7 @@ std::optional<int64> Salvager::EndOfAggregates(int64 offset, int64 limit) const
     {
         if (limit - at < 16 + kHeader)
             return std::nullopt;
+        mFinds.Look(at + 16);
         auto const end = EndOfAggregate(at + 16, limit);
         if (!end)
             return std::nullopt;
@@ -150,15 +152,23 @@ int64 Salvager::Aggregates(Rebuilding& dictionary)
 {
     int64 const end = *EndOfAggregates(dictionary.at, dictionary.limit);
     int64 at = dictionary.at + 4;
-    Copy(dictionary.at, at);
+    int64 from = dictionary.at;
+    Copy(from, at);
     while (at < end)
     {
         int64 const record = at + 16;
+        GUID const iid = LoadId(mContent.data() + at, mOrder);
         Copy(at, record);
         at = *EndOfAggregate(record, end);
         CopyRecord(record, at);
+        if (!mFinds.NameOf(record))
+            continue;
+        Keep(from, record, Fate::Type::kKept, dictionary.path, "aggregates");
+        Keep(record, at, Fate::Type::kRepaired, dictionary.path + "/" + GUIDToText(iid),
+             "its class id was damaged");
+        from = at;
     }
-    Keep(dictionary.at, end, Fate::Type::kKept, dictionary.path, "aggregates");
+    Keep(from, end, Fate::Type::kKept, dictionary.path, "aggregates");
     return end;
 }
 

@@ -285,6 +285,8 @@ INSTANTIATE_TEST_SUITE_P(
                  "2: after a backslash in a text stand n, t, \", \\ or u{...}"},
         ErrorRow{"EscapeTooLarge", "URI \"\\u{110000}\"",
                  "2: \\u stands before a hexadecimal number up to 10FFFF in braces"},
+        ErrorRow{"EscapeFarTooLarge", "URI \"\\u{100000041}\"",
+                 "2: \\u stands before a hexadecimal number up to 10FFFF in braces"},
         ErrorRow{"EmptyEscape", "URI \"\\u{}\"",
                  "2: \\u stands before a hexadecimal number up to 10FFFF in braces"},
         ErrorRow{"NumberOutOfItsType", "int8 128", "2: 128 is out of range for int8"},
