@@ -35,7 +35,6 @@ public:
     /// An object's record begins; its body comes next, unless it is nested too deep.
     void OnHead() { mHasLost = std::exchange(mIsBodyDue, true) || mHasLost; }
     void OnBody() { mIsBodyDue = false; }
-    void OnLost() { mHasLost = true; }
 
     /// What is found on the stream is found here, and what is put here is put there.
     ErrCode QueryInterface(GUID const& iid, IObject** out) const override
