@@ -25,6 +25,13 @@ inline constexpr ErrCode kNotPermitted = 21;
 inline constexpr ErrCode kNoSpace = 28;
 /// The user stopped a copy.
 inline constexpr ErrCode kCancelled = 89;
+/// `CopyTo`, `Replace`: the new content is there, whole and under its name. Only that the name is on the disk
+/// could not be confirmed: after a power cut the file may be the old one again.
+inline constexpr ErrCode kNotFlushed = 90;
+/// The device, or the path to it, fails.
+inline constexpr ErrCode kDeviceFailed = 91;
+/// The system ran out of memory, of descriptors or of other resources of its own.
+inline constexpr ErrCode kOutOfResources = 92;
 
 /// Class and interface id of `IFile`.
 inline constexpr GUID IID_IFILE{0xF123396E, 0x0378, 0x4B45, {0x82, 0xE5, 0x65, 0x71, 0x70, 0xE3, 0x1A, 0x2A}};
