@@ -71,6 +71,11 @@ public:
     /// missing file included); 40 mode 2 and somebody holds a lock; 1 no file-system library.
     /// On success the provider answers `IID_IURI`, `FILE_SYS::IID_IFILE`, in modes 0, 2 and 4
     /// `IID_ASYNC_READER`, and in modes 1 to 4 `IID_ASYNC_WRITER` (in mode 3 too, whose writes all fail).
+    /// In modes 2 and 4 it holds a lock, which others that open the file in mode 2 meet. It goes with the
+    /// provider; asynchronous writes that are still under way then keep it until the last one has ended, reads
+    /// don't.
+    /// Where streams must match the descriptor, as on Linux, mode 1 ends in 26 and leaves the descriptor open
+    /// at every try, until the process ends.
     virtual ErrCode InitURIBased(IURI & uri, int mode, IReporter* reporter) = 0;
 
     /// Writes `count` bytes at the position and advances it. 0; 13 null data (a file; memory blocks don't

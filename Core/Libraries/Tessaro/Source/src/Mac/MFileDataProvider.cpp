@@ -92,6 +92,8 @@ FileDataProvider::~FileDataProvider()
     if (mFile)
         std::fclose(mFile);
     mPathUrl.reset();
+    if (mChannel)
+        mChannel->UnlockAfterWrites();
     StoreChannel({});
     mURI.Reset();
     mReporter.Reset();
