@@ -85,13 +85,7 @@ void CFRetain(CFURLRef url) { url->Retain(); }
 
 void CFRelease(CFURLRef url) { url->Release(); }
 
-std::optional<std::u16string> CFURLCopyFileSystemPath(CFURLRef url)
-{
-    std::optional<std::u16string> path = url->Get().Path();
-    if (path && path->empty())
-        path.reset();
-    return path;
-}
+std::optional<std::u16string> CFURLCopyFileSystemPath(CFURLRef url) { return url->Get().Path(); }
 
 std::string const& CFURLGetString(CFURLRef url) { return url->Text(); }
 

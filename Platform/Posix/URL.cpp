@@ -355,7 +355,11 @@ std::optional<std::u16string> URL::Host() const
         return std::nullopt;
     HostAndPort const where = SplitAuthority(*mAuthority);
     string_view host = string_view(*mAuthority).substr(where.hostBegin, where.hostEnd - where.hostBegin);
-    if (host.starts_with('[') && host.find(']') != string_view::npos)
+    // Brackets belong around the whole host. Where one stands elsewhere, a character is cut at either end all
+    // the same: measured.
+    bool const begins = host.starts_with('[') && host.find(']') != string_view::npos;
+    bool const ends = host.ends_with(']') && host.find('[') != string_view::npos;
+    if (begins || ends)
         host = host.substr(1, host.size() - 2);
     return Decode(host);
 }

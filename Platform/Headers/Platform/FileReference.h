@@ -34,7 +34,7 @@ CFURLRef CFURLCreateFromFSRef(FSRef const& ref);
 void CFRetain(CFURLRef url);
 void CFRelease(CFURLRef url);
 
-/// The path, unescaped and without a trailing `/`; nothing where the URL has none.
+/// The path, unescaped and without a trailing `/`; "" of a host alone; nothing where the URL has none.
 std::optional<std::u16string> CFURLCopyFileSystemPath(CFURLRef url);
 /// The whole text, escaped: ASCII. Borrowed from the URL.
 std::string const& CFURLGetString(CFURLRef url);

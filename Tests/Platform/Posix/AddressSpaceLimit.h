@@ -9,17 +9,17 @@
 
 namespace KORVA::TESTS
 {
-/// While it lives the process can map 64 MiB more than it has, and no more.
+/// While it lives the process can map so much more than it has, 64 MiB by default, and no more.
 class AddressSpaceLimit
 {
 public:
-    AddressSpaceLimit()
+    explicit AddressSpaceLimit(rlim_t more = rlim_t{64} << 20)
     {
         rlim_t pages = 0;
         std::ifstream("/proc/self/statm") >> pages;
         getrlimit(RLIMIT_AS, &mBefore);
         rlimit limit = mBefore;
-        limit.rlim_cur = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + (64u << 20);
+        limit.rlim_cur = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + more;
         if (pages == 0 || setrlimit(RLIMIT_AS, &limit) != 0)
             throw std::runtime_error("the address space can't be limited");
     }

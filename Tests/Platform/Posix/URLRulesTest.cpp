@@ -96,6 +96,19 @@ SplitRow const kSplits[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Rows, URLSplitTest, ::testing::ValuesIn(kSplits), RowName());
 
+TEST(URLHost, IsCutAtBothEndsWhereABracketEndsIt)
+{
+    URLRef const alone = URL::FromString(u"http://x[::1]/p");
+    ASSERT_TRUE(alone);
+    EXPECT_EQ(alone->Host(), u"[::1");
+    EXPECT_EQ(alone->Port(), std::nullopt);
+    EXPECT_EQ(alone->Path(), u"/p");
+    URLRef const withPort = URL::FromString(u"http://x[::1]:80/p");
+    ASSERT_TRUE(withPort);
+    EXPECT_EQ(withPort->Host(), u"[::1");
+    EXPECT_EQ(withPort->Port(), 80);
+}
+
 struct PortRow
 {
     char const* name;
@@ -329,6 +342,8 @@ TEST(URLBrackets, ShowEscapedExceptAroundTheHost)
         return url ? Shown(url->AbsoluteString()) : std::string("(none)");
     };
     EXPECT_EQ(shown(u"s://[::1]:1/a"), "s://[::1]:1/a");
+    EXPECT_EQ(shown(u"http://x[::1]/p"), "http://x%5B::1]/p");
+    EXPECT_EQ(shown(u"http://x[::1]:80/p"), "http://x%5B::1]:80/p");
     EXPECT_EQ(shown(u"s://[::1]/[a]?[b]#[c]"), "s://[::1]/%5Ba%5D?%5Bb%5D#%5Bc%5D");
     EXPECT_EQ(shown(u"[a]"), "%5Ba%5D");
 }

@@ -9,7 +9,6 @@ namespace KORVA::IO
 {
 namespace
 {
-using COREREGISTRY::CreateObject;
 using FILE_SYS::IFile;
 using FILE_SYS::IFilePtr;
 using STRING::CoreString;
@@ -24,6 +23,16 @@ constexpr LogSite kSiteGetUnknown{
     kSource, "virtual ErrCode KORVA::IO::FileProxy::GetAttribute(FileAttribute, bool &) const", 491};
 constexpr LogSite kSiteSetHidden{kSource, kSetAttribute, 523};
 constexpr LogSite kSiteSetUnknown{kSource, kSetAttribute, 540};
+
+/// An object that comes counts, whatever code comes with it.
+template <class I>
+TInterfacePtr<I> CreateObject(GUID const& classId)
+{
+    TInterfacePtr<I> object;
+    if (COREREGISTRY::ICoreRegistry* const registry = COREREGISTRY::GetCoreRegistry())
+        static_cast<void>(registry->CreateInstance(classId, object.Out()));
+    return object;
+}
 
 bool IsPermission(FileAttribute attribute)
 {

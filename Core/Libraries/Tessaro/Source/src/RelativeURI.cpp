@@ -11,6 +11,7 @@
 #include "TessIO/ResultCodes.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace KORVA::IO
 {
@@ -158,6 +159,9 @@ void RelativeURI::ResolvePath()
     StringTokenizer const tokens(mFullPath, CoreString("/\\"), 0);
     int32 const last = tokens.NumTokens() - 1;
     int32 skip = 0;
+    // What stays in front of the path, from the back.
+    std::vector<int32> kept;
+    CoreString rest = mFullPath;
     for (int32 i = last; i >= 0; --i)
     {
         CoreString const token = tokens.Get(i);
@@ -167,11 +171,19 @@ void RelativeURI::ResolvePath()
             continue;
         else if (skip > 0)
             --skip;
-        else
+        else if (i == last)
             // Only the last component begins the path anew.
-            mFullPath = i == last ? token : Join(token, mFullPath);
+            rest = token;
+        else
+            kept.push_back(i);
     }
-    mFullPath = CoreString(u"/") + mFullPath;
+    mFullPath = CoreString(u"/");
+    for (auto i = kept.rbegin(); i != kept.rend(); ++i)
+    {
+        mFullPath.append(tokens.Get(*i));
+        mFullPath.push_back(u'/');
+    }
+    mFullPath.append(rest);
 }
 
 void RelativeURI::FixPathForDrives() {}

@@ -60,7 +60,8 @@ public:
         kFromCurrent = 2
     };
 
-    /// Uses a new growable memory block, opened with `mode`. Never fails and gives no status.
+    /// Uses a new growable memory block, opened with `mode`. Never fails and gives no status: where there is
+    /// no memory for it, `Write` and `SetSize` answer 27.
     virtual void InitHandleBased(int mode) = 0;
 
     /// Uses `size` bytes at `data`, borrowed: they must outlive the provider. Read-only.

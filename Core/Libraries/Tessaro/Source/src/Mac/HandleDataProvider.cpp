@@ -62,7 +62,8 @@ OperationId HandleDataProvider::Write(void const* data, std::size_t count)
     }
     // A count beyond what a block can hold is refused by SetSize like any other size.
     int64 const end = static_cast<int64>(mPosition + std::min<std::size_t>(count, 1ULL << 62));
-    if (end > mCapacity)
+    // A block whose first memory was refused has a capacity, and no room.
+    if (end > mCapacity || !mHandle)
     {
         // Growing the block must not make the data longer.
         uint32 const size = mSize;

@@ -8,7 +8,7 @@ namespace KORVA::IO
 {
 /// Grows by what a write needs and a further 512 KiB, so that small writes resize rarely; shrinks by
 /// `SetSize` only. Positions are bounded by what is allocated, not by the size; bytes that nobody wrote are
-/// zero.
+/// zero. Where the first 512 KiB are refused, writes and resizes answer 27, and what needs no memory works.
 class HandleDataProvider final : public DataProviderImpl
 {
 public:

@@ -297,5 +297,39 @@ TEST_F(FileProxyFakeTest, FilePointerIsBoundAndHandedOver)
     EXPECT_EQ(script.calls, (Calls{"1 bind /a", "2 bind /a"}));
     EXPECT_EQ(script.alive, 1);
 }
+/// A host's own registry, which hands file objects out with a code that is not 0.
+class OddRegistry final : public TObject<COREREGISTRY::ICoreRegistry>
+{
+public:
+    explicit OddRegistry(TESTS::FileScript& script) : mScript(script) {}
+
+    ErrCode CreateInstance(GUID const& classId, IObject** out) override
+    {
+        bool const makes = classId == FILE_SYS::IID_IFILE;
+        *out = makes ? new TESTS::FakeFile(mScript) : nullptr;
+        return makes ? 7 : -1004;
+    }
+    int RegisterFactory(IClassFactory*) override { return 0; }
+    int UnregisterFactory(IClassFactory*) override { return 0; }
+
+private:
+    TESTS::FileScript& mScript;
+};
+
+TEST_F(FileProxyFakeTest, ObjectThatComesCountsWhateverCodeComesWithIt)
+{
+    auto const proxy = Proxy();
+    TInterfacePtr<COREREGISTRY::ICoreRegistry> odd;
+    odd.Adopt(new OddRegistry(script));
+    COREREGISTRY::InstallCoreRegistry(odd.Get());
+    EXPECT_TRUE(proxy->Exists());
+    EXPECT_EQ(proxy->Create(), 0);
+    EXPECT_EQ(proxy->Delete(), 0);
+    uint64 size = 0;
+    script.value = 5;
+    EXPECT_EQ(proxy->GetSize(size), 0);
+    EXPECT_EQ(size, 5u);
+    COREREGISTRY::InstallCoreRegistry(nullptr);
+}
 } // namespace
 } // namespace KORVA

@@ -110,5 +110,15 @@ TEST_F(ResolvePathObjectTest, LongPath)
     EXPECT_EQ(Below(kDocuments, path + up + "f")->GetPath().ToUTF8(), "/Users/u/Documents/f");
     EXPECT_EQ(Below(kDocuments, up + "f")->GetPath().ToUTF8(), "/f");
 }
+
+// Each component is moved once. With a copy of the whole path for each this would not end in time.
+TEST_F(ResolvePathObjectTest, PathOfVeryManyComponents)
+{
+    constexpr int kComponents = 500'000;
+    std::string path;
+    for (int i = 0; i < kComponents; ++i)
+        path += "a/";
+    EXPECT_TRUE(Below(kDocuments, path + "b")->GetPath().ToUTF8() == "/Users/u/Documents/" + path + "b");
+}
 } // namespace
 } // namespace KORVA

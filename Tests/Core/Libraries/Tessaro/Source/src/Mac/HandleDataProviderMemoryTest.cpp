@@ -310,6 +310,34 @@ TEST_F(HandleMemory, OldCapacityIsNamedAsAnUnsignedNumber)
     EXPECT_EQ(provider->Size(), kThreeGiB);
 }
 
+TEST_F(HandleMemory, BlockWithoutMemoryRefusesToGrow)
+{
+    auto const provider = COREREGISTRY::CreateObject<IDataProvider>(IO::IID_IDATAPROVIDER);
+    {
+        TESTS::AddressSpaceLimit const limit(0);
+        provider->InitHandleBased(IO::kStreamReadWrite);
+    }
+    Logged const refused{
+        kSource, kSetSize, 161,
+        "Too low memory. SetHandleSize failed with error code: -108 and requested handle size: "
+        "524288"};
+    EXPECT_EQ(provider->Write("abc", 3), 27);
+    EXPECT_THAT(log.Take(), ::testing::ElementsAre(refused));
+    EXPECT_EQ(provider->SetSize(10), 27);
+    EXPECT_THAT(log.Take(), ::testing::ElementsAre(refused));
+    EXPECT_EQ(provider->Write("", 0), 0);
+    EXPECT_EQ(provider->Size(), 0);
+    ExpectCapacity(*provider, 524288);
+    char buffer[4];
+    int32 count = 4;
+    EXPECT_EQ(provider->Read(buffer, count), 28);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(provider->SetPosition(7, IDataProvider::kFromStart), 0);
+    EXPECT_EQ(provider->Write("abc", 3), 27);
+    EXPECT_THAT(log.Take(), ::testing::ElementsAre(refused));
+    EXPECT_EQ(provider->GetPosition(), 7);
+}
+
 TEST_F(HandleMemory, GapReadsAsZero)
 {
     auto const provider = MakeMemory(Bytes{1, 2, 3});

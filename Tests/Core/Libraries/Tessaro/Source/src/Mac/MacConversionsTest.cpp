@@ -111,18 +111,25 @@ TEST_F(CFURLToIURITest, LeavesTheURLToTheCaller)
 
 TEST_F(CFURLToIURITest, WithoutAFilePathLogsAndLeavesNothing)
 {
-    for (char16_t const* const text : {u"http://host", u"mailto:ada@host"})
-    {
-        OwnedURL const url(CFURLCreateWithString(text));
-        ASSERT_TRUE(url.Get());
-        auto fake = MakeFake(u"/old");
-        IURIPtr uri;
-        uri.Adopt(fake.Detach());
-        EXPECT_EQ(CFURLToIURI(url.Get(), uri), 14);
-        EXPECT_FALSE(uri);
-        EXPECT_EQ(TakeEvents(), Events{"died"});
-        EXPECT_EQ(log.Take(), std::vector<Logged>{kNoPath});
-    }
+    OwnedURL const url(CFURLCreateWithString(u"mailto:ada@host"));
+    ASSERT_TRUE(url.Get());
+    auto fake = MakeFake(u"/old");
+    IURIPtr uri;
+    uri.Adopt(fake.Detach());
+    EXPECT_EQ(CFURLToIURI(url.Get(), uri), 14);
+    EXPECT_FALSE(uri);
+    EXPECT_EQ(TakeEvents(), Events{"died"});
+    EXPECT_EQ(log.Take(), std::vector<Logged>{kNoPath});
+}
+
+TEST_F(CFURLToIURITest, HostAloneHasAnEmptyPath)
+{
+    OwnedURL const url(CFURLCreateWithString(u"http://host"));
+    ASSERT_TRUE(url.Get());
+    IURIPtr uri;
+    EXPECT_EQ(CFURLToIURI(url.Get(), uri), 0);
+    ASSERT_TRUE(uri);
+    EXPECT_EQ(uri->GetPath().ToUTF8(), "");
 }
 
 TEST_F(CFURLToIURITest, DropsWhatWasHeldBeforeItCreates)
