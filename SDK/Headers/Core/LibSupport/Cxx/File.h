@@ -95,7 +95,7 @@ public:
 
     /// Opens the existing file to be read and written in place; nobody else can open it so meanwhile.
     /// `kLocked`; else as `Read`. A crash leaves some of what is written, and a device that is full takes
-    /// only some of it, though each write was a success: ask `DataProvider::Flush`. `Save` writes objects safely.
+    /// only some of it, though each write was a success: ask `Stream::Close`. `Save` writes objects safely.
     Result<Stream> Write() const { return Open(&IO::IURIFile::Write, Stream::Access::kReadWrite, "write"); }
 
     /// Makes an empty file where there is none. `kCreateFailed`, `kBadArgument`.
@@ -168,7 +168,7 @@ private:
             return DETAIL::OpeningFailed(code, *path, writes, std::move(operation), Subject());
         if (code != kNoError || !stream)
             return Failed(code == kNoError ? IO::kNoObject : code, std::move(operation));
-        return Stream(std::move(stream), access);
+        return writes ? Stream(std::move(stream), Subject()) : Stream(std::move(stream), access);
     }
 };
 } // namespace KORVA::CXX
