@@ -6,6 +6,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -21,7 +22,8 @@ using Clock = std::chrono::steady_clock;
 
 /// Short against the time that a save takes: who lets go and comes back at once must not always be first.
 constexpr std::chrono::microseconds kPause{250};
-constexpr int kMostWaits = 10;
+/// Whoever saves waits for the disk, which may take long, and then lets go; a writer may stay for hours.
+constexpr int kMostWaits = 30;
 constexpr int kMostLinks = 40;
 constexpr int kAnyOpening = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
@@ -75,7 +77,6 @@ public:
     /// The system's number of why there is nothing to lock, or 0.
     int Error() const { return mError; }
     bool IsDirectory() const { return mIsDirectory; }
-    bool IsSame(Lockable const& other) const { return IsSameFile(mStatus, other.mStatus); }
 
     /// Whether the name still leads here.
     bool IsCurrent(std::string const& name) const
@@ -88,6 +89,15 @@ public:
 
     /// 0, or the system's number.
     int TryLock() { return flock(mDescriptor.Get(), LOCK_EX | LOCK_NB) == 0 ? 0 : errno; }
+
+    /// Whether it is somebody with a lock to share who keeps us away: one that has opened the file to write.
+    bool IsShared()
+    {
+        bool const isShared = flock(mDescriptor.Get(), LOCK_SH | LOCK_NB) == 0;
+        if (isShared)
+            flock(mDescriptor.Get(), LOCK_UN);
+        return isShared;
+    }
 
     Descriptor Take() { return std::move(mDescriptor); }
 
@@ -114,8 +124,8 @@ ErrCode FileAccess::Lock(STRING::CoreString const& path, uint32 waitMilliseconds
         return Failed(ENOENT);
     mSystemError = 0;
     std::chrono::milliseconds const wait(waitMilliseconds);
-    Clock::time_point const start = Clock::now();
-    Clock::time_point end = start + wait;
+    Clock::time_point const end = Clock::now() + kMostWaits * wait;
+    Clock::time_point writerEnd = Clock::now() + wait;
     for (Lockable target(name);;)
     {
         if (target.Error() != 0)
@@ -135,17 +145,14 @@ ErrCode FileAccess::Lock(STRING::CoreString const& path, uint32 waitMilliseconds
             mLocked = target.Take();
             return kDone;
         }
-        if (Clock::now() >= std::min(end, start + kMostWaits * wait))
+        if (!isCurrent || !target.IsShared())
+            writerEnd = Clock::now() + wait;
+        if (Clock::now() >= std::min(end, writerEnd))
             return kLockedByOthers;
         if (isCurrent)
-        {
             std::this_thread::sleep_for(kPause);
-            continue;
-        }
-        Lockable next(name);
-        if (next.Error() == 0 && !next.IsSame(target))
-            end = Clock::now() + wait;
-        target = std::move(next);
+        else
+            target = Lockable(name);
     }
 }
 

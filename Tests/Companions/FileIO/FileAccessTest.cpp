@@ -105,12 +105,28 @@ TEST_F(FileAccessTest, OthersLocksAreRespected)
     EXPECT_EQ(TryLock(mine, "a"), 0) << "the system takes back what a killed process held";
 }
 
+TEST_F(FileAccessTest, WhoeverSavesIsWaitedForLongerThanAWriter)
+{
+    directory.File("a", "text");
+    ASSERT_EQ(TryLock(mine, "a"), 0);
+    // Each try is refused twice, and there is a pause of a quarter of a millisecond behind it.
+    constexpr int kBeyondAWriter = 2 * 4 * 1000 + 2;
+    sRefused = 0;
+    std::atomic<int> result{-1};
+    std::thread waiting([this, &result] { result = other->Lock(Text(Path("a")), 1000); });
+    while (sRefused < kBeyondAWriter && result == -1)
+        std::this_thread::yield();
+    mine->Unlock();
+    waiting.join();
+    EXPECT_EQ(result, 0);
+}
+
 TEST_F(FileAccessTest, WhoWaitedHoldsTheFileThatHasTheName)
 {
     directory.File("a", "old");
     ASSERT_EQ(TryLock(mine, "a"), 0);
     sRefused = 0;
-    int result = -1;
+    std::atomic<int> result{-1};
     std::thread waiting([this, &result] { result = other->Lock(Text(Path("a")), kLong); });
     while (sRefused == 0 && result == -1)
         std::this_thread::yield();

@@ -7,6 +7,7 @@
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
 
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
 
@@ -33,12 +34,17 @@ protected:
 
     static void CountOn(Dictionary& dictionary) { dictionary.Set(1, dictionary.Get<int>(1).value() + 1); }
 
-    /// Has several processes do the same at once; how many did it with success.
-    static int InProcesses(std::function<bool()> const& body)
+    /// Has several processes do the same at once; how many did it with success. The others say why not.
+    static int InProcesses(std::function<CXX::Result<void>()> const& body)
     {
         std::vector<std::unique_ptr<ChildProcess>> children;
         for (int i = 0; i < kProcesses; ++i)
-            children.push_back(std::make_unique<ChildProcess>([&body] { return body() ? 0 : 1; }));
+            children.push_back(std::make_unique<ChildProcess>([&body] {
+                auto const done = body();
+                if (!done)
+                    std::fprintf(stderr, "%s\n", done.error().Message().c_str());
+                return done ? 0 : 1;
+            }));
         int good = 0;
         for (auto const& child : children)
             good += child->Wait() == 0;
@@ -55,10 +61,10 @@ TEST_F(CxxUpdate, NoAppendIsLost)
 {
     constexpr int kEach = 50;
     EXPECT_EQ(InProcesses([this] {
-                  for (int i = 0; i < kEach; ++i)
-                      if (!CXX::Append(path, Counting(i)))
-                          return false;
-                  return true;
+                  CXX::Result<void> done;
+                  for (int i = 0; i < kEach && done; ++i)
+                      done = CXX::Append(path, Counting(i));
+                  return done;
               }),
               kProcesses);
     EXPECT_EQ(CXX::LoadAll(path)->objects.size(), std::size_t{kProcesses * kEach});
@@ -69,10 +75,10 @@ TEST_F(CxxUpdate, NoChangeIsLost)
     constexpr int kEach = 200;
     ASSERT_TRUE(CXX::Save(path, Counting(0)));
     EXPECT_EQ(InProcesses([this] {
-                  for (int i = 0; i < kEach; ++i)
-                      if (!Update<Dictionary>(path, CountOn))
-                          return false;
-                  return true;
+                  CXX::Result<void> done;
+                  for (int i = 0; i < kEach && done; ++i)
+                      done = Update<Dictionary>(path, CountOn);
+                  return done;
               }),
               kProcesses);
     EXPECT_EQ(Number(), kProcesses * kEach);
@@ -83,17 +89,17 @@ TEST_F(CxxUpdate, ASaveThatExpectsWhatWasLoadedLosesNothing)
     constexpr int kEach = 50;
     ASSERT_TRUE(CXX::Save(path, Counting(0)));
     EXPECT_EQ(InProcesses([this] {
-                  for (int done = 0; done < kEach;)
+                  CXX::Result<void> saved;
+                  for (int done = 0; done < kEach; done += saved ? 1 : 0)
                   {
                       CXX::FileState state;
                       Dictionary counts = CXX::Load<Dictionary>(path, {.state = &state}).value();
                       CountOn(counts);
-                      auto const saved = CXX::Save(path, counts, {.state = &state});
+                      saved = CXX::Save(path, counts, {.state = &state});
                       if (!saved && saved.error().Code() != 2019)
-                          return false;
-                      done += saved ? 1 : 0;
+                          break;
                   }
-                  return true;
+                  return saved;
               }),
               kProcesses);
     EXPECT_EQ(Number(), kProcesses * kEach);
@@ -104,7 +110,7 @@ TEST_F(CxxUpdate, OfANewFileOneWins)
     EXPECT_EQ(InProcesses([this] {
                   CXX::FileState none;
                   auto const saved = CXX::Save(path, Counting(0), {.state = &none});
-                  return saved || (saved.error().Code() == 2019 && Update<Dictionary>(path, CountOn));
+                  return saved.error().Code() == 2019 ? Update<Dictionary>(path, CountOn) : saved;
               }),
               kProcesses);
     EXPECT_EQ(Number(), kProcesses - 1);
@@ -125,7 +131,9 @@ TEST_F(CxxUpdate, KeepsOthersAwayWhileItChanges)
     ASSERT_TRUE(CXX::Save(path, Counting(5)));
     EXPECT_TRUE(Update<Dictionary>(path, [this](Dictionary& counts) {
         EXPECT_EQ(CXX::File::At(path)->Write().error().Code(), 40);
-        EXPECT_EQ(CXX::Save(path, counts).error().Code(), 40);
+        auto const others = CXX::DETAIL::CreateComponent<FILE_SYS::IFileAccess>(FILE_SYS::IID_IFILE_ACCESS);
+        STRING::CoreString const name(std::string_view(path.native()));
+        EXPECT_EQ(others->Lock(name, 0), FILE_SYS::kLockedByOthers);
         CountOn(counts);
     }));
     EXPECT_EQ(Number(), 6);

@@ -56,7 +56,7 @@ public:
         kAlways
     };
 
-    /// Waits a second for whoever holds the lock. Errors as of `Save`.
+    /// Waits a second for a writer, and thirty for others that save. Errors as of `Save`.
     static Result<LockedFile> Lock(std::filesystem::path const& path, Need need, Task const& task)
     {
         constexpr uint32 kWaitMilliseconds = 1000;

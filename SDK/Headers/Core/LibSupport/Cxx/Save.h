@@ -91,10 +91,11 @@ Result<std::vector<std::byte>> ToBytes(Handle<I> const& object, SaveOptions cons
 ///
 /// With the old file left: `kNotPersistent`; `kNotSerialized` when the object's writing threw or that of
 /// anything in it, or objects are nested more than 1,000 deep, in a circle for one; `kTooLarge`; `kNotAFile`;
-/// `kLocked` when somebody holds the lock of the file for more than a second, as `File::Write` and the change
-/// of an `Update` do, also in another process; `kChanged` when the file is not in the state that the options
-/// tell; `kNotPermitted`, also for a file that may not be written; `kBadText` for a path that is not UTF-8;
-/// `kFileNotFound` (no such directory); `kNoSpace`; `kDeviceFailed`; `kOutOfResources`; `kFileSystemFailed`.
+/// `kLocked` when somebody, also in another process, has it open by `File::Write` for more than a second, or
+/// saves or updates it for more than half a minute; `kChanged` when the file is not in the state that the
+/// options tell; `kNotPermitted`, also for a file that may not be written; `kBadText` for a path that is not
+/// UTF-8; `kFileNotFound` (no such directory); `kNoSpace`; `kDeviceFailed`; `kOutOfResources`;
+/// `kFileSystemFailed`.
 ///
 /// With the new file in its place: a success, and `kNotFlushed`, when its name could not be confirmed to be
 /// on the disk. Every program sees the new file then; after a power cut it may be the old one.

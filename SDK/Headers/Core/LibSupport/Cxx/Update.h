@@ -70,7 +70,7 @@ Result<void> UpdateFile(std::filesystem::path const& path, Change&& change, Load
 /// can't be locked. A file that is not there is `kFileNotFound`; save a first one with a `FileState` that
 /// nobody set, and whoever comes second is told.
 ///
-/// `change` is called once, on this thread, and should be short: others wait for a second, then they get
+/// `change` is called once, on this thread, and should be short: others wait for half a minute, then they get
 /// `kLocked`. So does `change` itself when it saves to the same file.
 template <HandleType T, ChangeOf<T> Change>
 Result<void> Update(std::filesystem::path const& path, Change&& change, LoadOptions const& options = {})

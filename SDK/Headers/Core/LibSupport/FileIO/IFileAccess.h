@@ -33,9 +33,10 @@ public:
     /// instead, until there is one. Hold the lock from before the file is read until it has been replaced,
     /// and nothing that another holder wrote is lost.
     ///
-    /// Waits up to `waitMilliseconds` for one holder. Each new file under that name begins this wait again,
-    /// ten times in all. 0; 93 somebody held it all that time; 94; 15 the directory is not there; 21 the file
-    /// may not be written; another status. No lock is held after a failure.
+    /// Waits up to `waitMilliseconds` for who has opened the file with a lock, and thirty times as long for
+    /// others that hold a lock of this kind: they save, and may have to wait for the disk. 0; 93 it is still
+    /// held; 94; 15 the directory is not there; 21 the file may not be written; another status. No lock is
+    /// held after a failure.
     virtual ErrCode Lock(STRING::CoreString const& path, uint32 waitMilliseconds) = 0;
 
     /// Lets go of the lock, if there is one. A process forked meanwhile shares the lock: what the first of
