@@ -265,5 +265,24 @@ TEST_F(CxxSystemErrors, NoMemoryIsNoDamage)
         "cannot load " + CXX::Quoted(path.string()) +
             ": memory, descriptors or other resources have run out (kOutOfResources): not enough memory");
 }
+
+TEST_F(CxxSystemErrors, ARecordWithoutMemoryIsNoDamagedOne)
+{
+    COREREGISTRY::RegisterNewFactory<NoteFactory>(Registry());
+    Dictionary around = Sample();
+    ASSERT_TRUE(around.Set(2, MakeNote(5, Fault::kFindsNoMemoryInRead)));
+    ASSERT_TRUE(CXX::SaveAll(path, std::vector{Sample(), around, Sample()}));
+    auto const all = CXX::LoadAll(path).value();
+    EXPECT_EQ(all.objects.size(), 1u);
+    ASSERT_TRUE(all.stopped);
+    EXPECT_EQ(all.stopped->Message(), "cannot load the record at 84 of " + CXX::Quoted(path.string()) +
+                                          ": memory, descriptors or other resources have run out "
+                                          "(kOutOfResources): not enough memory");
+    ASSERT_TRUE(CXX::Save(path, around));
+    for (bool const keepDamaged : {false, true})
+        EXPECT_EQ(Load<Dictionary>(path, {.keepDamaged = keepDamaged}).error().Code(), 2017);
+    EXPECT_EQ(CXX::Update<Dictionary>(path, [](Dictionary&) {}, {.keepDamaged = true}).error().Code(), 2017);
+    log.Take();
+}
 } // namespace
 } // namespace KORVA::TESTS

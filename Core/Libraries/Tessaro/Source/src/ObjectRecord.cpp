@@ -7,6 +7,7 @@
 #include "TessIO/IPersistentData.h"
 #include "TessIO/ResultCodes.h"
 
+#include <new>
 #include <stdexcept>
 
 namespace KORVA::IO
@@ -223,6 +224,11 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
                 static_cast<IPersistentData*>(found)->Read(self);
                 ReadAggregates(self, *mProvider, *object);
                 complete = true;
+            }
+            catch (std::bad_alloc const&)
+            {
+                mHasRunOutOfMemory = true;
+                Log(kSiteReadThrew, L"Object thrown expection during read.");
             }
             catch (...)
             {

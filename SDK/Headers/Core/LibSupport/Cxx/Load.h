@@ -107,7 +107,7 @@ struct Loaded
     /// `kDamaged`.
     std::vector<Error> skipped;
     /// Why reading ended before the file did, if so: `kTruncated`, `kNotARecord`, or `kDamaged` for a length
-    /// that can't be; `kDeviceFailed` and what else the system says.
+    /// that can't be; `kDeviceFailed`, `kOutOfResources` and what else the system says.
     std::optional<Error> stopped;
     /// In which the file is.
     ByteOrder order = ByteOrder::kNative;
@@ -128,7 +128,8 @@ Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& op
             Result<T> object = ReadRecord<T>(*data, size, one, options.keepDamaged);
             if (object)
                 loaded.objects.push_back(*std::move(object));
-            else if (data.Position() > before && SystemErrorOf(*data) == 0)
+            else if (data.Position() > before && SystemErrorOf(*data) == 0 &&
+                     object.error().Code() != kOutOfResources)
                 loaded.skipped.push_back(object.error());
             else
             {

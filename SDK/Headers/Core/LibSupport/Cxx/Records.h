@@ -8,6 +8,7 @@
 #include "Cxx/WatchedWriting.h"
 #include "ObjectModel/GUIDText.h"
 #include "TessIO/IDataProviderStream.h"
+#include "TessIO/IDataProviderStreamStatus.h"
 #include "TessIO/IPersistentData.h"
 
 #include <limits>
@@ -189,6 +190,9 @@ Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task con
         return stream.error();
     TInterfacePtr<IObject> object;
     **stream >> object.Out();
+    auto const* const status = dynamic_cast<IO::IDataProviderStreamStatus const*>(stream->Get());
+    if (status && status->HasRunOutOfMemory())
+        return skip(kOutOfResources, "not enough memory");
     if (!object || (!keepDamaged && (watched->HasShortRead() || watched->HasMoved())))
         return skip(kDamaged, {});
     return As<T>(Object(std::move(object)));
