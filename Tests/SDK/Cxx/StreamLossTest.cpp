@@ -1,6 +1,8 @@
 // Bytes that a file took, held back and could not deliver: who asks is told, and a log where nobody asks.
 #include "Cxx/File.h"
 
+#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Posix/ResourceLimit.h"
 #include "SDK/Cxx/StandIns.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
@@ -8,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <memory>
+#include <vector>
 
 namespace KORVA::TESTS
 {
@@ -173,6 +176,52 @@ TEST_F(CxxStreamLoss, OfMemoryThereIsNone)
     stream << 7;
     EXPECT_TRUE(stream.Flush());
     EXPECT_TRUE(stream.Close());
+}
+
+TEST_F(CxxStreamLoss, OnARealFullDevice)
+{
+    replacing.reset();
+    path = "/dev/full";
+    if (!std::filesystem::exists(path))
+        GTEST_SKIP() << "this system has no device that is always full";
+    {
+        Stream stream = Writer();
+        stream << 7;
+        EXPECT_TRUE(stream.Status());
+        EXPECT_EQ(stream.Close().error().Message(),
+                  "cannot flush \"/dev/full\": no space left (kNoSpace): 4 bytes are lost: "
+                  "No space left on device");
+    }
+    EXPECT_EQ(log.Take(), kNothing);
+    {
+        Stream stream = Writer();
+        stream << 7 << 8;
+    }
+    EXPECT_EQ(log.Take(), std::vector{Lost("/dev/full", 8)});
+}
+
+TEST_F(CxxStreamLoss, AtARealLimitOfSize)
+{
+    replacing.reset();
+    ChildProcess child([this] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        ResourceLimit const limit(RLIMIT_FSIZE, 50'000);
+        Stream stream = Writer();
+        for (int i = 0; i < 50'000; ++i)
+            stream << 7;
+        return stream.Close().error().Code() == CXX::kNoSpace ? 0 : 1;
+    });
+    EXPECT_EQ(child.Wait(), 0);
+    EXPECT_EQ(std::filesystem::file_size(path), 50'000u);
+}
+
+TEST_F(CxxStreamLoss, WhatIsFlushedIsSeenByAll)
+{
+    replacing.reset();
+    Stream stream = Writer();
+    ASSERT_TRUE(stream.Write(std::as_bytes(std::span("XY", 2))));
+    ASSERT_TRUE(stream.Flush());
+    EXPECT_EQ(Content(path), "XYxt");
 }
 
 /// Of another maker: it tells nothing, and its own `Flush` is believed.
