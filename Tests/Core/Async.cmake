@@ -15,8 +15,4 @@ tessio_add_tests(async_tests
     ${mac}/MFileDataProviderAsyncTest.cpp)
 # For the headers beside the sources that they serve.
 target_include_directories(async_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/Libraries/Tessaro/Source/src)
-if(TESSIO_SANITIZE)
-    target_compile_definitions(async_tests PRIVATE TESSIO_TEST_SANITIZED=true)
-else()
-    target_compile_definitions(async_tests PRIVATE TESSIO_TEST_SANITIZED=false)
-endif()
+tessio_tell_whether_sanitized(async_tests)

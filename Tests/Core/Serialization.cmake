@@ -6,6 +6,7 @@ tessio_add_tests(serialization_tests
     Libraries/Tessaro/Source/src/DictValueTest.cpp
     Libraries/Tessaro/Source/src/DictionarySubSetTest.cpp
     Libraries/Tessaro/Source/src/FreedMemory.cpp
+    Libraries/Tessaro/Source/src/HostileFilesTest.cpp
     Libraries/Tessaro/Source/src/ObjectRecordAggregatesTest.cpp
     Libraries/Tessaro/Source/src/ObjectRecordFailuresTest.cpp
     Libraries/Tessaro/Source/src/ObjectRecordNestingTest.cpp
@@ -16,3 +17,4 @@ tessio_add_tests(serialization_tests
     Libraries/Tessaro/Source/src/PersistentDictionaryRecordTest.cpp
     Libraries/Tessaro/Source/src/PersistentDictionaryTest.cpp
     Libraries/Tessaro/Source/src/StringDictionaryTest.cpp)
+tessio_tell_whether_sanitized(serialization_tests)

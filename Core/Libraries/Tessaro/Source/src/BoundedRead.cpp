@@ -1,5 +1,7 @@
 #include "BoundedRead.h"
 
+#include "ReadingEffort.h"
+
 #include <algorithm>
 
 namespace KORVA::IO
@@ -15,12 +17,15 @@ int32 ReadAt(IDataProvider& provider, GrowingBuffer& buffer, int32 done, int32 c
         buffer.Grow(static_cast<std::size_t>(done) + static_cast<std::size_t>(count));
     int32 delivered = count;
     static_cast<void>(provider.Read(address + done, delivered));
-    return std::clamp(delivered, 0, count);
+    delivered = std::clamp(delivered, 0, count);
+    ReadingEffort::CountBytes(provider, delivered);
+    return delivered;
 }
 } // namespace
 
 int32 ReadBounded(IDataProvider& provider, int32 length, GrowingBuffer& buffer)
 {
+    ReadingEffort::ExpectBytes(provider, length);
     if (length <= kStep || provider.Size() - provider.GetPosition() >= length)
         return ReadAt(provider, buffer, 0, length);
     int32 done = 0;

@@ -5,27 +5,34 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace KORVA::IO
 {
 namespace
 {
-/// A string's units, addressed as the bytes that a provider delivers.
+/// A string's units, addressed as the bytes that a provider delivers. Room for a false length is not touched
+/// and so costs no memory.
 class UnitBuffer final : public GrowingBuffer
 {
 public:
     unsigned char* Grow(std::size_t size) override
     {
         // An odd count has a last byte that belongs to no unit; the buffer must hold it all the same.
-        mUnits.resize((size + 1) / 2);
-        return reinterpret_cast<unsigned char*>(mUnits.data());
+        std::size_t const units = (size + 1) / 2;
+        auto grown = std::make_unique_for_overwrite<UniChar[]>(units);
+        std::copy_n(mUnits.get(), mCount, grown.get());
+        mUnits = std::move(grown);
+        mCount = units;
+        return reinterpret_cast<unsigned char*>(mUnits.get());
     }
 
     UniChar operator[](std::size_t index) const { return mUnits[index]; }
 
 private:
-    std::vector<UniChar> mUnits;
+    std::unique_ptr<UniChar[]> mUnits;
+    std::size_t mCount = 0;
 };
 
 UniChar SwapBytes(UniChar unit) { return static_cast<UniChar>((unit << 8) | (unit >> 8)); }

@@ -53,13 +53,22 @@ public:
         if (!block)
             throw std::bad_alloc();
         mBlock = block;
+        mSize = size;
         return static_cast<unsigned char*>(mBlock);
     }
 
-    void* Detach() { return std::exchange(mBlock, nullptr); }
+    /// Gives the block away, cut to `used` bytes where that gives much back.
+    void* Detach(std::size_t used)
+    {
+        constexpr std::size_t kMuch = 4096;
+        if (mSize - used >= kMuch)
+            Grow(used);
+        return std::exchange(mBlock, nullptr);
+    }
 
 private:
     void* mBlock = nullptr;
+    std::size_t mSize = 0;
 };
 } // namespace
 
@@ -140,8 +149,10 @@ IDataProviderStream& DictValue::Write(IDataProviderStream& stream) const
         stream << mBufferLength;
     // Straight to the provider: buffers, and identifiers here, keep the order they have in memory.
     TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
-    if ((hasLength || mTag == ValueTag::kGUID) && provider && mBufferLength > 0)
-        static_cast<void>(provider->Write(mBuffer, static_cast<std::size_t>(mBufferLength)));
+    // An identifier is whole, also one that was read from a cut file: what was missing is zero.
+    auto const size = mTag == ValueTag::kGUID ? sizeof(GUID) : static_cast<std::size_t>(mBufferLength);
+    if ((hasLength || mTag == ValueTag::kGUID) && provider && size > 0)
+        static_cast<void>(provider->Write(mBuffer, size));
     return stream;
 }
 
@@ -171,11 +182,12 @@ IDataProviderStream& DictValue::Read(IDataProviderStream& stream)
 void DictValue::ReadBuffer(IDataProviderStream& stream, int length)
 {
     CAllocatedBuffer buffer;
+    // An identifier has all its bytes, whatever comes.
+    std::size_t const least = mTag == ValueTag::kGUID ? sizeof(GUID) : 0;
+    std::memset(buffer.Grow(least), 0, least);
     TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
     if (length > 0 && provider)
         mBufferLength = ReadBounded(*provider, length, buffer);
-    else
-        buffer.Grow(0);
-    mBuffer = buffer.Detach();
+    mBuffer = buffer.Detach(std::max(least, static_cast<std::size_t>(mBufferLength)));
 }
 } // namespace KORVA::IO

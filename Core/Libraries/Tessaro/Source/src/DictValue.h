@@ -73,8 +73,9 @@ private:
     ValueTag mTag;
     uint64 mInteger = 0;
     double mFloating = 0;
-    /// From the C allocator; null for numbers.
+    /// From the C allocator; null for numbers. At least 16 bytes for an identifier.
     void* mBuffer = nullptr;
+    /// As many bytes as were given, or came.
     int32 mBufferLength = 0;
 };
 } // namespace KORVA::IO

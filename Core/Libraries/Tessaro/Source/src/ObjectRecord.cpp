@@ -3,6 +3,7 @@
 
 #include "CoreRegistry/CoreRegistry.h"
 #include "Logger/LogSite.h"
+#include "ReadingEffort.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/IPersistentData.h"
 #include "TessIO/ResultCodes.h"
@@ -20,6 +21,7 @@ constexpr char kReading[] =
 constexpr char kWriting[] = "virtual KORVA::IO::DataProviderStream "
                             "&KORVA::IO::DataProviderStream::operator<<(const KORVA::IObject &)";
 
+constexpr LogSite kSiteNoMore{kSource, kReading, 0};
 constexpr LogSite kSiteSuspectLength{kSource, kReading, 300};
 constexpr LogSite kSiteReadThrew{kSource, kReading, 341};
 constexpr LogSite kSitePreposterous{kSource, kReading, 354};
@@ -55,51 +57,19 @@ private:
 
 thread_local int Nesting::sDepth = 0;
 
-/// Counts the records that are read within one outermost record of a provider. A body that reads too much is
-/// set back, so bodies with false counts, nested in each other, would have the same bytes read without end. A
-/// record beyond what the bytes passed so far could hold several times over counts as a body that threw.
-class ReadingEffort
+/// Logs what is wrong with a record, as far as that is worth it.
+template <class... Parts>
+void LogAbout(ReadingEffort::Record const& record, LogSite const& site, Parts const&... parts)
 {
-public:
-    explicit ReadingEffort(IDataProvider const& provider) : mIsOutermost(sCurrent.provider != &provider)
-    {
-        // Bodies may read from other providers meanwhile; those have counts of their own.
-        if (mIsOutermost)
-        {
-            mAround = sCurrent;
-            sCurrent = {&provider, provider.GetPosition(), 0};
-        }
-        ++sCurrent.records;
-        int64 const passed = provider.GetPosition() - sCurrent.start;
-        if (sCurrent.records > kFreeRecords + kTimesOver * passed / kRecordHeader)
-            throw std::length_error("the same bytes read over and over");
-    }
-    ReadingEffort(ReadingEffort const&) = delete;
-    ReadingEffort& operator=(ReadingEffort const&) = delete;
-    ~ReadingEffort()
-    {
-        if (mIsOutermost)
-            sCurrent = mAround;
-    }
-
-private:
-    struct Count
-    {
-        IDataProvider const* provider;
-        int64 start;
-        int64 records;
-    };
-
-    static constexpr int64 kFreeRecords = 4096;
-    static constexpr int64 kTimesOver = 4;
-    static constexpr int64 kRecordHeader = 24;
-    static thread_local Count sCurrent;
-
-    bool const mIsOutermost;
-    Count mAround{};
-};
-
-thread_local ReadingEffort::Count ReadingEffort::sCurrent{};
+    ReadingEffort::Worth const worth = record.CountMessage();
+    if (worth == ReadingEffort::Worth::kSilence)
+        return;
+    Log(site, parts...);
+    if (worth == ReadingEffort::Worth::kLastMessage)
+        Log(kSiteNoMore,
+            L"Too many records are read from behind the end of another one. Further messages about "
+            L"such records are left out.");
+}
 
 /// Overwrites a number laid down at `at` and comes back.
 template <class Number>
@@ -140,13 +110,16 @@ void ReadAggregates(IDataProviderStream& stream, IDataProvider& provider, IObjec
     for (int i = 0; i < count; ++i)
     {
         int64 const before = provider.GetPosition();
+        ReadingEffort::Reach(provider, before);
         GUID iid{};
         TInterfacePtr<IObject> aggregate;
-        stream >> iid >> aggregate.Out();
+        stream >> iid;
+        ReadingEffort::CountBytes(provider, sizeof iid);
+        stream >> aggregate.Out();
         if (aggregate && !IsPersistenceId(iid))
             object.Aggregate(aggregate.Get(), iid);
         // Nothing was there to read, so nothing more will come, whatever a damaged count says.
-        if (provider.GetPosition() == before)
+        if (provider.GetPosition() == before || ReadingEffort::EndsHere(provider))
             break;
     }
 }
@@ -196,17 +169,21 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
     if (!mProvider)
         return *this;
     IDataProviderStream& self = *this;
+    ReadingEffort::Record record(*mProvider);
     GUID classId{};
     int64 length = 0;
     self >> classId >> length;
     *result = nullptr;
     if (static_cast<uint64>(length) >= kLengthLimit)
     {
-        Log(kSiteSuspectLength, L"serializedLength of this object (", length,
-            L" bytes) looks suspect. Bailing.");
+        record.HasNoLength();
+        LogAbout(record, kSiteSuspectLength, L"serializedLength of this object (", length,
+                 L" bytes) looks suspect. Bailing.");
         return *this;
     }
-    int64 const end = mProvider->GetPosition() + length;
+    int64 const start = mProvider->GetPosition();
+    int64 const end = start + length;
+    record.HasHeader(start, end);
 
     auto object = COREREGISTRY::CreateObject<IObject>(classId);
     IObject* found = nullptr;
@@ -220,7 +197,7 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
             try
             {
                 Nesting const nesting;
-                ReadingEffort const effort(*mProvider);
+                record.BeginBody();
                 static_cast<IPersistentData*>(found)->Read(self);
                 ReadAggregates(self, *mProvider, *object);
                 complete = true;
@@ -228,11 +205,11 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
             catch (std::bad_alloc const&)
             {
                 mHasRunOutOfMemory = true;
-                Log(kSiteReadThrew, L"Object thrown expection during read.");
+                LogAbout(record, kSiteReadThrew, L"Object thrown expection during read.");
             }
             catch (...)
             {
-                Log(kSiteReadThrew, L"Object thrown expection during read.");
+                LogAbout(record, kSiteReadThrew, L"Object thrown expection during read.");
             }
         }
     }
@@ -243,15 +220,17 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
         int64 const position = mProvider->GetPosition();
         if (position != end)
         {
-            Log(kSiteResynchronised, L"Incorrect dp position after read an IObject, currently at ", position,
-                L" should be ", end);
+            LogAbout(record, kSiteResynchronised,
+                     L"Incorrect dp position after read an IObject, currently at ", position, L" should be ",
+                     end);
             static_cast<void>(mProvider->SetPosition(end, IDataProvider::kFromStart));
         }
         return *this;
     }
     if (mProvider->SetPosition(end, IDataProvider::kFromStart) == kBadArgument)
-        Log(kSitePreposterous, L"Trying to set the dp position to something probably preposterous (", end,
-            L") bytes from start.");
+        LogAbout(record, kSitePreposterous,
+                 L"Trying to set the dp position to something probably preposterous (", end,
+                 L") bytes from start.");
     return *this;
 }
 } // namespace KORVA::IO

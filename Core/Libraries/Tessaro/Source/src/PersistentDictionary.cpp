@@ -3,6 +3,7 @@
 #include "DictValue.h"
 #include "Logger/LogSite.h"
 #include "ObjectModel/ClassFactory.h"
+#include "ReadingEffort.h"
 #include "Registration.h"
 #include "TessIO/PersistentData.h"
 #include "TessIO/ResultCodes.h"
@@ -324,16 +325,19 @@ IDataProviderStream& PersistentDictionary::Read(IDataProviderStream& stream)
     for (uint32 i = 0; i < count && provider; ++i)
     {
         int64 const before = provider->GetPosition();
+        ReadingEffort::Reach(*provider, before);
         unsigned int key = 0;
         TInterfacePtr<IObject> value;
-        stream >> key >> value.Out();
+        stream >> key;
+        ReadingEffort::CountBytes(*provider, sizeof key);
+        stream >> value.Out();
         if (value)
         {
             IDictionary& self = *this;
             self.Put(key, value.Get());
         }
         // Nothing was there to read, so nothing more will come, whatever a damaged count says.
-        if (provider->GetPosition() == before)
+        if (provider->GetPosition() == before || ReadingEffort::EndsHere(*provider))
             break;
     }
     return stream;

@@ -1,6 +1,7 @@
 #include "StringDictionary.h"
 
 #include "ObjectModel/ClassFactory.h"
+#include "ReadingEffort.h"
 #include "Registration.h"
 #include "TessIO/PersistentData.h"
 
@@ -67,12 +68,13 @@ IDataProviderStream& StringDictionary::Read(IDataProviderStream& stream)
     for (uint32 i = 0; i < count && provider; ++i)
     {
         int64 const before = provider->GetPosition();
+        ReadingEffort::Reach(*provider, before);
         CoreString key;
         CoreString value;
         stream >> key >> value;
         Put(key, value);
         // Nothing was there to read, so nothing more will come, whatever a damaged count says.
-        if (provider->GetPosition() == before)
+        if (provider->GetPosition() == before || ReadingEffort::EndsHere(*provider))
             break;
     }
     return stream;

@@ -286,13 +286,29 @@ TEST_F(DictValueTest, UnitsThatAreCutKeepTheLengthThatWasRead)
     EXPECT_EQ(ToHex(BodyOf(kNative, *dictionary->Get(1))), "43 49 4E 55 03 00 00 00 41 00 42");
 }
 
+// What was missing is zero, also when it is written again. The length that came is still told.
 TEST_F(DictValueTest, IdentifierThatIsCutKeepsItsFirstBytes)
 {
     auto const dictionary = ReadValue(kNative, "44 49 55 47 D5 0C E9 73 C6 BB");
     GUID found{1, 1, 1, {1}};
     EXPECT_EQ(dictionary->Get(1, found), 0);
     EXPECT_EQ(found, (GUID{0x73E90CD5, 0xBBC6, 0, {}}));
-    EXPECT_EQ(ToHex(BodyOf(kNative, *dictionary->Get(1))), "44 49 55 47 D5 0C E9 73 C6 BB");
+    unsigned char const* data = nullptr;
+    int length = 0;
+    EXPECT_EQ(dictionary->Get(1, &data, length), 10);
+    EXPECT_EQ(length, 6);
+    EXPECT_EQ(ToHex(BodyOf(kNative, *dictionary->Get(1))),
+              "44 49 55 47 D5 0C E9 73 C6 BB 00 00 00 00 00 00 00 00 00 00");
+}
+
+TEST_F(DictValueTest, IdentifierOfWhichNothingCameIsZero)
+{
+    auto const dictionary = ReadValue(kNative, "44 49 55 47");
+    GUID found{1, 1, 1, {1}};
+    EXPECT_EQ(dictionary->Get(1, found), 0);
+    EXPECT_EQ(found, GUID{});
+    EXPECT_EQ(ToHex(BodyOf(kNative, *dictionary->Get(1))),
+              "44 49 55 47 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
 }
 
 TEST_F(DictValueTest, NumberThatIsCutIsZero)

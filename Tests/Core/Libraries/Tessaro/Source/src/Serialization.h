@@ -31,6 +31,14 @@ inline constexpr char kWriting[] = "virtual KORVA::IO::DataProviderStream "
 
 inline Logged ReadThrew() { return {kStreamSource, kReading, 341, "Object thrown expection during read."}; }
 
+inline Logged NoMoreMessages()
+{
+    return {
+        kStreamSource, kReading, 0,
+        "Too many records are read from behind the end of another one. Further messages about such records "
+        "are left out."};
+}
+
 inline Logged WriteThrew() { return {kStreamSource, kWriting, 435, "Object thrown expection during write."}; }
 
 /// The number of references held to the object.
