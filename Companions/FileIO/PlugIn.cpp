@@ -1,6 +1,7 @@
 // Entry points of the file-system companion: a host loads it like a plug-in.
 #include "CoreRegistry/ICoreRegistry.h"
 #include "File.h"
+#include "FileAccess.h"
 #include "ObjectModel/ClassFactory.h"
 #include "SystemDirContainer.h"
 
@@ -10,6 +11,7 @@ using namespace KORVA;
 
 using FileFactory =
     TClassFactory<Makes<&New<FILE_SYS::File>, FILE_SYS::IID_IFILE>,
+                  Makes<&New<FILE_SYS::FileAccess>, FILE_SYS::IID_IFILE_ACCESS>,
                   Makes<&New<FILE_SYS::SystemDirContainer>, FILE_SYS::IID_SYSTEM_DIR_CONTAINER>>;
 
 IClassFactory* sFactory = nullptr;

@@ -5,6 +5,7 @@
 #include "CoreString/StringTokenizer.h"
 #include "FileIO/ICopyProgress.h"
 #include "FileIO/IFile.h"
+#include "FileIO/IFileAccess.h"
 #include "FileIO/ISystemDirContainer.h"
 #include "Host/Host.h"
 #include "Logger/KLoggerLibInterface.h"
@@ -12,7 +13,9 @@
 #include "TessIO/IAsyncTask.h"
 #include "TessIO/IAsyncWriter.h"
 #include "TessIO/IBufferedDataProvider.h"
+#include "TessIO/IDataProviderStatus.h"
 #include "TessIO/IDataProviderStream.h"
+#include "TessIO/IDataProviderStreamStatus.h"
 #include "TessIO/IDictionary.h"
 #include "TessIO/IPersistentData.h"
 #include "TessIO/IRelativeURI.h"
@@ -37,6 +40,7 @@ void Show(STRING::StringTokenizer&) {}
 void Show(FILE_SYS::ICopyProgress&) {}
 void Show(FILE_SYS::IDir&) {}
 void Show(FILE_SYS::IFile&) {}
+void Show(FILE_SYS::IFileAccess&) {}
 void Show(FILE_SYS::ISystemDirContainer&) {}
 void Show(HOST::Host&) {}
 void Show(HOST::Host::Options&) {}
@@ -50,7 +54,9 @@ void Show(IO::IAsyncTask&) {}
 void Show(IO::IAsyncWriter&) {}
 void Show(IO::IBufferedDataProvider&) {}
 void Show(IO::IDataProvider&) {}
+void Show(IO::IDataProviderStatus&) {}
 void Show(IO::IDataProviderStream&) {}
+void Show(IO::IDataProviderStreamStatus&) {}
 void Show(IO::IPersistentData&) {}
 void Show(IO::IPersistentDataEx&) {}
 void Show(IO::IRelativeURI&) {}

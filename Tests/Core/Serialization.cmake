@@ -5,6 +5,7 @@ tessio_add_tests(serialization_tests
     Libraries/Tessaro/Source/src/DataProviderStreamTest.cpp
     Libraries/Tessaro/Source/src/DictValueTest.cpp
     Libraries/Tessaro/Source/src/DictionarySubSetTest.cpp
+    Libraries/Tessaro/Source/src/FreedMemory.cpp
     Libraries/Tessaro/Source/src/HostileFilesTest.cpp
     Libraries/Tessaro/Source/src/ObjectRecordAggregatesTest.cpp
     Libraries/Tessaro/Source/src/ObjectRecordFailuresTest.cpp
@@ -12,6 +13,7 @@ tessio_add_tests(serialization_tests
     Libraries/Tessaro/Source/src/ObjectRecordTest.cpp
     Libraries/Tessaro/Source/src/ObjectRecordWritingTest.cpp
     Libraries/Tessaro/Source/src/PersistentDictionaryGettersTest.cpp
+    Libraries/Tessaro/Source/src/PersistentDictionaryMemoryTest.cpp
     Libraries/Tessaro/Source/src/PersistentDictionaryRecordTest.cpp
     Libraries/Tessaro/Source/src/PersistentDictionaryTest.cpp
     Libraries/Tessaro/Source/src/StringDictionaryTest.cpp)

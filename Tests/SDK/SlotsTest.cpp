@@ -3,6 +3,7 @@
 #include "DataProviderImpl.h"
 #include "FileIO/ICopyProgress.h"
 #include "FileIO/IFile.h"
+#include "FileIO/IFileAccess.h"
 #include "FileIO/ISystemDirContainer.h"
 #include "Logger/KLoggerLibInterface.h"
 #include "ObjectModel/TObject.h"
@@ -143,6 +144,14 @@ Row const kFileRows[] = {
     {"Replace", SlotOf(&FILE_SYS::IFile::Replace), 23},
 };
 INSTANTIATE_TEST_SUITE_P(IFile, Slots, ::testing::ValuesIn(kFileRows), RowName());
+
+Row const kFileAccessRows[] = {
+    {"Lock", SlotOf(&FILE_SYS::IFileAccess::Lock), 9},
+    {"Unlock", SlotOf(&FILE_SYS::IFileAccess::Unlock), 10},
+    {"TryOpen", SlotOf(&FILE_SYS::IFileAccess::TryOpen), 11},
+    {"GetSystemError", SlotOf(&FILE_SYS::IFileAccess::GetSystemError), 12},
+};
+INSTANTIATE_TEST_SUITE_P(IFileAccess, Slots, ::testing::ValuesIn(kFileAccessRows), RowName());
 
 Row const kDirRows[] = {
     {"GetPath", SlotOf(&FILE_SYS::IDir::GetPath), 9},

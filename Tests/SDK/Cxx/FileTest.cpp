@@ -1,6 +1,7 @@
 // URIs and files behind the friendly layer.
 #include "Cxx/File.h"
 
+#include "ObjectModel/TObject.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
@@ -34,6 +35,32 @@ TEST_F(CxxFile, URIsTellTheirParts)
     EXPECT_EQ(uri.Resolve("../e")->AbsoluteText(), "http://h.example:8080/e");
     EXPECT_TRUE(uri == URI::FromText("http://h.example:8080/a/b%20c?d=1").value());
     EXPECT_FALSE(uri == URI::FromText("http://h.example/").value());
+}
+
+/// A class of a client's own, equal to everything.
+class OwnURI final : public TObject<IO::IURI>
+{
+public:
+    void Init(STRING::CoreString const&) override {}
+    void InitRelative(IO::IURI const&, STRING::CoreString const&) override {}
+    STRING::CoreString GetScheme() const override { return {}; }
+    STRING::CoreString GetHost() const override { return {}; }
+    uint32 GetPortNumber() const override { return 0; }
+    STRING::CoreString GetPath() const override { return {}; }
+    STRING::CoreString GetQuery() const override { return {}; }
+    STRING::CoreString GetAbsoluteString() const override { return {}; }
+    void GetName(STRING::CoreString&) const override {}
+    bool operator==(IO::IURI const&) const override { return true; }
+};
+
+TEST_F(CxxFile, TheLeftURIDecidesOnEquality)
+{
+    URI const left = URI::FromText("http://h.example/").value();
+    TInterfacePtr<OwnURI> own;
+    own.Adopt(new OwnURI);
+    EXPECT_TRUE(*left == *own) << "the language turns the two round";
+    EXPECT_FALSE(*left == static_cast<IO::IURI const&>(*own));
+    EXPECT_FALSE(left == URI(static_cast<IO::IURI&>(*own)));
 }
 
 TEST_F(CxxFile, URIsOfFilesKeepEveryCharacter)

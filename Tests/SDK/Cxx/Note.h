@@ -7,6 +7,7 @@
 #include "TessIO/IDataProviderStream.h"
 #include "TessIO/PersistentData.h"
 
+#include <new>
 #include <stdexcept>
 
 namespace KORVA::TESTS
@@ -22,7 +23,8 @@ enum class Fault : int
     kThrowsInWrite,
     kThrowsInRead,
     kReadsTooMuch,
-    kReadsTooLittle
+    kReadsTooLittle,
+    kFindsNoMemoryInRead
 };
 
 class [[gnu::visibility("default")]] INote : public IObject
@@ -55,6 +57,8 @@ public:
         stream >> mNumber;
         if (fault == static_cast<int>(Fault::kThrowsInRead))
             throw std::runtime_error("a note that can't be read");
+        if (fault == static_cast<int>(Fault::kFindsNoMemoryInRead))
+            throw std::bad_alloc();
         long long more = 0;
         if (fault == static_cast<int>(Fault::kReadsTooMuch))
             stream >> more;

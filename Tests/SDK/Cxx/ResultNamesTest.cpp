@@ -24,7 +24,7 @@ struct Header
 Header const kHeaders[] = {
     {"Types", "ObjectModel/Types.h", 3},
     {"ResultCodes", "TessIO/ResultCodes.h", 23},
-    {"LayerCodes", "Cxx/ResultCodes.h", 17},
+    {"LayerCodes", "Cxx/ResultCodes.h", 21},
 };
 
 class ResultNamesOf : public ::testing::TestWithParam<Header>

@@ -2,6 +2,7 @@
 #include "TessIO/ClassIds.h"
 
 #include "FileIO/IFile.h"
+#include "FileIO/IFileAccess.h"
 #include "FileIO/ISystemDirContainer.h"
 #include "ObjectModel/GUIDText.h"
 #include "Support/Library.h"
@@ -93,6 +94,10 @@ Row const kRows[] = {
      FILE_SYS::IID_IFILE,
      {0xF123396E, 0x0378, 0x4B45, {0x82, 0xE5, 0x65, 0x71, 0x70, 0xE3, 0x1A, 0x2A}},
      "{F123396E-0378-4B45-82E5-657170E31A2A}"},
+    {"FileAccess",
+     FILE_SYS::IID_IFILE_ACCESS,
+     {0xF84EBD95, 0x7D0F, 0x4C67, {0xB7, 0x9C, 0xCF, 0x64, 0x30, 0xA4, 0x34, 0x0D}},
+     "{F84EBD95-7D0F-4C67-B79C-CF6430A4340D}"},
     {"SystemDirContainer",
      FILE_SYS::IID_SYSTEM_DIR_CONTAINER,
      {0xAEEF6E20, 0x3F08, 0x41B5, {0xB4, 0x60, 0xBA, 0x2E, 0x28, 0x8A, 0x76, 0x51}},

@@ -3,10 +3,11 @@
 
 #include "ObjectModel/TObject.h"
 #include "TessIO/IDataProviderStream.h"
+#include "TessIO/IDataProviderStreamStatus.h"
 
 namespace KORVA::IO
 {
-class DataProviderStream : public TObject<IDataProviderStream>
+class DataProviderStream : public TObject<IDataProviderStream>, public IDataProviderStreamStatus
 {
 public:
     DataProviderStream() = default;
@@ -49,6 +50,8 @@ public:
     OperationId Write(void const* data, int count) override;
     OperationId Read(void* data, int& count) override;
 
+    bool HasRunOutOfMemory() const override { return mHasRunOutOfMemory; }
+
 protected:
     ~DataProviderStream() override = default;
 
@@ -61,5 +64,6 @@ private:
     DataProviderStream& ReadNumber(Number& value);
 
     TInterfacePtr<IDataProvider> mProvider;
+    bool mHasRunOutOfMemory = false;
 };
 } // namespace KORVA::IO

@@ -8,6 +8,7 @@
 #include "TessIO/IPersistentData.h"
 #include "TessIO/ResultCodes.h"
 
+#include <new>
 #include <stdexcept>
 
 namespace KORVA::IO
@@ -200,6 +201,11 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
                 static_cast<IPersistentData*>(found)->Read(self);
                 ReadAggregates(self, *mProvider, *object);
                 complete = true;
+            }
+            catch (std::bad_alloc const&)
+            {
+                mHasRunOutOfMemory = true;
+                LogAbout(record, kSiteReadThrew, L"Object thrown expection during read.");
             }
             catch (...)
             {

@@ -129,9 +129,11 @@ void PersistentDictionary::Put(unsigned int key, IObject* value)
 
 void PersistentDictionary::Wrap(unsigned int key, DictValue* value)
 {
+    // Putting may throw, where memory has run out.
+    TInterfacePtr<IObject> held;
+    held.Adopt(value);
     IDictionary& self = *this;
-    self.Put(key, static_cast<IObject*>(value));
-    value->Release();
+    self.Put(key, held.Get());
 }
 
 void PersistentDictionary::Put(unsigned int key, signed char value) { Wrap(key, new DictValue(value)); }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "Cxx/Handle.h"
+#include "Cxx/SystemErrors.h"
 #include "TessIO/IDataProvider.h"
+#include "TessIO/IDataProviderStatus.h"
 
 #include <algorithm>
 #include <bit>
@@ -10,6 +12,7 @@
 #include <limits>
 #include <ranges>
 #include <span>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -117,7 +120,7 @@ public:
 
     /// Reads to `buffer` and gives the number of bytes: fewer than asked for at the end of the data, where no
     /// provider's own code counts as a failure. Else the provider's code, or `kNoData` where it gives nothing
-    /// though more should be there.
+    /// though more should be there; of a file, `kDeviceFailed` and what else the system says.
     Result<std::size_t> Read(std::span<std::byte> buffer)
     {
         std::size_t done = 0;
@@ -128,21 +131,19 @@ public:
             OperationId const code = (*this)->Read(buffer.data() + done, count);
             bool const atEnd = code == IO::kEndOfData || (code == IO::kNoData && AtEnd());
             if (code != kNoError && !atEnd)
-                return Error(code, "read");
+                return ReadFailure(code);
             done += static_cast<std::size_t>(std::clamp(count, 0, wanted));
             if (count < wanted && (atEnd || AtEnd() || Position() >= Size()))
                 break;
             if (count <= 0)
-                return Error(IO::kNoData, "read");
+                return ReadFailure(IO::kNoData);
         }
         return done;
     }
 
     /// Writes all bytes. The provider's code, or `kWriteFailed` where the position did not advance by as
-    /// much.
-    ///
-    /// Don't write to a file opened for reading, nor to one on a full device: that never returns, or, while
-    /// it is little, is lost at closing without a word. `Save` writes files safely.
+    /// much. A file holds back what is written, and what the device then has no room for is lost although
+    /// this was a success: `Flush` tells. Don't write to a file opened for reading: that never returns.
     Result<void> Write(std::span<std::byte const> bytes)
     {
         if (bytes.empty())
@@ -151,6 +152,26 @@ public:
         OperationId const code = (*this)->Write(bytes.data(), bytes.size());
         bool const whole = Position() - before == static_cast<int64>(bytes.size());
         return ResultOf(code != kNoError || whole ? code : IO::kWriteFailed, "write");
+    }
+
+    /// Hands all that is held back to the system. What could not be written, now or before, is lost:
+    /// `kNoSpace`, `kDeviceFailed` or `kWriteFailed`, with the number of bytes. The provider's own code where
+    /// it is not one of the library's. It may not be on the disk yet. `subject` is what messages are to name.
+    Result<void> Flush(std::string const& subject = {})
+    {
+        auto* const status = dynamic_cast<IO::IDataProviderStatus*>(&**this);
+        if (!status)
+            return ResultOf((*this)->Flush(), "flush", subject);
+        ErrCode const code = status->WriteOut();
+        if (code == kNoError)
+            return {};
+        int const number = status->GetSystemError();
+        int64 const lost = status->GetLostBytes();
+        std::string detail = std::to_string(lost) + (lost == 1 ? " byte is lost" : " bytes are lost");
+        if (number != 0)
+            detail += ": " + DETAIL::WordsOfSystemError(number);
+        return Error(DETAIL::CodeOfSystemError(number, code), "flush", subject,
+                     lost > 0 ? detail : std::string());
     }
 
     /// Everything there is, from the start; the position is left where it was. `kTooLarge`; `kEndOfData`
@@ -173,6 +194,13 @@ public:
     }
 
 private:
+    Error ReadFailure(ErrCode code) const
+    {
+        int const number = DETAIL::SystemErrorOf(**this);
+        return number == 0 ? Error(code, "read")
+                           : DETAIL::SystemFailure(number, IO::kFileSystemFailed, "read");
+    }
+
     static constexpr std::size_t kPiece = std::numeric_limits<int32>::max();
 };
 } // namespace KORVA::CXX

@@ -33,6 +33,9 @@ public:
     /// What it concerned; may be empty.
     std::string const& Subject() const { return mSubject; }
 
+    /// What is said beside the code's own meaning; may be empty.
+    std::string const& Detail() const { return mDetail; }
+
     /// One line for people: cannot load "/a/b": no such file or directory (kFileNotFound)
     std::string Message() const
     {

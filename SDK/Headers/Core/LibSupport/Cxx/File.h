@@ -3,6 +3,7 @@
 
 #include "Cxx/Handle.h"
 #include "Cxx/Stream.h"
+#include "Cxx/SystemErrors.h"
 #include "Cxx/URI.h"
 #include "TessIO/IURIFile.h"
 #include "TessIO/IURIRegistry.h"
@@ -10,7 +11,9 @@
 #include <chrono>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace KORVA::CXX
@@ -35,7 +38,7 @@ public:
     /// The file that a URI names, served by whoever serves its scheme. `kNotServed` when nobody does.
     static Result<File> At(URI const& uri)
     {
-        auto const registry = COREREGISTRY::CreateObject<IO::IURIRegistry>(IO::IID_URI_REGISTRY);
+        auto const registry = DETAIL::CreateComponent<IO::IURIRegistry>(IO::IID_URI_REGISTRY);
         if (!registry)
             return Error(IO::kNoObject, "use", Quoted(uri.AbsoluteText()));
         IO::IURIFilePtr file;
@@ -56,16 +59,17 @@ public:
         return URI(std::move(uri));
     }
 
-    /// Whether it is there.
+    /// Whether it is there. False also where the system can't tell: `Size` says why.
     bool Exists() const { return (*this)->Exists(); }
 
-    /// In bytes; `kFileNotFound`.
+    /// In bytes; `kFileNotFound`. Of a local file, here and below, what the system says where it can't tell:
+    /// `kNotPermitted`, `kDeviceFailed`, `kOutOfResources`, `kFileSystemFailed`.
     Result<uint64> Size() const
     {
         uint64 size = 0;
         ErrCode const code = (*this)->GetSize(size);
         if (code != kNoError)
-            return Failed(code, "tell the size of");
+            return FailedToTell(code, "tell the size of");
         return size;
     }
 
@@ -85,13 +89,13 @@ public:
     }
 
     /// Opens it to be read. `kFileNotFound` (a directory, too), `kOpenRefused` (no permission), or the
-    /// provider's code. `<<` and `Write` on the stream answer `kNotAllowed`.
+    /// provider's code; of a local file also `kOutOfResources`, `kDeviceFailed` and `kFileSystemFailed`. `<<`
+    /// and `Write` on the stream answer `kNotAllowed`.
     Result<Stream> Read() const { return Open(&IO::IURIFile::Read, Stream::Access::kReadOnly, "read"); }
 
     /// Opens the existing file to be read and written in place; nobody else can open it so meanwhile.
-    /// `kLocked`; `kOpenRefused` (no permission, or no such file). A crash leaves some of what is written; on
-    /// a full device a little of it is lost at closing without a word, and writing more never returns: `Save`
-    /// writes objects safely.
+    /// `kLocked`; else as `Read`. A crash leaves some of what is written, and a device that is full takes
+    /// only some of it, though each write was a success: ask `Stream::Close`. `Save` writes objects safely.
     Result<Stream> Write() const { return Open(&IO::IURIFile::Write, Stream::Access::kReadWrite, "write"); }
 
     /// Makes an empty file where there is none. `kCreateFailed`, `kBadArgument`.
@@ -116,6 +120,27 @@ private:
         return {code, std::move(operation), Subject()};
     }
 
+    /// The path of a local file; nothing for another scheme.
+    std::optional<std::filesystem::path> LocalPath() const
+    {
+        IO::IURIPtr const uri = (*this)->GetURI();
+        std::filesystem::path path;
+        if (!uri || uri->GetScheme().compare("file") != 0 || IO::FilePathOf(*uri, path) != kNoError)
+            return std::nullopt;
+        return path;
+    }
+
+    /// The library has one code for a file that is not there and for one of which the system can't tell.
+    Error FailedToTell(ErrCode code, std::string operation) const
+    {
+        std::optional<std::filesystem::path> const path = LocalPath();
+        std::error_code error;
+        if (path && std::filesystem::status(*path, error).type() == std::filesystem::file_type::none)
+            return DETAIL::SystemFailure(error.value(), IO::kFileSystemFailed, std::move(operation),
+                                         Subject());
+        return Failed(code, std::move(operation));
+    }
+
     Result<void> Answer(ErrCode code, std::string operation) const
     {
         return code == kNoError ? Result<void>() : Failed(code, std::move(operation));
@@ -126,7 +151,7 @@ private:
         uint64 date = 0;
         ErrCode const code = (Pointer().Get()->*getter)(date);
         if (code != kNoError)
-            return Failed(code, "tell the date of");
+            return FailedToTell(code, "tell the date of");
         if (date > static_cast<uint64>(std::numeric_limits<std::chrono::nanoseconds::rep>::max()))
             return Failed(kOutOfRange, "tell the date of");
         return FileTime(std::chrono::nanoseconds(static_cast<std::chrono::nanoseconds::rep>(date)));
@@ -137,11 +162,13 @@ private:
     {
         TInterfacePtr<IO::IDataProviderStream> stream;
         ErrCode const code = (Pointer().Get()->*open)(stream);
-        if (code != kNoError)
-            return Failed(code, std::move(operation));
-        if (!stream)
-            return Failed(IO::kNoObject, std::move(operation));
-        return Stream(std::move(stream), access);
+        bool const writes = access == Stream::Access::kReadWrite;
+        std::optional<std::filesystem::path> path;
+        if (code != kNoError && (path = LocalPath()))
+            return DETAIL::OpeningFailed(code, *path, writes, std::move(operation), Subject());
+        if (code != kNoError || !stream)
+            return Failed(code == kNoError ? IO::kNoObject : code, std::move(operation));
+        return writes ? Stream(std::move(stream), Subject()) : Stream(std::move(stream), access);
     }
 };
 } // namespace KORVA::CXX

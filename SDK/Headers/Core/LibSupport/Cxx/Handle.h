@@ -14,6 +14,20 @@
 
 namespace KORVA::CXX
 {
+namespace DETAIL
+{
+/// A new object of the class `classId`, adopted; empty when none came. One that came counts, whatever code
+/// came with it. `I` must be the interface of that class.
+template <class I>
+TInterfacePtr<I> CreateComponent(GUID const& classId)
+{
+    TInterfacePtr<I> object;
+    if (COREREGISTRY::ICoreRegistry* const registry = COREREGISTRY::GetCoreRegistry())
+        static_cast<void>(registry->CreateInstance(classId, object.Out()));
+    return object;
+}
+} // namespace DETAIL
+
 /// Owns one reference to a component behind the interface `I`. Copies share the component. As with every
 /// smart pointer, a handle that was moved from is empty, and only to be destroyed or assigned to.
 ///
@@ -83,7 +97,7 @@ Result<T> As(Handle<I> const& object)
 template <HandleType T>
 Result<T> Create(GUID const& classId)
 {
-    auto object = COREREGISTRY::CreateObject<IObject>(classId);
+    auto object = DETAIL::CreateComponent<IObject>(classId);
     if (!object)
         return Error(IO::kNoObject, "create an object of class", GUIDToText(classId));
     Result<T> wanted = As<T>(Object(std::move(object)));

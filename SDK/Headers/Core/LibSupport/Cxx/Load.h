@@ -2,18 +2,20 @@
 #pragma once
 
 #include "Cxx/DataProvider.h"
-#include "Cxx/File.h"
+#include "Cxx/FileState.h"
 #include "Cxx/Handle.h"
+#include "Cxx/LocalFile.h"
+#include "Cxx/LockedFile.h"
 #include "Cxx/Records.h"
 #include "Cxx/Save.h"
 #include "Cxx/URI.h"
 
 #include <cstddef>
 #include <filesystem>
+#include <new>
 #include <optional>
 #include <span>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -31,42 +33,13 @@ struct LoadOptions
     bool keepDamaged = false;
     /// Whether `Load` leaves alone what stands behind the record.
     bool ignoreRest = false;
+    /// Where given, becomes the state of the file that is read, or of there being none, for `SaveOptions`. It
+    /// stays where the file can't be read. Borrowed.
+    FileState* state = nullptr;
 };
 
 namespace DETAIL
 {
-inline Result<DataProvider> OpenedBy(Result<File> const& file, Task const& task)
-{
-    if (!file)
-        return task.Failed(file.error().Code());
-    Result<Stream> const stream = file->Read();
-    if (!stream)
-        return task.Failed(stream.error().Code());
-    return stream->Provider();
-}
-
-/// The file's bytes. What the system says of the name comes first: the library tells less.
-inline Result<DataProvider> OpenToLoad(std::filesystem::path const& path, Task const& task)
-{
-    std::error_code error;
-    std::filesystem::file_status const status = std::filesystem::status(path, error);
-    if (status.type() == std::filesystem::file_type::not_found)
-        return task.Failed(IO::kFileNotFound);
-    if (error == std::errc::permission_denied)
-        return task.Failed(IO::kOpenRefused);
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        return task.Failed(kNotAFile);
-    return OpenedBy(File::At(path), task);
-}
-
-inline Result<DataProvider> OpenToLoad(URI const& uri, Task const& task)
-{
-    if (uri.Scheme() != "file")
-        return OpenedBy(File::At(uri), task);
-    Result<std::filesystem::path> const path = LocalPath(uri, task);
-    return path ? OpenToLoad(*path, task) : Result<DataProvider>(path.error());
-}
-
 inline Task LoadTask(std::filesystem::path const& path) { return {"load", Quoted(path.string())}; }
 inline Task LoadTask(URI const& uri) { return {"load", Quoted(uri.AbsoluteText())}; }
 
@@ -80,18 +53,47 @@ inline Result<void> SetOrder(DataProvider& provider, LoadOptions const& options,
     return {};
 }
 
+/// What `read` makes of the data. Where that fails because the system failed, the failure is the system's:
+/// the data, of which only a part came, is not to be judged.
+template <class Value, class Read>
+Result<Value> ReadFrom(Result<DataProvider> provider, LoadOptions const& options, Task const& task,
+                       Read const& read)
+try
+{
+    if (!provider)
+    {
+        if (options.state && provider.error().Code() == IO::kFileNotFound)
+            *options.state = FileState();
+        return provider.error();
+    }
+    if (options.state)
+    {
+        Result<FileState> const state = StateOf(*provider);
+        if (!state)
+            return task.Failed(state.error());
+        *options.state = *state;
+    }
+    Result<void> const order = SetOrder(*provider, options, task);
+    Result<Value> value = order ? read(*provider) : Result<Value>(order.error());
+    int const number = SystemErrorOf(**provider);
+    if (!value && number != 0)
+        return SystemFailure(number, IO::kFileSystemFailed, task.operation, task.subject);
+    return value;
+}
+catch (std::bad_alloc const&)
+{
+    return task.Failed(kOutOfResources, "not enough memory");
+}
+
 template <HandleType T>
 Result<T> LoadOne(Result<DataProvider> provider, LoadOptions const& options, Task const& task)
 {
-    if (!provider)
-        return provider.error();
-    Result<void> const order = SetOrder(*provider, options, task);
-    if (!order)
-        return order.error();
-    Result<T> object = ReadRecord<T>(**provider, provider->Size(), task, options.keepDamaged);
-    if (object && !options.ignoreRest && !provider->AtEnd())
-        return task.Failed(kMoreRecords);
-    return object;
+    return ReadFrom<T>(std::move(provider), options, task, [&](DataProvider& data) -> Result<T> {
+        Result<T> object = ReadRecord<T>(*data, data.Size(), task, options.keepDamaged);
+        if (object && !options.ignoreRest && !data.AtEnd())
+            return task.Failed(kMoreRecords);
+        return object;
+    });
 }
 } // namespace DETAIL
 
@@ -105,7 +107,7 @@ struct Loaded
     /// `kDamaged`.
     std::vector<Error> skipped;
     /// Why reading ended before the file did, if so: `kTruncated`, `kNotARecord`, or `kDamaged` for a length
-    /// that can't be.
+    /// that can't be; `kDeviceFailed`, `kOutOfResources` and what else the system says.
     std::optional<Error> stopped;
     /// In which the file is.
     ByteOrder order = ByteOrder::kNative;
@@ -116,29 +118,27 @@ namespace DETAIL
 template <HandleType T>
 Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& options, Task const& task)
 {
-    if (!provider)
-        return provider.error();
-    Result<void> const order = SetOrder(*provider, options, task);
-    if (!order)
-        return order.error();
-    Loaded<T> loaded;
-    loaded.order = provider->Order();
-    int64 const size = provider->Size();
-    for (int64 before = provider->Position(); before < size; before = provider->Position())
-    {
-        Task const one{task.operation, "the record at " + std::to_string(before) + " of " + task.subject};
-        Result<T> object = ReadRecord<T>(**provider, size, one, options.keepDamaged);
-        if (object)
-            loaded.objects.push_back(*std::move(object));
-        else if (provider->Position() > before)
-            loaded.skipped.push_back(object.error());
-        else
+    return ReadFrom<Loaded<T>>(std::move(provider), options, task, [&](DataProvider& data) {
+        Loaded<T> loaded;
+        loaded.order = data.Order();
+        int64 const size = data.Size();
+        for (int64 before = data.Position(); before < size; before = data.Position())
         {
-            loaded.stopped = object.error();
-            break;
+            Task const one{task.operation, "the record at " + std::to_string(before) + " of " + task.subject};
+            Result<T> object = ReadRecord<T>(*data, size, one, options.keepDamaged);
+            if (object)
+                loaded.objects.push_back(*std::move(object));
+            else if (data.Position() > before && SystemErrorOf(*data) == 0 &&
+                     object.error().Code() != kOutOfResources)
+                loaded.skipped.push_back(object.error());
+            else
+            {
+                loaded.stopped = object.error();
+                break;
+            }
         }
-    }
-    return loaded;
+        return Result<Loaded<T>>(std::move(loaded));
+    });
 }
 } // namespace DETAIL
 
@@ -147,6 +147,9 @@ Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& op
 ///
 /// - `kFileNotFound`; `kNotAFile`; `kOpenRefused` (no permission, say); `kLocked` where the scheme looks at
 ///   locks: local files are read whoever has them open for writing;
+/// - `kDeviceFailed`; `kOutOfResources`, for memory too; `kFileSystemFailed`, with the system's words:
+/// nothing
+///   is said of the file then;
 /// - `kNotARecord`, an empty file included; `kTruncated`;
 /// - `kUnknownClass`, with its id in the message; `kNotPersistent`; `kOtherClass`, when its objects are no
 ///   `T`: nothing of it has been read then;
@@ -197,52 +200,68 @@ Result<Loaded<T>> LoadAll(URI const& uri, LoadOptions const& options = {})
     return DETAIL::LoadEvery<T>(DETAIL::OpenToLoad(uri, task), options, task);
 }
 
+namespace DETAIL
+{
+/// All bytes of a file of records, and in `order` its byte order, which stays where there is none.
+inline Result<std::vector<std::byte>> RecordsOf(std::filesystem::path const& path,
+                                                std::optional<ByteOrder>& order, Task const& task)
+{
+    Result<DataProvider> provider = OpenToLoad(path, task);
+    if (!provider && provider.error().Code() == IO::kFileNotFound)
+        return std::vector<std::byte>();
+    if (!provider)
+        return provider.error();
+    if (provider->Size() == 0 && SystemErrorOf(**provider) == 0)
+        return std::vector<std::byte>();
+    LoadOptions const options{.order = order};
+    return ReadFrom<std::vector<std::byte>>(
+        *provider, options, task, [&](DataProvider& data) -> Result<std::vector<std::byte>> {
+            order = data.Order();
+            int64 const size = data.Size();
+            for (int64 at = 0; at < size; at = data.Position())
+            {
+                Result<RecordHead> const head = PeekHead(*data);
+                if (!head)
+                    return head.error();
+                Result<void> const checked = CheckHead(*head, size - at, task);
+                if (!checked)
+                    return checked.error();
+                Result<void> const moved = data.Seek(at + kRecordHeader + head->length);
+                if (!moved)
+                    return moved.error();
+            }
+            Result<std::vector<std::byte>> content = data.Bytes();
+            return content ? std::move(content) : task.Failed(content.error());
+        });
+}
+} // namespace DETAIL
+
 /// Puts the record of `object` behind those in the file, in their byte order, or makes the file. The whole
 /// file is written anew, as safely as by `Save`, and all errors are its or those of `Load`; the records that
 /// are there keep their bytes, whatever their classes. `kTruncated`, `kDamaged` or `kNotARecord` where they
-/// don't end with the file: what is put behind would not be found again. What another process appends
-/// meanwhile is lost.
+/// don't end with the file: what is put behind would not be found again.
+///
+/// The file is locked from before it is read until it is replaced, so nothing is lost that others put there
+/// by `Append`, `Update` and `Save`. `kFileSystemFailed` where files can't be locked.
 inline Result<void> Append(std::filesystem::path const& path, IObject const& object,
                            SaveOptions const& options = {})
 {
     DETAIL::Task const task{"append to", Quoted(path.string())};
-    IObject const* const objects[] = {&object};
-    std::error_code error;
-    if (std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found)
-        return DETAIL::SaveObjects(path, objects, options, task);
-    Result<DataProvider> provider = DETAIL::OpenToLoad(path, task);
-    if (!provider)
-        return provider.error();
-    ByteOrder order = options.order.value_or(ByteOrder::kNative);
-    int64 const size = provider->Size();
-    for (int64 at = 0; at < size; at = provider->Position())
-    {
-        if (at == 0 && !options.order)
-        {
-            Result<void> const found = DETAIL::FindOrder(**provider, task);
-            if (!found)
-                return found;
-            order = provider->Order();
-        }
-        provider->SetOrder(order);
-        Result<DETAIL::RecordHead> const head = DETAIL::PeekHead(**provider);
-        if (!head)
-            return head.error();
-        Result<void> const checked = DETAIL::CheckHead(*head, size - at, task);
-        if (!checked)
-            return checked;
-        Result<void> const moved = provider->Seek(at + DETAIL::kRecordHeader + head->length);
-        if (!moved)
-            return moved;
-    }
-    Result<std::vector<std::byte>> content = provider->Bytes();
+    Result<DETAIL::LockedFile> const file =
+        DETAIL::LockedFile::Lock(path, DETAIL::LockedFile::Need::kAlways, task);
+    if (!file)
+        return file.error();
+    std::optional<ByteOrder> order = options.order;
+    Result<std::vector<std::byte>> content = DETAIL::RecordsOf(path, order, task);
     if (!content)
-        return task.Failed(content.error().Code());
-    Result<std::vector<std::byte>> const record = DETAIL::Serialize(objects, order, task);
+        return content.error();
+    IObject const* const objects[] = {&object};
+    Result<std::vector<std::byte>> const record =
+        DETAIL::Serialize(objects, order.value_or(ByteOrder::kNative), task);
     if (!record)
         return record.error();
     content->insert(content->end(), record->begin(), record->end());
-    return DETAIL::ReplaceFile(path, *content, task);
+    return file->Replace(*content, options.state, task);
 }
 /// The same of what a handle holds.
 template <class I>

@@ -3,10 +3,12 @@
 
 #include "Cxx/DataProvider.h"
 #include "Cxx/Handle.h"
+#include "Cxx/SystemErrors.h"
 #include "Cxx/WatchedProvider.h"
 #include "Cxx/WatchedWriting.h"
 #include "ObjectModel/GUIDText.h"
 #include "TessIO/IDataProviderStream.h"
+#include "TessIO/IDataProviderStreamStatus.h"
 #include "TessIO/IPersistentData.h"
 
 #include <limits>
@@ -30,12 +32,15 @@ struct Task
     {
         return {code, operation, subject, std::move(detail)};
     }
+
+    /// Because of another failure, whose code and detail are told.
+    Error Failed(Error const& cause) const { return Failed(cause.Code(), cause.Detail()); }
 };
 
 /// A new stream over a provider.
 inline Result<TInterfacePtr<IO::IDataProviderStream>> StreamOver(IO::IDataProvider& provider)
 {
-    auto stream = COREREGISTRY::CreateObject<IO::IDataProviderStream>(IO::IID_DATAPROVIDERSTREAM);
+    auto stream = CreateComponent<IO::IDataProviderStream>(IO::IID_DATAPROVIDERSTREAM);
     if (!stream)
         return Error(IO::kNoObject, "create an object of class", GUIDToText(IO::IID_DATAPROVIDERSTREAM));
     ErrCode const code = stream->Init(provider);
@@ -78,10 +83,12 @@ struct RecordHead
 {
     GUID classId{};
     int64 length = 0;
+    /// Whether all of it could be read.
+    bool isWhole = false;
 
     bool IsPlausible(int64 left) const
     {
-        return length >= 0 && length <= kLongestBody && length <= left - kRecordHeader;
+        return isWhole && length >= 0 && length <= kLongestBody && length <= left - kRecordHeader;
     }
 };
 
@@ -94,11 +101,13 @@ inline Result<RecordHead> PeekHead(IO::IDataProvider& provider)
     RecordHead head;
     int64 const start = provider.GetPosition();
     **stream >> head.classId >> head.length;
+    head.isWhole = provider.GetPosition() - start == kRecordHeader;
     static_cast<void>(provider.SetPosition(start, IO::IDataProvider::kFromStart));
     return head;
 }
 
-/// An object of that class, to see what it is; empty when nothing makes it.
+/// An object of that class, to see what it is; empty when nothing makes it. The stream, which makes the
+/// object that is read, wants the code 0 with it, so this does too.
 inline TInterfacePtr<IObject> Probe(GUID const& classId)
 {
     return COREREGISTRY::CreateObject<IObject>(classId);
@@ -122,8 +131,8 @@ inline Result<void> FindOrder(IO::IDataProvider& provider, Task const& task)
             return head.error();
         if (left >= kIdBytes && Probe(head->classId))
             return {};
-        if (plausible == IO::IDataProvider::kNativeEndian && left >= kRecordHeader &&
-            !(head->classId == GUID{}) && head->IsPlausible(left))
+        if (plausible == IO::IDataProvider::kNativeEndian && !(head->classId == GUID{}) &&
+            head->IsPlausible(left))
             plausible = order;
     }
     provider.SetEndian(plausible == IO::IDataProvider::kNativeEndian ? before : plausible);
@@ -136,20 +145,18 @@ inline Result<void> FindOrder(IO::IDataProvider& provider, Task const& task)
 /// `kTruncated`, or `kDamaged` for a length that can't be.
 inline Result<void> CheckHead(RecordHead const& head, int64 left, Task const& task)
 {
-    if (left >= kRecordHeader && head.IsPlausible(left))
+    if (head.IsPlausible(left))
         return {};
     if (left < kIdBytes || !Probe(head.classId))
         return task.Failed(kNotARecord);
-    if (left >= kRecordHeader && (head.length < 0 || head.length > kLongestBody))
+    if (head.isWhole && (head.length < 0 || head.length > kLongestBody))
         return task.Failed(kDamaged, "its length is " + std::to_string(head.length));
     return task.Failed(kTruncated);
 }
 
-/// Reads the record at the provider's position as a `T`. The position is the record's end afterwards, on
-/// failure too where that is known, else it stays. With `keepDamaged`, an object that did not come out of
-/// its record quite as it should is a success. `size` is the provider's: a file is slow to tell it.
+/// As `ReadRecord`, but for what the system says.
 template <HandleType T>
-Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
+Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
 {
     int64 const start = provider.GetPosition();
     int64 const left = size - start;
@@ -183,8 +190,26 @@ Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, 
         return stream.error();
     TInterfacePtr<IObject> object;
     **stream >> object.Out();
+    auto const* const status = dynamic_cast<IO::IDataProviderStreamStatus const*>(stream->Get());
+    if (status && status->HasRunOutOfMemory())
+        return skip(kOutOfResources, "not enough memory");
     if (!object || (!keepDamaged && (watched->HasShortRead() || watched->HasMoved())))
         return skip(kDamaged, {});
     return As<T>(Object(std::move(object)));
+}
+
+/// Reads the record at the provider's position as a `T`. The position is the record's end afterwards, on
+/// failure too where that is known, else it stays. With `keepDamaged`, an object that did not come out of
+/// its record quite as it should is a success. `size` is the provider's: a file is slow to tell it. What the
+/// system could not read is no damage: the failure is the system's then.
+template <HandleType T>
+Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
+{
+    int const before = SystemErrorOf(provider);
+    Result<T> object = ReadRecordAsItStands<T>(provider, size, task, keepDamaged);
+    int const number = SystemErrorOf(provider);
+    if (before == 0 && number != 0)
+        return SystemFailure(number, IO::kFileSystemFailed, task.operation, task.subject);
+    return object;
 }
 } // namespace KORVA::CXX::DETAIL

@@ -28,6 +28,15 @@ inline constexpr ErrCode kNotServed = 2013;
 inline constexpr ErrCode kNotAFile = 2014;
 /// The device, quota or size limit is reached.
 inline constexpr ErrCode kNoSpace = 2015;
+/// The device, or the way to it, fails.
+inline constexpr ErrCode kDeviceFailed = 2016;
+/// Memory, descriptors or other resources of the system have run out.
+inline constexpr ErrCode kOutOfResources = 2017;
+/// The file has its new content, whole. Only that its name is on the disk could not be confirmed: a power cut
+/// may bring the old content back.
+inline constexpr ErrCode kNotFlushed = 2018;
+/// The file is not in the state any more that is expected: somebody else has changed it.
+inline constexpr ErrCode kChanged = 2019;
 /// The bytes are no object record in any byte order.
 inline constexpr ErrCode kNotARecord = 2021;
 /// The data ends inside of a record.

@@ -3,12 +3,14 @@
 
 #include "Cxx/DataProvider.h"
 #include "Cxx/DictionaryValues.h"
+#include "Cxx/OpenFile.h"
 #include "Cxx/Records.h"
 #include "Cxx/Text.h"
 #include "TessIO/IDataProviderStream.h"
 
 #include <concepts>
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -32,6 +34,7 @@ concept StreamValue = PlainStreamValue<T> || std::same_as<T, STRING::CoreString>
 ///     stream << 7 << u"seven" << dictionary;
 ///     if (auto const written = stream.Status(); !written) …
 ///
+/// `Status` does not tell what a device has no room for: a file holds bytes back. `Flush` and `Close` do.
 /// After a failure `<<` and `>>` do nothing. Copies share the stream and its position; a failure so far goes
 /// with the copy, later ones are each one's own. Used by one thread at a time.
 class Stream : public Handle<IO::IDataProviderStream>
@@ -61,10 +64,12 @@ public:
         return Stream(*std::move(stream), access);
     }
 
-    /// The data under the stream; `kNotInitialized` when there is none.
+    /// The data under the stream; `kNotInitialized` when there is none, as after `Close`.
     Result<DataProvider> Provider() const
     {
-        TInterfacePtr<IO::IDataProvider> provider = (*this)->GetDataProvider();
+        TInterfacePtr<IO::IDataProvider> provider;
+        if (*this)
+            provider = (*this)->GetDataProvider();
         if (!provider)
             return Error(IO::kNotInitialized, "use the stream");
         return DataProvider(std::move(provider));
@@ -161,6 +166,9 @@ public:
             if (provider->Position() - start == length)
                 return value;
             static_cast<void>((*provider)->SetPosition(start, IO::IDataProvider::kFromStart));
+            int const number = DETAIL::SystemErrorOf(**provider);
+            if (number != 0 && provider->Size() - start >= length)
+                return DETAIL::SystemFailure(number, IO::kFileSystemFailed, "read a value");
             return Error(IO::kEndOfData, "read a value");
         }
     }
@@ -194,7 +202,46 @@ public:
         return provider->Write(bytes);
     }
 
+    /// Hands all that is held back to the system: see `DataProvider::Flush`. A success where nothing can be
+    /// written.
+    ///
+    ///     Stream stream = File::At(path)->Write().value();
+    ///     stream << 7;
+    ///     if (auto const written = stream.Close(); !written) …
+    Result<void> Flush()
+    {
+        if (mFile)
+            return mFile->Flush();
+        Result<DataProvider> provider = Provider();
+        if (!provider)
+            return provider.error();
+        return mAccess == Access::kReadOnly ? Result<void>() : provider->Flush();
+    }
+
+    /// The same, then lets go of the data, on failure too. A file is closed when its last copy, and whoever
+    /// asked for the `Provider`, has let go. Closing what is closed does nothing.
+    ///
+    /// A stream of `File::Write` of which nobody asks logs, when the last copy goes, how many bytes are lost.
+    Result<void> Close()
+    {
+        if (!*this)
+            return {};
+        Result<void> flushed = Flush();
+        mFile.reset();
+        static_cast<Handle&>(*this) = Handle(TInterfacePtr<IO::IDataProviderStream>());
+        return flushed;
+    }
+
 private:
+    friend class File;
+
+    /// On an open file that messages name by `subject`.
+    Stream(TInterfacePtr<IO::IDataProviderStream> pointer, std::string subject) : Stream(std::move(pointer))
+    {
+        if (Result<DataProvider> provider = Provider())
+            mFile = std::make_shared<DETAIL::OpenFile>(*std::move(provider), std::move(subject));
+    }
+
     Result<DataProvider> Writable() const
     {
         if (mAccess == Access::kReadOnly)
@@ -232,5 +279,6 @@ private:
 
     Access mAccess;
     std::optional<Error> mError;
+    std::shared_ptr<DETAIL::OpenFile> mFile;
 };
 } // namespace KORVA::CXX

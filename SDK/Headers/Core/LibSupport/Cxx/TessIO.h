@@ -5,6 +5,7 @@
 #include "Cxx/Dictionary.h"
 #include "Cxx/Error.h"
 #include "Cxx/File.h"
+#include "Cxx/FileState.h"
 #include "Cxx/Handle.h"
 #include "Cxx/Load.h"
 #include "Cxx/Result.h"
@@ -15,3 +16,4 @@
 #include "Cxx/StringDictionary.h"
 #include "Cxx/Text.h"
 #include "Cxx/URI.h"
+#include "Cxx/Update.h"

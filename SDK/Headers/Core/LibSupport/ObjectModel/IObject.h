@@ -31,8 +31,9 @@ public:
     virtual int32 Release() = 0;
 
     /// Shares `object` and makes it answer `iid`, replacing (and releasing) another object known under that
-    /// id. Null, or the object already known there, changes nothing. Not thread-safe: set up aggregates
-    /// before an object is shared between threads.
+    /// id, which is released first: hold a reference of your own to an object that only that one holds. Null,
+    /// or the object already known there, changes nothing. Not thread-safe: set up aggregates before an
+    /// object is shared between threads.
     virtual void Aggregate(IObject * object, GUID iid) = 0;
 
     /// Releases and forgets the object known under `iid`, if any.

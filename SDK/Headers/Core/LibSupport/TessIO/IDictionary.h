@@ -49,7 +49,10 @@ public:
     virtual void Put(unsigned int key, unsigned char const* data, int length) = 0;
     /// Copies `count` UTF-16 units. Null, or a count below 1, is logged and changes nothing.
     virtual void Put(unsigned int key, UniChar const* data, int count) = 0;
-    /// Shares `value`. Null removes what is there; the very object that is there is logged and stays.
+    /// Shares `value`. Null removes what is there; the very object that is there is logged and stays. What is
+    /// there is released before `value` is shared: when it dies by that, and held the last reference to
+    /// `value`, `value` is dead too. So hold a reference of your own to what you take out of an entry to put
+    /// it in that entry's place.
     virtual void Put(unsigned int key, IObject* value) = 0;
 
     /// Number getters: 0; -1 and `value` unchanged when the key is absent or its value not a plain one. The

@@ -41,7 +41,10 @@ public:
     virtual STRING::CoreString GetAbsoluteString() const = 0;
     /// The last component of the path, with `/` for each `:`. A trailing separator of the path stays.
     virtual void GetName(STRING::CoreString & name) const = 0;
-    /// Same class, same URL text and same base. Case and escapes matter.
+    /// Same class, same URL text and same base. Case and escapes matter. What decides is the class on the
+    /// left, but for one case: where the right side is declared as a class that overrides this, and not as an
+    /// `IURI`, `a == b` calls the operator of `b`, since the language also looks at the two the other way
+    /// round. Write `a == static_cast<IURI const&>(b)` there.
     virtual bool operator==(IURI const& other) const = 0;
 };
 

@@ -20,6 +20,19 @@ public:
     int Found() const;
 };
 
+/// While it lives one allocation of this thread fails, the one of that number, counted from 0. One at a time.
+class RefusedMemory
+{
+public:
+    explicit RefusedMemory(int which);
+    RefusedMemory(RefusedMemory const&) = delete;
+    RefusedMemory& operator=(RefusedMemory const&) = delete;
+    ~RefusedMemory();
+
+    /// How many more blocks were allocated on this thread than freed.
+    int Held() const;
+};
+
 /// Whether the text's units lie among these.
 bool Holds(char16_t const* units, std::size_t count, std::u16string_view text);
 } // namespace KORVA::TESTS
