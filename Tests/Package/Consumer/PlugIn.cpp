@@ -1,6 +1,7 @@
 #include "CoreRegistry/CoreRegistry.h"
 #include "CoreString/StringTokenizer.h"
 #include "Counter.h"
+#include "Host/PlugIn.h"
 #include "Logger/LogSite.h"
 #include "ObjectModel/ClassFactory.h"
 
