@@ -11,8 +11,8 @@ namespace KORVA::TESTS
 {
 namespace
 {
-/// Less than ctest grants, which can't say which test of a program hangs.
-constexpr unsigned kMostSeconds = 240;
+/// What hangs is named here; ctest, which grants more, can't say which test of a program it is.
+constexpr unsigned kMostSeconds = TESSIO_TEST_SECONDS;
 /// Other limits are for trying this one.
 constexpr char kVariable[] = "TESSIO_TEST_LIMIT";
 constexpr int kTimedOut = 124;
