@@ -1,7 +1,7 @@
+#include "Host/PlugIn.h"
 #include "CoreRegistry/CoreRegistry.h"
 #include "CoreString/StringTokenizer.h"
 #include "Counter.h"
-#include "Host/PlugIn.h"
 #include "Logger/LogSite.h"
 #include "ObjectModel/ClassFactory.h"
 
