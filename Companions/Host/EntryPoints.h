@@ -6,6 +6,7 @@
 namespace KORVA::HOST
 {
 using PlugInFunction = int(COREREGISTRY::ICoreRegistry*);
+using ObjectsFunction = int32();
 using LibraryInit = int(COREREGISTRY::ICoreRegistry*);
 using LibraryShutdown = void();
 
@@ -14,4 +15,5 @@ inline constexpr char kLibraryInit[] = "_ZN5KORVA2IO4InitEPNS_12COREREGISTRY13IC
 inline constexpr char kLibraryShutdown[] = "_ZN5KORVA2IO8ShutdownEv";
 inline constexpr char kPlugInInit[] = "KorvaPlugInInit";
 inline constexpr char kPlugInShutdown[] = "KorvaPlugInShutdown";
+inline constexpr char kPlugInObjects[] = "KorvaPlugInObjects";
 } // namespace KORVA::HOST

@@ -2,54 +2,32 @@
 
 #include "CoreRegistry/CoreRegistry.h"
 #include "EntryPoints.h"
-#include "SharedObject.h"
+#include "PlugIn.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace KORVA::HOST
 {
-namespace
-{
 using COREREGISTRY::ICoreRegistry;
-
-struct PlugIn
-{
-    std::string file;
-    SharedObject object;
-};
-
-bool StartPlugIn(PlugIn& plugIn, ICoreRegistry* registry, std::string& error)
-{
-    if (!plugIn.object.Load(plugIn.file, error))
-        return false;
-    auto* const init = plugIn.object.Find<PlugInFunction>(kPlugInInit);
-    if (!init)
-    {
-        error = plugIn.file + ": no function " + kPlugInInit;
-        plugIn.object.Unload();
-        return false;
-    }
-    if (int const result = init(registry); result != kNoError)
-    {
-        error = plugIn.file + ": " + kPlugInInit + " answered " + std::to_string(result);
-        plugIn.object.Unload();
-        return false;
-    }
-    return true;
-}
-
-void StopPlugIn(PlugIn const& plugIn, ICoreRegistry* registry)
-{
-    if (auto* const shutdown = plugIn.object.Find<PlugInFunction>(kPlugInShutdown))
-        shutdown(registry);
-}
-} // namespace
 
 struct Host::State
 {
+    explicit State(Options const& options)
+    {
+        registry.Adopt(COREREGISTRY::CreateCoreRegistry());
+        fileSystem.emplace(options.fileSystem, registry.Get());
+    }
+
+    auto Find(std::string const& file)
+    {
+        return std::find_if(plugIns.begin(), plugIns.end(),
+                            [&file](PlugIn const& plugIn) { return plugIn.File() == file; });
+    }
+
     TInterfacePtr<ICoreRegistry> registry;
-    PlugIn fileSystem;
+    std::optional<PlugIn> fileSystem;
     SharedObject library;
     std::vector<PlugIn> plugIns;
 };
@@ -61,10 +39,8 @@ std::unique_ptr<Host> Host::Boot(Options const& options, std::string& error)
         error = "a host is running in this process already";
         return nullptr;
     }
-    auto state = std::make_unique<State>();
-    state->registry.Adopt(COREREGISTRY::CreateCoreRegistry());
-    state->fileSystem.file = options.fileSystem;
-    if (!StartPlugIn(state->fileSystem, state->registry.Get(), error))
+    auto state = std::make_unique<State>(options);
+    if (!state->fileSystem->Start(error))
         return nullptr;
     COREREGISTRY::InstallCoreRegistry(state->registry.Get());
     // From here on the destructor takes everything back.
@@ -89,12 +65,12 @@ Host::Host(std::unique_ptr<State> state) : mState(std::move(state)) {}
 
 Host::~Host()
 {
-    ICoreRegistry* const registry = mState->registry.Get();
     for (auto plugIn = mState->plugIns.rbegin(); plugIn != mState->plugIns.rend(); ++plugIn)
-        StopPlugIn(*plugIn, registry);
+        plugIn->Shutdown();
     if (auto* const shutdown = mState->library.Find<LibraryShutdown>(kLibraryShutdown))
         shutdown();
-    StopPlugIn(mState->fileSystem, registry);
+    mState->library.LeaveLoaded();
+    mState->fileSystem->Shutdown();
     COREREGISTRY::InstallCoreRegistry(nullptr);
 }
 
@@ -102,14 +78,13 @@ ICoreRegistry* Host::Registry() const { return mState->registry.Get(); }
 
 bool Host::LoadPlugIn(std::string const& file, std::string& error)
 {
-    if (std::any_of(mState->plugIns.begin(), mState->plugIns.end(),
-                    [&file](PlugIn const& loaded) { return loaded.file == file; }))
+    if (mState->Find(file) != mState->plugIns.end())
     {
         error = file + ": loaded already";
         return false;
     }
-    PlugIn plugIn{file, {}};
-    if (!StartPlugIn(plugIn, Registry(), error))
+    PlugIn plugIn(file, Registry());
+    if (!plugIn.Start(error))
         return false;
     mState->plugIns.push_back(std::move(plugIn));
     return true;
@@ -117,15 +92,14 @@ bool Host::LoadPlugIn(std::string const& file, std::string& error)
 
 bool Host::UnloadPlugIn(std::string const& file, std::string& error)
 {
-    auto const found = std::find_if(mState->plugIns.begin(), mState->plugIns.end(),
-                                    [&file](PlugIn const& plugIn) { return plugIn.file == file; });
+    auto const found = mState->Find(file);
     if (found == mState->plugIns.end())
     {
         error = file + ": not loaded";
         return false;
     }
-    StopPlugIn(*found, Registry());
-    found->object.Unload();
+    if (!found->Stop(error))
+        return false;
     mState->plugIns.erase(found);
     return true;
 }

@@ -1,20 +1,40 @@
 // A loaded shared object, or what the program itself has of it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace KORVA::HOST
 {
-/// Stays loaded until `Unload`, even when this object goes.
+/// Where code and constants lie in memory.
+struct MemoryRange
+{
+    std::uintptr_t begin = 0;
+    std::uintptr_t end = 0;
+
+    bool Has(void const* address) const
+    {
+        auto const value = reinterpret_cast<std::uintptr_t>(address);
+        return value >= begin && value < end;
+    }
+};
+
+/// Either `Unload` or `LeaveLoaded` must end it.
 class SharedObject
 {
 public:
     /// Nothing is loaded where the program has it already. False and the system's words in `error` when it
     /// can't be loaded.
     bool Load(std::string const& file, std::string& error);
-    void Unload();
+    /// False when the system keeps the code in memory nevertheless.
+    bool Unload();
+    /// Keeps the code in memory until the same file is loaded again and unloaded. Nothing, after `Unload`.
+    void LeaveLoaded();
 
-    /// The function of that name, or null.
+    /// Empty where nothing was loaded.
+    MemoryRange const& Range() const { return mRange; }
+
+    /// The function of that name, or null. Those of what it was linked to are not its own.
     template <class Function>
     Function* Find(char const* name) const
     {
@@ -27,6 +47,7 @@ private:
     AnyFunction* Symbol(char const* name) const;
 
     void* mHandle = nullptr;
+    MemoryRange mRange;
     /// The file's name, when it is linked into the program.
     std::string mLinked;
 };

@@ -1,4 +1,5 @@
 // Where a host enters the plug-in.
+#include "Host/PlugIn.h"
 #include "Bookmark.h"
 #include "CoreRegistry/ICoreRegistry.h"
 #include "ObjectModel/ClassFactory.h"

@@ -1,4 +1,5 @@
 // Where a host enters the plug-in.
+#include "Host/PlugIn.h"
 #include "CoreRegistry/CoreRegistry.h"
 #include "HttpDataProvider.h"
 #include "HttpFile.h"

@@ -1,6 +1,7 @@
 // Names every class of the SDK that crosses the border between libraries. What the libraries' own functions
 // name is a small part of it: interfaces are reached through the registry, by class id.
 #include "CoreRegistry/ICoreRegistry.h"
+#include "CoreRegistry/IFactoryGate.h"
 #include "CoreString/CoreString.h"
 #include "CoreString/StringTokenizer.h"
 #include "FileIO/ICopyProgress.h"
@@ -35,6 +36,7 @@ void Show(IObject&) {}
 void Show(IClassFactory&) {}
 void Show(TInterfacePtr<IObject>&) {}
 void Show(COREREGISTRY::ICoreRegistry&) {}
+void Show(COREREGISTRY::IFactoryGate&) {}
 void Show(STRING::CoreString&) {}
 void Show(STRING::StringTokenizer&) {}
 void Show(FILE_SYS::ICopyProgress&) {}

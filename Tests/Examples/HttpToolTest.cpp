@@ -2,8 +2,8 @@
 #include "Examples/OddServer.h"
 #include "Examples/WebServer.h"
 #include "Support/RowName.h"
+#include "Support/Terminal.h"
 
-#include <pty.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -289,48 +289,24 @@ TEST_F(HttpTool, ACopyHasTheDateAndKeepsTheTargetsPermissions)
     EXPECT_EQ(date.time_since_epoch(), std::chrono::seconds(1'700'000'000));
 }
 
-/// Runs a program on a terminal of its own and types a line once it asks; everything that the terminal
-/// showed.
-std::string OnATerminal(std::vector<std::string> const& command, std::string const& question,
-                        std::string const& line, int& exitCode)
-{
-    std::vector<char*> arguments;
-    for (std::string const& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    int terminal = -1;
-    pid_t const child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0)
-    {
-        execv(arguments[0], arguments.data());
-        _exit(127);
-    }
-    std::string shown;
-    bool hasTyped = false;
-    for (char byte = 0; read(terminal, &byte, 1) == 1;)
-    {
-        shown += byte;
-        if (!hasTyped && shown.ends_with(question))
-            hasTyped = write(terminal, line.data(), line.size()) > 0;
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    close(terminal);
-    return shown;
-}
-
 TEST_F(HttpTool, APasswordIsAskedForWhereNobodySeesIt)
 {
-    int exitCode = -1;
-    auto const command = Command(WithPlugIn({"cat", "--user", "ada", "{http}/auth/text"}));
-    std::string const password = std::string(kRight).substr(16);
-    EXPECT_EQ(OnATerminal(command, "Password of ada: ", password + "\n", exitCode),
-              "Password of ada: \r\n0123456789");
-    EXPECT_EQ(exitCode, 0);
+    Terminal const terminal;
+    if (!terminal.IsOpen())
+        GTEST_SKIP() << terminal.Why();
+    std::string const question = "Password of ada: ";
+    // Runs the tool and types once it asks.
+    auto const exitCodeAfter = [&](std::string const& answer) {
+        Running tool(Command(WithPlugIn({"cat", "--user", "ada", "{http}/auth/text"})), Path("").string(),
+                     [&terminal] { terminal.Take(); });
+        EXPECT_EQ(terminal.ShownUpTo(question), question);
+        terminal.Type(answer);
+        return tool.Wait().exitCode;
+    };
+    EXPECT_EQ(exitCodeAfter(std::string(kRight).substr(16) + "\n"), 0);
+    EXPECT_EQ(terminal.Shown(), "\r\n0123456789");
     // Interrupted, with ^C.
-    OnATerminal(command, "Password of ada: ", "\3", exitCode);
-    EXPECT_EQ(exitCode, 128 + SIGINT);
+    EXPECT_EQ(exitCodeAfter("\3"), 128 + SIGINT);
 }
 
 /// The most memory that the tool ever has had, in KiB, while it prints the file.
@@ -347,6 +323,7 @@ long PeakOfCat(std::vector<std::string> const& command)
     if (child == 0)
     {
         dup2(bytes[1], 1);
+        EndWithParent();
         closefrom(3);
         execv(arguments[0], arguments.data());
         _exit(127);

@@ -215,23 +215,125 @@ std::string Objection(std::string const& file, std::string const& header)
     return other == area || area->mayInclude.contains(other->folder) ? "" : "not an arrow: " + other->folder;
 }
 
+struct Include
+{
+    std::string file;
+    std::string header;
+    std::string line;
+};
+
+/// Every include of the sources in these folders.
+std::vector<Include> const& Includes()
+{
+    static std::vector<Include> const sIncludes = [] {
+        std::regex const include(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
+        std::vector<Include> all;
+        for (char const* const folder : {"SDK", "Core", "Platform", "Companions", "Tools", "Examples"})
+            for (fs::path const& file : SourcesBelow(folder))
+                for (std::string const& line : LinesOf(file))
+                    if (std::smatch match; std::regex_search(line, match, include))
+                        all.push_back({file.string(), match[2], line});
+        return all;
+    }();
+    return sIncludes;
+}
+
 TEST(Includes, FollowTheArrows)
 {
-    static std::regex const kInclude(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
     std::map<std::string, int> seen;
-    for (char const* const folder : {"SDK", "Core", "Platform", "Companions", "Tools", "Examples"})
-        for (fs::path const& file : SourcesBelow(folder))
-            for (std::string const& line : LinesOf(file))
-            {
-                std::smatch match;
-                if (!std::regex_search(line, match, kInclude))
-                    continue;
-                ++seen[folder];
-                EXPECT_EQ(Objection(file.string(), match[2]), "") << file << ": " << line;
-            }
+    for (Include const& include : Includes())
+    {
+        ++seen[include.file.substr(0, include.file.find('/'))];
+        EXPECT_EQ(Objection(include.file, include.header), "") << include.file << ": " << include.line;
+    }
     for (char const* const folder : {"SDK", "Core", "Platform", "Companions"})
         EXPECT_GE(seen[folder], 10) << folder;
 }
+
+/// Who includes whom.
+using Graph = std::map<std::string, std::set<std::string>>;
+
+/// Looks for a way from the last of `path` back to any on it. `done` are those that no circle can be reached
+/// from.
+bool FindsCircle(Graph const& graph, std::vector<std::string>& path, std::set<std::string>& done)
+{
+    auto const found = graph.find(path.back());
+    if (found == graph.end() || done.contains(path.back()))
+        return false;
+    for (std::string const& next : found->second)
+    {
+        bool const isOnPath = std::ranges::find(path, next) != path.end();
+        path.push_back(next);
+        if (isOnPath || FindsCircle(graph, path, done))
+            return true;
+        path.pop_back();
+    }
+    done.insert(path.back());
+    return false;
+}
+
+/// A circle, "a > b > a", or "".
+std::string CircleIn(Graph const& graph)
+{
+    std::set<std::string> done;
+    for (auto const& [start, others] : graph)
+    {
+        std::vector<std::string> path{start};
+        if (!FindsCircle(graph, path, done))
+            continue;
+        std::string text = path.back();
+        for (auto step = std::ranges::find(path, path.back()) + 1; step != path.end(); ++step)
+            text += " > " + *step;
+        return text;
+    }
+    return "";
+}
+
+TEST(Includes, GoInNoCircles)
+{
+    Graph files;
+    Graph folders;
+    for (Include const& include : Includes())
+    {
+        std::string const target = Resolve(include.file, include.header);
+        if (target.empty())
+            continue;
+        files[include.file].insert(target);
+        Area const* const from = AreaOf(include.file);
+        Area const* const to = AreaOf(target);
+        if (from && to && from != to)
+            folders[from->folder].insert(to->folder);
+    }
+    EXPECT_GE(files.size(), 100u);
+    EXPECT_GE(folders.size(), 10u);
+    EXPECT_EQ(CircleIn(files), "");
+    EXPECT_EQ(CircleIn(folders), "");
+}
+
+struct CircleRow
+{
+    char const* name;
+    Graph graph;
+    char const* circle;
+};
+
+class CircleSearch : public ::testing::TestWithParam<CircleRow>
+{
+};
+
+TEST_P(CircleSearch, FindsThem) { EXPECT_EQ(CircleIn(GetParam().graph), GetParam().circle); }
+
+CircleRow const kCircles[] = {
+    {"Nothing", {}, ""},
+    {"Chain", {{"a", {"b"}}, {"b", {"c"}}}, ""},
+    {"TwoWays", {{"a", {"b", "c"}}, {"b", {"d"}}, {"c", {"d"}}, {"d", {"e"}}}, ""},
+    {"Itself", {{"a", {"b"}}, {"b", {"b"}}}, "b > b"},
+    {"Two", {{"a", {"b"}}, {"b", {"a"}}}, "a > b > a"},
+    {"ThreeBehindAWayIn", {{"a", {"b"}}, {"b", {"x", "c"}}, {"c", {"d"}}, {"d", {"b"}}}, "b > c > d > b"},
+    {"BehindADeadEnd", {{"a", {"b", "c"}}, {"b", {"e"}}, {"c", {"b", "d"}}, {"d", {"c"}}}, "c > d > c"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Graphs, CircleSearch, ::testing::ValuesIn(kCircles), RowName());
 
 struct Row
 {

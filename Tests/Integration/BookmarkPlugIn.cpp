@@ -1,6 +1,7 @@
 // A plug-in with one persistent class, for the tests of plug-ins.
 #include "CoreRegistry/ICoreRegistry.h"
 #include "CoreString/CoreString.h"
+#include "Host/PlugIn.h"
 #include "Integration/IBookmark.h"
 #include "ObjectModel/ClassFactory.h"
 #include "TessIO/IDataProviderStream.h"

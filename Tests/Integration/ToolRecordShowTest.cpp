@@ -1,6 +1,7 @@
 // Showing and checking record files with the tool.
 #include "Integration/ToolRecord.h"
 #include "Support/RowName.h"
+#include "Support/Terminal.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -497,24 +498,21 @@ TEST_F(ToolRecordColour, SaysNothingThatTheTextDoesNot)
 class ToolRecordTerminal : public ToolRecord
 {
 protected:
+    void SetUp() override
+    {
+        if (!terminal.IsOpen())
+            GTEST_SKIP() << terminal.Why();
+    }
+
     std::string Printed(std::vector<std::string> const& arguments) const
     {
-        int const terminal = posix_openpt(O_RDWR | O_NOCTTY);
-        EXPECT_GE(terminal, 0);
-        EXPECT_EQ(grantpt(terminal), 0);
-        EXPECT_EQ(unlockpt(terminal), 0);
-        std::string const name = ptsname(terminal);
-        // Stays open until all is read, for what was written is lost with the last one who has it open.
-        int const held = open(name.c_str(), O_RDWR | O_NOCTTY);
-        Outcome const outcome =
-            Do(arguments, [&name] { dup2(open(name.c_str(), O_WRONLY | O_NOCTTY), STDOUT_FILENO); });
+        Outcome const outcome = Do(
+            arguments, [this] { dup2(open(terminal.Name().c_str(), O_WRONLY | O_NOCTTY), STDOUT_FILENO); });
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-        char text[4096];
-        ssize_t const size = read(terminal, text, sizeof text);
-        close(held);
-        close(terminal);
-        return {text, size > 0 ? static_cast<std::size_t>(size) : 0};
+        return terminal.Shown();
     }
+
+    Terminal const terminal;
 };
 
 TEST_F(ToolRecordTerminal, HasColoursUnlessItCanNotOrTheUserWantsNone)

@@ -28,6 +28,7 @@ Running::Running(std::vector<std::string> const& command, std::string const& dir
         throw std::runtime_error("cannot fork");
     if (mChild > 0)
         return;
+    EndWithParent();
     if (chdir(directory.c_str()) == 0 && dup2(open("/dev/null", O_RDONLY), 0) == 0 &&
         dup2(open(out.c_str(), O_WRONLY | O_APPEND), 1) == 1 &&
         dup2(open(err.c_str(), O_WRONLY | O_APPEND), 2) == 2)

@@ -3,13 +3,17 @@
 #include "Support/TemporaryDirectory.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <stdexcept>
 
 namespace KORVA::TESTS
 {
+void EndWithParent() { prctl(PR_SET_PDEATHSIG, SIGKILL); }
+
 Outcome RunProgram(std::vector<std::string> const& command, std::string const& directory,
                    std::string const& input)
 {
@@ -26,6 +30,7 @@ Outcome RunProgram(std::vector<std::string> const& command, std::string const& d
         throw std::runtime_error("cannot fork");
     if (child == 0)
     {
+        EndWithParent();
         bool const ready = chdir(directory.c_str()) == 0 && dup2(open(in.c_str(), O_RDONLY), 0) == 0 &&
                            dup2(open(out.c_str(), O_WRONLY), 1) == 1 &&
                            dup2(open(err.c_str(), O_WRONLY), 2) == 2;

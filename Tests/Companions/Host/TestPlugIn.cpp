@@ -1,4 +1,5 @@
 // A plug-in for the host's tests. It writes what is asked of it to the file that TEST_PLUG_IN_LOG names.
+#include "Companions/Host/IMeeting.h"
 #include "CoreRegistry/ICoreRegistry.h"
 #include "ObjectModel/ClassFactory.h"
 
@@ -13,19 +14,51 @@ enum class Kind
 {
     kFirst,
     kSecond,
-    kRefusing
+    kRefusing,
+    /// Keeps an object when it is shut down.
+    kLeaving,
+    /// Does not unregister its factory.
+    kForgetful,
+    /// Built without Host/PlugIn.h.
+    kSilent,
 };
 
 constexpr Kind kKind = Kind::TEST_PLUG_IN;
-constexpr GUID kClassId{0x7E57C1A5, static_cast<std::uint16_t>(kKind), 0, {}};
+constexpr auto kNumber = static_cast<std::uint16_t>(kKind);
+constexpr GUID kMadeAtOnce = TESTS::ClassOf(kNumber, TESTS::kAtOnce);
+constexpr GUID kMadeAfterMeeting = TESTS::ClassOf(kNumber, TESTS::kAfterMeeting);
+constexpr GUID kNeverMade = TESTS::ClassOf(kNumber, TESTS::kMeetingOnly);
+
+COREREGISTRY::ICoreRegistry* sRegistry = nullptr;
+IClassFactory* sFactory = nullptr;
 
 class Thing final : public TObject<IObject>
 {
 };
 
-using Factory = TClassFactory<Makes<&New<Thing>, kClassId>>;
+void Meet()
+{
+    IObject* meeting = nullptr;
+    if (sRegistry->CreateInstance(TESTS::IID_MEETING, &meeting) != kNoError)
+        return;
+    static_cast<TESTS::IMeeting*>(meeting)->Meet();
+    meeting->Release();
+}
 
-IClassFactory* sFactory = nullptr;
+IObject* MakeAfterMeeting()
+{
+    Meet();
+    return new Thing;
+}
+
+IObject* OnlyMeet()
+{
+    Meet();
+    return nullptr;
+}
+
+using Factory = TClassFactory<Makes<&New<Thing>, kMadeAtOnce>, Makes<&MakeAfterMeeting, kMadeAfterMeeting>,
+                              Makes<&OnlyMeet, kNeverMade>>;
 
 void Note(char const* what)
 {
@@ -39,6 +72,7 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
     Note("init");
     if (kKind == Kind::kRefusing)
         return 42;
+    sRegistry = registry;
     sFactory = new Factory;
     return registry->RegisterFactory(sFactory);
 }
@@ -46,8 +80,10 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     Note("shutdown");
-    if (!sFactory)
+    if (kKind == Kind::kForgetful || !sFactory)
         return 0;
+    if (kKind == Kind::kLeaving)
+        static_cast<void>(*new Thing);
     int const result = registry->UnregisterFactory(sFactory);
     sFactory->Release();
     sFactory = nullptr;

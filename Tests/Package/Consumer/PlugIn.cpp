@@ -1,3 +1,4 @@
+#include "Host/PlugIn.h"
 #include "CoreRegistry/CoreRegistry.h"
 #include "CoreString/StringTokenizer.h"
 #include "Counter.h"

@@ -1,15 +1,17 @@
 // The line on a terminal that says how far long work has come.
 #include "Progress.h"
 
+#include "Support/TemporaryDirectory.h"
+#include "Support/Terminal.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <pty.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
-#include <stdexcept>
+#include <optional>
 #include <string>
 
 namespace KORVA::TESTS
@@ -18,94 +20,100 @@ namespace
 {
 using namespace std::chrono_literals;
 
-/// While it lives, standard error is what a test reads.
+/// While it lives, standard error goes to that file.
 class StandardError
 {
 public:
-    explicit StandardError(bool isTerminal) : mBefore(dup(STDERR_FILENO))
+    explicit StandardError(std::string const& file) : mBefore(dup(STDERR_FILENO))
     {
-        int ends[2];
-        if (isTerminal ? openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) != 0 : pipe(ends) != 0)
-            throw std::runtime_error("no terminal");
         std::fflush(stderr);
-        dup2(ends[1], STDERR_FILENO);
-        close(ends[1]);
-        mReader = ends[0];
-        fcntl(mReader, F_SETFL, O_NONBLOCK);
+        int const end = open(file.c_str(), O_WRONLY | O_NOCTTY);
+        dup2(end, STDERR_FILENO);
+        close(end);
     }
     StandardError(StandardError const&) = delete;
     StandardError& operator=(StandardError const&) = delete;
     ~StandardError()
     {
+        std::fflush(stderr);
         dup2(mBefore, STDERR_FILENO);
         close(mBefore);
-        close(mReader);
-    }
-
-    std::string Take() const
-    {
-        std::fflush(stderr);
-        char text[256];
-        ssize_t const count = read(mReader, text, sizeof text);
-        return count > 0 ? std::string(text, static_cast<std::size_t>(count)) : "";
     }
 
 private:
     int mBefore;
-    int mReader = -1;
 };
 
-TEST(Progress, IsShownAndGoesAway)
+/// Standard error is a terminal.
+class Progress : public ::testing::Test
 {
-    StandardError const terminal(true);
+protected:
+    void SetUp() override
+    {
+        if (!terminal.IsOpen())
+            GTEST_SKIP() << terminal.Why();
+        error.emplace(terminal.Name());
+    }
+
+    std::string Taken() const
+    {
+        std::fflush(stderr);
+        return terminal.Shown();
+    }
+
+    Terminal const terminal;
+    std::optional<StandardError> error;
+};
+
+TEST_F(Progress, IsShownAndGoesAway)
+{
     {
         TOOL::Progress progress("reading", 200, {.patience = 0h, .pause = 0h});
         progress.At(100);
-        EXPECT_EQ(terminal.Take(), "\rtessio: reading  50 %");
+        EXPECT_EQ(Taken(), "\rtessio: reading  50 %");
         progress.At(300, 400);
-        EXPECT_EQ(terminal.Take(), "\rtessio: reading  75 %");
+        EXPECT_EQ(Taken(), "\rtessio: reading  75 %");
     }
-    EXPECT_EQ(terminal.Take(), "\r                       \r");
+    EXPECT_EQ(Taken(), "\r                       \r");
 }
 
-TEST(Progress, OfShortWorkIsNotShown)
+TEST_F(Progress, OfShortWorkIsNotShown)
 {
-    StandardError const terminal(true);
     {
         TOOL::Progress progress("reading", 200, {.patience = 1h, .pause = 0h});
         progress.At(100);
     }
-    EXPECT_EQ(terminal.Take(), "");
+    EXPECT_EQ(Taken(), "");
 }
 
-TEST(Progress, IsNotShownAtEveryCall)
+TEST_F(Progress, IsNotShownAtEveryCall)
 {
-    StandardError const terminal(true);
     TOOL::Progress progress("reading", 200, {.patience = 0h, .pause = 1h});
     progress.At(100);
-    EXPECT_EQ(terminal.Take(), "\rtessio: reading  50 %");
+    EXPECT_EQ(Taken(), "\rtessio: reading  50 %");
     progress.At(200);
-    EXPECT_EQ(terminal.Take(), "");
+    EXPECT_EQ(Taken(), "");
 }
 
-TEST(Progress, OfAnUnknownSizeIsNotShown)
+TEST_F(Progress, OfAnUnknownSizeIsNotShown)
 {
-    StandardError const terminal(true);
     {
         TOOL::Progress progress("reading", 0, {.patience = 0h, .pause = 0h});
         progress.At(100);
     }
-    EXPECT_EQ(terminal.Take(), "");
+    EXPECT_EQ(Taken(), "");
 }
 
-TEST(Progress, IsForTerminalsOnly)
+TEST(ProgressElsewhere, IsNotShown)
 {
-    StandardError const file(false);
+    TemporaryDirectory const directory;
+    std::string const file = directory.File("err", "").string();
     {
+        StandardError const error(file);
         TOOL::Progress progress("reading", 200, {.patience = 0h, .pause = 0h});
         progress.At(100);
     }
-    EXPECT_EQ(file.Take(), "");
+    EXPECT_EQ(Content(file), "");
 }
 } // namespace
 } // namespace KORVA::TESTS

@@ -38,12 +38,25 @@ public:
     /// Borrowed; lives as long as the host.
     COREREGISTRY::ICoreRegistry* Registry() const;
 
-    /// Loads a shared object and calls its `KorvaPlugInInit` with the registry. False and the reason in
-    /// `error` when it can't be loaded, has no such function, or answers anything but 0.
+    /// Loads a shared object and calls its `KorvaPlugInInit` with the registry. Other threads get objects of
+    /// its classes when that has returned. False and the reason in `error` when it can't be loaded, has no
+    /// such function, or answers anything but 0.
     bool LoadPlugIn(std::string const& file, std::string& error);
 
-    /// Calls `KorvaPlugInShutdown` of a plug-in loaded under this very name and unloads it. No object of its
-    /// classes may be held any more. False and the reason in `error` when it is not loaded.
+    /// Shuts down a plug-in that is loaded under this very name, when nobody is inside one of its factories
+    /// any more: waits for other threads, whose calls of `CreateInstance` for its classes answer -1004
+    /// meanwhile, and calls `KorvaPlugInShutdown`. Then takes its code out of memory. Every call of its
+    /// objects must have returned.
+    ///
+    /// False, with the reason in `error` and the plug-in at work as before, when it is not loaded, when more
+    /// objects of its classes live than it had made when it had started, or when the calling thread is inside
+    /// one of its factories.
+    ///
+    /// When it is shut down and its code has to stay in memory, the answer is true and `error` says why; else
+    /// `error` is empty. Code stays where the plug-in does not say how many of its objects live
+    /// (Host/PlugIn.h), where it has left some of its own, and where the system keeps it: for somebody else
+    /// who has loaded the file, or for variables that are unique in the process, which g++ makes without
+    /// `-fno-gnu-unique`.
     bool UnloadPlugIn(std::string const& file, std::string& error);
 
 private:

@@ -7,14 +7,19 @@
 
 namespace KORVA
 {
+/// How many objects live whose class is compiled into this program or shared object. Each has a number of its
+/// own, which is why it is hidden: a plug-in may be unloaded when its own number says so (Host/PlugIn.h).
+[[gnu::visibility("hidden")]] inline std::atomic<int32> sLiveObjects{0};
+
 /// Implements `IObject` for the interface `I`. A new object has the count 1, owned by its creator.
 /// The count is atomic; the aggregate table is not locked.
 template <class I>
 class TObject : public I
 {
 public:
-    /// With the count 1 and no aggregates.
-    TObject() = default;
+    /// With the count 1 and no aggregates. Hidden, as the destructor is: another shared object's must not be
+    /// called in their stead and count these objects as its own.
+    [[gnu::visibility("hidden")]] TObject() noexcept { sLiveObjects.fetch_add(1, std::memory_order_relaxed); }
     TObject(TObject const&) = delete;
     TObject& operator=(TObject const&) = delete;
 
@@ -80,7 +85,12 @@ public:
 
 protected:
     /// Releases the aggregates.
-    ~TObject() override { TObject::ClearAggregates(); }
+    [[gnu::visibility("hidden")]] ~TObject() override
+    {
+        TObject::ClearAggregates();
+        // What the object did happens before its plug-in is unloaded.
+        sLiveObjects.fetch_sub(1, std::memory_order_release);
+    }
 
 private:
     friend struct KORVA::LayoutProbe;
