@@ -122,9 +122,8 @@ Outcome Replacement::Commit()
 
 ErrorNumber Replacement::Flush()
 {
-    if (fsync(mDescriptor.Get()) != 0)
-        return errno;
-    return mDescriptor.Close();
+    ErrorNumber const error = FlushToDevice(mDescriptor.Get());
+    return error != 0 ? error : mDescriptor.Close();
 }
 
 ErrorNumber Replacement::Rename(Undoable undoable)
@@ -153,12 +152,7 @@ ErrorNumber Replacement::Undo()
 ErrorNumber Replacement::FlushName()
 {
     Descriptor const readable(openat(mDirectory.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!readable)
-        return errno;
-    // Some file systems can't flush directories; they order renames themselves.
-    if (fsync(readable.Get()) != 0 && errno != EINVAL && errno != EROFS)
-        return errno;
-    return 0;
+    return readable ? FlushNames(readable) : errno;
 }
 
 Outcome ReplaceFile(std::string const& path, void const* data, std::uint64_t count, NotKept& notKept)

@@ -1,5 +1,7 @@
 #include "System/Files.h"
 
+#include "System/Transfer.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,16 +28,24 @@ std::string PathThrough(Descriptor const& descriptor)
     return isThere ? path : std::string();
 }
 
+ErrorNumber MakeFile(std::string const& path)
+{
+    Descriptor made(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    return made || errno == EEXIST ? 0 : errno;
+}
+
 ErrorNumber RemoveFile(std::string const& path) { return unlink(path.c_str()) == 0 ? 0 : errno; }
 
 ErrorNumber FlushDirectoryOf(std::string const& path)
 {
     Descriptor const directory(open(DirectoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!directory)
-        return errno;
-    if (fsync(directory.Get()) != 0 && errno != EINVAL && errno != EROFS)
-        return errno;
-    return 0;
+    return directory ? FlushNames(directory) : errno;
+}
+
+ErrorNumber FlushNames(Descriptor const& directory)
+{
+    ErrorNumber const error = FlushToDevice(directory.Get());
+    return error == EINVAL || error == EROFS ? 0 : error;
 }
 
 std::string DirectoryOf(std::string const& path)

@@ -63,4 +63,12 @@ ErrorNumber ReadAll(int descriptor, void* data, std::size_t& count)
     }
     return 0;
 }
+
+ErrorNumber FlushToDevice(int descriptor)
+{
+    while (fsync(descriptor) != 0)
+        if (errno != EINTR)
+            return errno;
+    return 0;
+}
 } // namespace KORVA::SYSTEM

@@ -3,6 +3,7 @@
 
 #include "System/ErrorNumber.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -32,4 +33,10 @@ ErrorNumber CopyPermissions(int from, int to, NotKept& notKept);
 
 /// Gives `to` the dates of access and modification of `from`.
 ErrorNumber CopyDates(int from, int to);
+
+/// Sets the date of modification, in nanoseconds since 1970-01-01T00:00:00Z.
+///@{
+ErrorNumber SetModified(int to, std::uint64_t date);
+ErrorNumber SetModified(std::string const& path, std::uint64_t date);
+///@}
 } // namespace KORVA::SYSTEM

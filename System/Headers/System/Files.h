@@ -23,12 +23,18 @@ Descriptor OpenFile(std::string const& path, Access access, ErrorNumber& error);
 /// while the descriptor is open. Empty where the system gives none.
 std::string PathThrough(Descriptor const& descriptor);
 
+/// Makes an empty file where nothing is.
+ErrorNumber MakeFile(std::string const& path);
+
 /// Removes a file (not a directory).
 ErrorNumber RemoveFile(std::string const& path);
 
-/// Waits until the names in the directory of `path` are on the device. Where a file system can't be told to,
-/// it orders renames itself, and the answer is 0.
+/// Waits until the names in a directory are on the device. Where a file system can't be told to, it orders
+/// renames itself, and the answer is 0.
+///@{
+ErrorNumber FlushNames(Descriptor const& directory);
 ErrorNumber FlushDirectoryOf(std::string const& path);
+///@}
 
 /// The part of a path before its last component; "." where it has none.
 std::string DirectoryOf(std::string const& path);

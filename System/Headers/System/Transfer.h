@@ -16,4 +16,7 @@ ErrorNumber ReadSome(int descriptor, void* data, std::size_t& count);
 
 /// Reads `count` bytes, fewer only where the file ends. `count` becomes how many came, on failure too.
 ErrorNumber ReadAll(int descriptor, void* data, std::size_t& count);
+
+/// Waits until the file's content is on the device, or the names in a directory.
+ErrorNumber FlushToDevice(int descriptor);
 } // namespace KORVA::SYSTEM
