@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,7 +10,6 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
-#include <limits>
 
 namespace KORVA::PLATFORM
 {
@@ -47,25 +47,17 @@ private:
     sigset_t mBefore;
 };
 
-/// The position in the file; nothing that the system could take gives -1.
-off_t PositionOf(off_t origin, std::int64_t offset)
-{
-    if (offset < 0 || offset > std::numeric_limits<off_t>::max() - origin)
-        return -1;
-    return origin + offset;
-}
-
 /// Repeats `transfer(position, moved, left)`, a call as of pread, until all is moved or it moves nothing.
 template <class Transfer>
-ChannelDescriptor::Outcome Repeat(off_t position, std::size_t length, Transfer transfer)
+ChannelDescriptor::Outcome Repeat(std::int64_t offset, std::size_t length, Transfer transfer)
 {
-    if (position < 0)
+    if (offset < 0)
         return {0, EINVAL};
     std::size_t moved = 0;
     while (moved < length)
     {
         std::size_t const left = std::min(length - moved, kLargestTransfer);
-        ssize_t const count = transfer(position + static_cast<off_t>(moved), moved, left);
+        ssize_t const count = transfer(static_cast<off_t>(offset) + static_cast<off_t>(moved), moved, left);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
@@ -82,19 +74,17 @@ Ref<ChannelDescriptor> ChannelDescriptor::Duplicate(int descriptor)
 {
     int const own = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
     if (own < 0)
-        return errno == EBADF ? Ref<ChannelDescriptor>(new ChannelDescriptor(-1, EBADF, 0))
+        return errno == EBADF ? Ref<ChannelDescriptor>(new ChannelDescriptor(-1, EBADF))
                               : Ref<ChannelDescriptor>();
     struct stat status;
-    off_t const origin = lseek(own, 0, SEEK_CUR);
-    int error = origin < 0 ? errno : 0;
+    // Asked for the error alone: a file without positions can't be read and written at positions.
+    int error = lseek(own, 0, SEEK_CUR) < 0 ? errno : 0;
     if (fstat(own, &status) == 0 && S_ISDIR(status.st_mode))
         error = EISDIR;
-    return Ref<ChannelDescriptor>(new ChannelDescriptor(own, error, origin));
+    return Ref<ChannelDescriptor>(new ChannelDescriptor(own, error));
 }
 
-ChannelDescriptor::ChannelDescriptor(int descriptor, int error, off_t origin)
-    : mDescriptor(descriptor), mError(error), mOrigin(origin)
-{}
+ChannelDescriptor::ChannelDescriptor(int descriptor, int error) : mDescriptor(descriptor), mError(error) {}
 
 ChannelDescriptor::~ChannelDescriptor()
 {
@@ -105,20 +95,18 @@ ChannelDescriptor::~ChannelDescriptor()
 ChannelDescriptor::Outcome ChannelDescriptor::Read(std::int64_t offset, std::size_t length,
                                                    std::byte* destination) const
 {
-    return Repeat(PositionOf(mOrigin, offset), length,
-                  [&](off_t position, std::size_t moved, std::size_t left) {
-                      return pread(mDescriptor, destination + moved, left, position);
-                  });
+    return Repeat(offset, length, [&](off_t position, std::size_t moved, std::size_t left) {
+        return pread(mDescriptor, destination + moved, left, position);
+    });
 }
 
 ChannelDescriptor::Outcome ChannelDescriptor::Write(std::int64_t offset, std::byte const* source,
                                                     std::size_t length) const
 {
     NoSizeLimitSignal const noSignal;
-    Outcome outcome =
-        Repeat(PositionOf(mOrigin, offset), length, [&](off_t position, std::size_t moved, std::size_t left) {
-            return pwrite(mDescriptor, source + moved, left, position);
-        });
+    Outcome outcome = Repeat(offset, length, [&](off_t position, std::size_t moved, std::size_t left) {
+        return pwrite(mDescriptor, source + moved, left, position);
+    });
     if (outcome.error == EFBIG)
         noSignal.Discard();
     if (outcome.error == 0 && outcome.moved < length)
@@ -126,12 +114,33 @@ ChannelDescriptor::Outcome ChannelDescriptor::Write(std::int64_t offset, std::by
     return outcome;
 }
 
+void ChannelDescriptor::BeginWrite() { ++mWrites; }
+
+void ChannelDescriptor::EndWrite()
+{
+    if (--mWrites == 0 && mUnlocksAfterWrites)
+        Unlock();
+}
+
+void ChannelDescriptor::UnlockAfterWrites()
+{
+    mUnlocksAfterWrites = true;
+    if (mWrites == 0)
+        Unlock();
+}
+
+/// Duplicates share one lock, and giving it up through one of them gives it up for all.
+void ChannelDescriptor::Unlock()
+{
+    if (mDescriptor >= 0)
+        flock(mDescriptor, LOCK_UN);
+}
+
 std::size_t ChannelDescriptor::Expected(std::int64_t offset, std::size_t length) const
 {
     struct stat status;
-    off_t const position = PositionOf(mOrigin, offset);
-    if (position < 0 || fstat(mDescriptor, &status) != 0 || !S_ISREG(status.st_mode))
+    if (offset < 0 || fstat(mDescriptor, &status) != 0 || !S_ISREG(status.st_mode))
         return std::min(length, kPieceOfUnknown);
-    return std::min(length, static_cast<std::size_t>(std::max<off_t>(status.st_size - position, 0)));
+    return std::min(length, static_cast<std::size_t>(std::max<off_t>(status.st_size - offset, 0)));
 }
 } // namespace KORVA::PLATFORM

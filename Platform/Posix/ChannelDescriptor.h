@@ -3,7 +3,8 @@
 
 #include "Platform/IOChannel.h"
 
-#include <sys/types.h>
+#include <atomic>
+#include <cstdint>
 
 namespace KORVA::PLATFORM
 {
@@ -28,17 +29,26 @@ public:
     /// Until all is written or an error. The signal that a file's size limit raises is not let out.
     Outcome Write(std::int64_t offset, std::byte const* source, std::size_t length) const;
 
+    /// Between these the descriptor's lock is kept, whatever the channel's owner does.
+    void BeginWrite();
+    void EndWrite();
+    /// Gives up the advisory lock as soon as no write is under way.
+    void UnlockAfterWrites();
+
     /// The bytes that lie behind `offset`, at most `length`; of what has no size, a piece.
     std::size_t Expected(std::int64_t offset, std::size_t length) const;
 
 private:
     friend class Ref<ChannelDescriptor>;
 
-    ChannelDescriptor(int descriptor, int error, off_t origin);
+    ChannelDescriptor(int descriptor, int error);
     ~ChannelDescriptor();
+
+    void Unlock();
 
     int mDescriptor;
     int mError;
-    off_t mOrigin;
+    std::atomic<std::uint32_t> mWrites{0};
+    std::atomic<bool> mUnlocksAfterWrites{false};
 };
 } // namespace KORVA::PLATFORM

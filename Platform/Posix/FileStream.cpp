@@ -54,22 +54,119 @@ OpenResult OpenFile(PathString const& path, Access access, Lock lock, int& descr
 
 void CloseFile(int descriptor) { close(descriptor); }
 
-std::FILE* StreamOver(int descriptor, char const* mode) { return fdopen(descriptor, mode); }
-
-int SynchronizedDescriptor(std::FILE* stream)
+std::unique_ptr<FileStream> FileStream::Over(int descriptor, char const* mode)
 {
-    std::fflush(stream);
-    return fileno(stream);
+    std::FILE* const stream = fdopen(descriptor, mode);
+    if (!stream)
+        return nullptr;
+    return std::unique_ptr<FileStream>(new FileStream(stream, lseek(descriptor, 0, SEEK_CUR)));
 }
 
-bool TruncateUnder(std::FILE* stream, std::int64_t length) { return ftruncate(fileno(stream), length) == 0; }
+FileStream::~FileStream() { std::fclose(mStream); }
 
-bool Seek(std::FILE* stream, std::int64_t offset, int whence) { return fseeko(stream, offset, whence) == 0; }
-
-std::int64_t Tell(std::FILE* stream)
+std::size_t FileStream::Write(void const* bytes, std::size_t count)
 {
-    off_t const position = ftello(stream);
+    if (mLast == Last::kRead)
+        Seek(0, SEEK_CUR);
+    mLast = Last::kWrite;
+    std::size_t const taken = std::fwrite(bytes, 1, count, mStream);
+    // The C library answers that all was taken also when it has just dropped it.
+    if (std::ferror(mStream))
+        NoteLoss(taken);
+    else if (mPosition >= 0)
+        mPosition += static_cast<std::int64_t>(taken);
+    return taken;
+}
+
+std::size_t FileStream::Read(void* buffer, std::size_t count)
+{
+    if (mLast == Last::kWrite)
+        Seek(0, SEEK_CUR);
+    mLast = Last::kRead;
+    std::size_t const delivered = std::fread(buffer, 1, count, mStream);
+    if (delivered < count && std::ferror(mStream))
+        NoteError();
+    if (mPosition >= 0)
+        mPosition += static_cast<std::int64_t>(delivered);
+    return delivered;
+}
+
+bool FileStream::Seek(std::int64_t offset, int whence)
+{
+    // Relative to where the caller stands, not to where the bytes have come.
+    std::int64_t const from = mPosition;
+    bool const hasWritten = mLast == Last::kWrite;
+    bool moved = fseeko(mStream, offset, whence) == 0;
+    if (!moved && hasWritten && std::ferror(mStream))
+    {
+        NoteLoss(0);
+        if (whence == SEEK_CUR && from >= 0)
+            moved = fseeko(mStream, from, SEEK_SET) == 0 && fseeko(mStream, offset, SEEK_CUR) == 0;
+        else
+            moved = fseeko(mStream, offset, whence) == 0;
+    }
+    mLast = Last::kNeither;
+    if (mPosition >= 0)
+        mPosition = moved && whence == SEEK_SET ? offset : Tell();
+    return moved;
+}
+
+std::int64_t FileStream::Tell() const
+{
+    off_t const position = ftello(mStream);
     return position < 0 ? 0 : position;
+}
+
+bool FileStream::Truncate(std::int64_t length) { return ftruncate(fileno(mStream), length) == 0; }
+
+bool FileStream::WriteOut()
+{
+    if (mLast != Last::kWrite)
+        return true;
+    if (std::fflush(mStream) == 0)
+        return true;
+    NoteLoss(0);
+    return false;
+}
+
+bool FileStream::FlushToDevice()
+{
+    bool const written = WriteOut();
+    int result = 0;
+    do
+        result = fdatasync(fileno(mStream));
+    while (result != 0 && errno == EINTR);
+    // What is no file on a device has nothing to wait for.
+    if (result != 0 && errno != EINVAL && errno != EROFS)
+    {
+        NoteError();
+        return false;
+    }
+    return written;
+}
+
+int FileStream::Descriptor() const { return fileno(mStream); }
+
+void FileStream::NoteError()
+{
+    if (mFirstError == 0)
+        mFirstError = errno;
+}
+
+/// After a failure: what the caller was told minus where the stream has come is lost. `taken` is what the
+/// call that failed has answered.
+void FileStream::NoteLoss(std::size_t taken)
+{
+    NoteError();
+    if (mPosition < 0)
+    {
+        mLostBytes += taken;
+        return;
+    }
+    std::int64_t const told = mPosition + static_cast<std::int64_t>(taken);
+    mPosition = Tell();
+    if (told > mPosition)
+        mLostBytes += static_cast<std::uint64_t>(told - mPosition);
 }
 
 bool FileExists(PathString const& path)

@@ -94,7 +94,33 @@ void PerformRead(DescriptorRef descriptor, std::int64_t offset, std::size_t leng
     handler(true, Data(), outcome.error);
 }
 
-void PerformWrite(DescriptorRef descriptor, std::int64_t offset, Data data, Handler const& handler)
+/// A write under way: keeps the descriptor and its lock. To be ended before the handler is told, like a
+/// read's descriptor.
+class WriteTurn
+{
+public:
+    explicit WriteTurn(DescriptorRef descriptor) : mDescriptor(std::move(descriptor))
+    {
+        mDescriptor->BeginWrite();
+    }
+    WriteTurn(WriteTurn&&) = default;
+    WriteTurn& operator=(WriteTurn&&) = delete;
+    ~WriteTurn() { End(); }
+
+    void End()
+    {
+        if (DescriptorRef const descriptor = std::exchange(mDescriptor, {}))
+            descriptor->EndWrite();
+    }
+
+    ChannelDescriptor& operator*() const { return *mDescriptor; }
+    ChannelDescriptor* operator->() const { return &*mDescriptor; }
+
+private:
+    DescriptorRef mDescriptor;
+};
+
+void PerformWrite(WriteTurn descriptor, std::int64_t offset, Data data, Handler const& handler)
 {
     std::byte const* source = nullptr;
     data.Apply([&](std::size_t, void const* address, std::size_t) {
@@ -104,7 +130,7 @@ void PerformWrite(DescriptorRef descriptor, std::int64_t offset, Data data, Hand
     ChannelDescriptor::Outcome outcome{0, descriptor->Error()};
     if (outcome.error == 0 && !data.IsEmpty())
         outcome = descriptor->Write(offset, source, data.Size());
-    descriptor = {};
+    descriptor.End();
     Data const left(source + outcome.moved, data.Size() - outcome.moved);
     if (outcome.error != 0 && outcome.moved > 0)
         handler(false, left, 0);
@@ -115,9 +141,9 @@ void PerformWrite(DescriptorRef descriptor, std::int64_t offset, Data data, Hand
 constexpr std::size_t kShort = 1 << 20;
 
 /// By what a thread that waits for the file knows what it may take over; null for what it may not.
-void const* OwnerOf(DescriptorRef const& descriptor, std::size_t length)
+void const* OwnerOf(ChannelDescriptor const& descriptor, std::size_t length)
 {
-    return length <= kShort ? &*descriptor : nullptr;
+    return length <= kShort ? &descriptor : nullptr;
 }
 
 class ReadJob final : public WorkerPool::Job
@@ -125,7 +151,7 @@ class ReadJob final : public WorkerPool::Job
 public:
     ReadJob(CleanupRef cleanup, DescriptorRef descriptor, std::int64_t offset, std::size_t length,
             void* destination, Handler handler)
-        : Job(OwnerOf(descriptor, length)), mCleanup(std::move(cleanup)), mDescriptor(std::move(descriptor)),
+        : Job(OwnerOf(*descriptor, length)), mCleanup(std::move(cleanup)), mDescriptor(std::move(descriptor)),
           mOffset(offset), mLength(length), mDestination(static_cast<std::byte*>(destination)),
           mHandler(std::move(handler))
     {}
@@ -145,15 +171,15 @@ class WriteJob final : public WorkerPool::Job
 {
 public:
     WriteJob(CleanupRef cleanup, DescriptorRef descriptor, std::int64_t offset, Data data, Handler handler)
-        : Job(OwnerOf(descriptor, data.Size())), mCleanup(std::move(cleanup)),
-          mDescriptor(std::move(descriptor)), mOffset(offset), mData(data), mHandler(std::move(handler))
+        : Job(OwnerOf(*descriptor, data.Size())), mCleanup(std::move(cleanup)), mTurn(std::move(descriptor)),
+          mOffset(offset), mData(data), mHandler(std::move(handler))
     {}
 
-    void Run() override { PerformWrite(std::move(mDescriptor), mOffset, mData, mHandler); }
+    void Run() override { PerformWrite(std::move(mTurn), mOffset, mData, mHandler); }
 
 private:
     CleanupRef mCleanup;
-    DescriptorRef mDescriptor;
+    WriteTurn mTurn;
     std::int64_t mOffset;
     Data mData;
     Handler mHandler;
@@ -180,6 +206,8 @@ IOChannel::IOChannel(DescriptorRef descriptor, CleanupRef cleanup)
 
 IOChannel::~IOChannel() = default;
 
+void IOChannel::UnlockAfterWrites() { mDescriptor->UnlockAfterWrites(); }
+
 void IOChannel::DropCleanupHandler() { mCleanup->Drop(); }
 
 void IOChannel::Read(std::int64_t offset, std::size_t length, void* destination, ReadHandler handler)
@@ -204,6 +232,6 @@ void IOChannel::ReadHere(std::int64_t offset, std::size_t length, void* destinat
 
 void IOChannel::WriteHere(std::int64_t offset, Data data, WriteHandler const& handler)
 {
-    PerformWrite(mDescriptor, offset, data, handler);
+    PerformWrite(WriteTurn(mDescriptor), offset, data, handler);
 }
 } // namespace KORVA::PLATFORM

@@ -7,6 +7,8 @@ tessio_add_tests(async_tests
     ${mac}/AsyncLifetimeTest.cpp
     ${mac}/AsyncPositionsTest.cpp
     ${mac}/AsyncStressTest.cpp
+    ${mac}/FileLossTest.cpp
+    ${mac}/FileLockTest.cpp
     ${mac}/MAsyncReaderTest.cpp
     ${mac}/MAsyncTaskTest.cpp
     ${mac}/MAsyncWriterTest.cpp

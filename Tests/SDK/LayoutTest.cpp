@@ -64,7 +64,7 @@ struct LayoutProbe
     static constexpr std::size_t kFileFile = offsetof(IO::FileDataProvider, mFile);
     static constexpr std::size_t kFileReporter = offsetof(IO::FileDataProvider, mReporter);
     static constexpr std::size_t kFileURI = offsetof(IO::FileDataProvider, mURI);
-    static_assert(std::is_same_v<decltype(IO::FileDataProvider::mFile), std::FILE*>);
+    static_assert(std::is_same_v<decltype(IO::FileDataProvider::mFile), PLATFORM::FileStream*>);
     static_assert(std::is_same_v<decltype(IO::FileDataProvider::mReporter), TInterfacePtr<IO::IReporter>>);
     static_assert(std::is_same_v<decltype(IO::FileDataProvider::mURI), TInterfacePtr<IO::IURI>>);
 
@@ -199,9 +199,9 @@ Row const kRows[] = {
     {"TObjectOfAnotherInterfaceSize", sizeof(TObject<IO::IURIFile>), 64},
     {"TInterfacePtrInterface", Probe::kPointerInterface, 8},
     {"TInterfacePtrSize", sizeof(TInterfacePtr<IObject>), 16},
-    {"DataProviderEndian", Probe::kProviderEndian, 60},
-    {"DataProviderImpl", Probe::kProviderImpl, 64},
-    {"DataProviderSize", sizeof(IO::DataProvider), 72},
+    {"DataProviderEndian", Probe::kProviderEndian, 72},
+    {"DataProviderImpl", Probe::kProviderImpl, 80},
+    {"DataProviderSize", sizeof(IO::DataProvider), 88},
     {"DataProviderImplHasNoFields", sizeof(IO::DataProviderImpl), 8},
     {"ReadOnlyData", Probe::kReadOnlyData, 8},
     {"ReadOnlySize", Probe::kReadOnlySize, 16},
@@ -219,7 +219,7 @@ Row const kRows[] = {
     {"FileURI", Probe::kFileURI, 40},
     {"FileChannel", Probe::kFileChannel, 56},
     {"FileAsyncEnabled", Probe::kFileAsyncEnabled, 64},
-    {"FileDataProviderSize", sizeof(IO::FileDataProvider), 72},
+    {"FileDataProviderSize", sizeof(IO::FileDataProvider), 88},
     {"TaskDone", Probe::kTaskDone, 64},
     {"TaskStatus", Probe::kTaskStatus, 72},
     {"TaskCompleted", Probe::kTaskCompleted, 76},
@@ -233,13 +233,13 @@ Row const kRows[] = {
     {"WriterInitialized", Probe::kWriterInitialized, 80},
     {"WriterProc", Probe::kWriterProc, 88},
     {"AsyncWriterSize", sizeof(IO::MAsyncWriter), 96},
-    {"BufferedProvider", Probe::kBufferedProvider, 64},
-    {"BufferedBufferSize", Probe::kBufferedBufferSize, 80},
-    {"BufferedMode", Probe::kBufferedMode, 84},
-    {"BufferedBuffer", Probe::kBufferedBuffer, 88},
-    {"BufferedDirty", Probe::kBufferedDirty, 120},
-    {"BufferedAutoFlush", Probe::kBufferedAutoFlush, 121},
-    {"BufferedDataProviderSize", sizeof(IO::BufferedDataProvider), 128},
+    {"BufferedProvider", Probe::kBufferedProvider, 72},
+    {"BufferedBufferSize", Probe::kBufferedBufferSize, 88},
+    {"BufferedMode", Probe::kBufferedMode, 92},
+    {"BufferedBuffer", Probe::kBufferedBuffer, 96},
+    {"BufferedDirty", Probe::kBufferedDirty, 128},
+    {"BufferedAutoFlush", Probe::kBufferedAutoFlush, 129},
+    {"BufferedDataProviderSize", sizeof(IO::BufferedDataProvider), 144},
     {"BufferData", Probe::kBufferData, 0},
     {"BufferCursor", Probe::kBufferCursor, 8},
     {"BufferLength", Probe::kBufferLength, 16},

@@ -1,6 +1,7 @@
 // Files opened with advisory locks, and the C streams over them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -52,22 +53,70 @@ OpenResult OpenFile(PathString const& path, Access access, Lock lock, int& descr
 
 void CloseFile(int descriptor);
 
-/// Makes a stream that owns the descriptor. Null, and the descriptor stays the caller's, when `mode` (as of
-/// fopen) does not match the access that the descriptor was opened with.
-std::FILE* StreamOver(int descriptor, char const* mode);
+/// A buffered C stream over a descriptor, which it owns. It tells what a C stream keeps to itself: bytes that
+/// it took and dropped later, because the system refused them. The C library's own rule that reading and
+/// writing may follow each other only after a seek is kept in here. One thread at a time.
+class FileStream
+{
+public:
+    /// Null, and the descriptor stays the caller's, when `mode` (as of fopen) does not match the access that
+    /// the descriptor was opened with.
+    static std::unique_ptr<FileStream> Over(int descriptor, char const* mode);
 
-/// The descriptor under a stream, standing where the stream stands: what the stream has buffered is written
-/// and what it has read ahead is given back. The stream keeps the descriptor.
-int SynchronizedDescriptor(std::FILE* stream);
+    FileStream(FileStream const&) = delete;
+    FileStream& operator=(FileStream const&) = delete;
+    /// Writes what is held back, and closes the descriptor. What fails here nobody learns: `WriteOut` first.
+    ~FileStream();
 
-/// Cuts or extends the file under a stream, past what the stream buffers. False on failure.
-bool TruncateUnder(std::FILE* stream, std::int64_t length);
+    /// As fwrite with an element size of 1, but for the order of reading and writing: how many bytes were
+    /// taken. A failing stream may take bytes and drop them; `LostBytes` counts these.
+    std::size_t Write(void const* bytes, std::size_t count);
+    /// As fread with an element size of 1, but for the order of reading and writing.
+    std::size_t Read(void* buffer, std::size_t count);
 
-/// Moves the stream's position; `whence` as of fseek. False on failure.
-bool Seek(std::FILE* stream, std::int64_t offset, int whence);
+    /// Moves the position; `whence` as of fseek. What is held back is written first. It is lost when that
+    /// fails, and the position is moved all the same. False when the position is not moved.
+    bool Seek(std::int64_t offset, int whence);
+    /// The position in bytes; 0 for a file without one.
+    std::int64_t Tell() const;
 
-/// The stream's position in bytes; 0 when it has none.
-std::int64_t Tell(std::FILE* stream);
+    /// Cuts or extends the file, past what the stream holds back. False on failure.
+    bool Truncate(std::int64_t length);
+
+    /// Hands what is held back to the system. False when the system refuses it; it is lost then.
+    bool WriteOut();
+    /// The same, then waits until the content is on the device. False when either fails.
+    bool FlushToDevice();
+
+    /// Bytes that were taken and that no file has. For a file without positions, those of the calls that
+    /// failed.
+    std::uint64_t LostBytes() const { return mLostBytes; }
+    /// The system's number of the first failure in moving bytes; 0 when there was none.
+    int FirstError() const { return mFirstError; }
+
+    /// The descriptor, which stays the stream's.
+    int Descriptor() const;
+
+private:
+    enum class Last
+    {
+        kNeither,
+        kRead,
+        kWrite
+    };
+
+    FileStream(std::FILE* stream, std::int64_t position) : mStream(stream), mPosition(position) {}
+
+    void NoteError();
+    void NoteLoss(std::size_t taken);
+
+    std::FILE* mStream;
+    /// Where the stream stands by all that was answered; negative for a file without positions.
+    std::int64_t mPosition;
+    std::uint64_t mLostBytes = 0;
+    int mFirstError = 0;
+    Last mLast = Last::kNeither;
+};
 
 /// Whether anything is there under the path, following links.
 bool FileExists(PathString const& path);

@@ -35,8 +35,8 @@ private:
 class ChannelCleanup;
 class ChannelDescriptor;
 
-/// A file for random access. Offsets are bytes from where the descriptor stood when the channel was made;
-/// that position is neither used nor moved. Any number of operations may be under way; those of one channel
+/// A file for random access. Offsets are bytes from the file's start, wherever the descriptor stands; that
+/// position is neither used nor moved. Any number of operations may be under way; those of one channel
 /// and of others don't disturb each other. Safe from any thread.
 ///
 /// Dropping the last reference lets the operations under way end, and the descriptor is closed before the
@@ -78,6 +78,11 @@ public:
     /// For a caller that waits for one of the operations: performs one that no thread has begun yet, unless
     /// it is a long one, and calls its handler, on the calling thread. False when there is none.
     bool ServeOne();
+
+    /// Gives up the advisory lock of the descriptor that the channel was made from: as soon as no write is
+    /// under way, now or when the last one has ended. Reads under way don't keep it. To be called by an owner
+    /// that has closed that descriptor; writes must not be begun afterwards.
+    void UnlockAfterWrites();
 
     /// After this the cleanup handler is not called any more; waits for it where it is just running. To be
     /// called by an owner to whom the handler leads.

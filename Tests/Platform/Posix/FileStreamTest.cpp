@@ -20,6 +20,7 @@ namespace KORVA
 namespace
 {
 using PLATFORM::Access;
+using PLATFORM::FileStream;
 using PLATFORM::Lock;
 using PLATFORM::OpenResult;
 using PLATFORM::PathString;
@@ -162,7 +163,7 @@ LockRow const kLocks[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Locks, LockedFile, ::testing::ValuesIn(kLocks), RowName());
 
-class FileStream : public ::testing::Test
+class FileStreamTest : public ::testing::Test
 {
 protected:
     int Open(fs::path const& path, Access access, Lock lock = Lock::kNone)
@@ -172,9 +173,9 @@ protected:
         return descriptor;
     }
 
-    std::FILE* OpenStream(fs::path const& path)
+    std::unique_ptr<FileStream> OpenStream(fs::path const& path)
     {
-        std::FILE* const stream = PLATFORM::StreamOver(Open(path, Access::kReadWrite), "r+b");
+        auto stream = FileStream::Over(Open(path, Access::kReadWrite), "r+b");
         EXPECT_NE(stream, nullptr);
         return stream;
     }
@@ -182,7 +183,7 @@ protected:
     TESTS::TemporaryDirectory mDirectory;
 };
 
-TEST_F(FileStream, LockGoesWithTheDescriptor)
+TEST_F(FileStreamTest, LockGoesWithTheDescriptor)
 {
     fs::path const path = mDirectory.File("file", "content");
     int const holder = Open(path, Access::kWrite, Lock::kExclusive);
@@ -193,7 +194,7 @@ TEST_F(FileStream, LockGoesWithTheDescriptor)
     PLATFORM::CloseFile(other);
 }
 
-TEST_F(FileStream, PeerOfAPipeIsNotWaitedFor)
+TEST_F(FileStreamTest, PeerOfAPipeIsNotWaitedFor)
 {
     fs::path const path = mDirectory.Path() / "pipe";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
@@ -212,19 +213,20 @@ struct StreamRow
     bool opens;
 };
 
-class StreamModes : public FileStream, public ::testing::WithParamInterface<StreamRow>
+class StreamModes : public FileStreamTest, public ::testing::WithParamInterface<StreamRow>
 {
 };
 
 TEST_P(StreamModes, MustMatchTheDescriptor)
 {
     int const descriptor = Open(mDirectory.File("file", "content"), GetParam().access);
-    std::FILE* const stream = PLATFORM::StreamOver(descriptor, GetParam().mode);
+    auto stream = FileStream::Over(descriptor, GetParam().mode);
     EXPECT_EQ(stream != nullptr, GetParam().opens);
     EXPECT_NE(fcntl(descriptor, F_GETFL), -1);
     if (stream)
     {
-        std::fclose(stream);
+        EXPECT_EQ(stream->Descriptor(), descriptor);
+        stream.reset();
         EXPECT_EQ(fcntl(descriptor, F_GETFL), -1);
     }
     else
@@ -241,59 +243,60 @@ StreamRow const kStreams[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Modes, StreamModes, ::testing::ValuesIn(kStreams), RowName());
 
-TEST_F(FileStream, SeeksAndTells)
+TEST_F(FileStreamTest, SeeksAndTells)
 {
-    std::FILE* const stream = OpenStream(mDirectory.File("file", "0123456789"));
-    EXPECT_EQ(PLATFORM::Tell(stream), 0);
-    EXPECT_TRUE(PLATFORM::Seek(stream, 4, SEEK_SET));
-    EXPECT_EQ(PLATFORM::Tell(stream), 4);
-    EXPECT_TRUE(PLATFORM::Seek(stream, -1, SEEK_CUR));
-    EXPECT_EQ(PLATFORM::Tell(stream), 3);
-    EXPECT_TRUE(PLATFORM::Seek(stream, -3, SEEK_END));
-    EXPECT_EQ(std::fgetc(stream), '7');
-    EXPECT_EQ(PLATFORM::Tell(stream), 8);
-    EXPECT_TRUE(PLATFORM::Seek(stream, 5'000'000'000, SEEK_SET));
-    EXPECT_EQ(PLATFORM::Tell(stream), 5'000'000'000);
-    EXPECT_FALSE(PLATFORM::Seek(stream, -1, SEEK_SET));
-    EXPECT_EQ(PLATFORM::Tell(stream), 5'000'000'000);
-    std::fclose(stream);
+    auto stream = OpenStream(mDirectory.File("file", "0123456789"));
+    EXPECT_EQ(stream->Tell(), 0);
+    EXPECT_TRUE(stream->Seek(4, SEEK_SET));
+    EXPECT_EQ(stream->Tell(), 4);
+    EXPECT_TRUE(stream->Seek(-1, SEEK_CUR));
+    EXPECT_EQ(stream->Tell(), 3);
+    EXPECT_TRUE(stream->Seek(-3, SEEK_END));
+    char read = 0;
+    EXPECT_EQ(stream->Read(&read, 1), 1u);
+    EXPECT_EQ(read, '7');
+    EXPECT_EQ(stream->Tell(), 8);
+    EXPECT_TRUE(stream->Seek(5'000'000'000, SEEK_SET));
+    EXPECT_EQ(stream->Tell(), 5'000'000'000);
+    EXPECT_FALSE(stream->Seek(-1, SEEK_SET));
+    EXPECT_EQ(stream->Tell(), 5'000'000'000);
 }
 
-TEST_F(FileStream, TruncatesUnderWhatIsBuffered)
+TEST_F(FileStreamTest, TruncatesUnderWhatIsBuffered)
 {
     fs::path const path = mDirectory.File("file", "");
-    std::FILE* const stream = OpenStream(path);
-    ASSERT_EQ(std::fwrite("hello", 1, 5, stream), 5u);
-    EXPECT_TRUE(PLATFORM::TruncateUnder(stream, 2));
+    auto stream = OpenStream(path);
+    ASSERT_EQ(stream->Write("hello", 5), 5u);
+    EXPECT_TRUE(stream->Truncate(2));
     EXPECT_EQ(Content(path), std::string(2, '\0'));
-    EXPECT_FALSE(PLATFORM::TruncateUnder(stream, -1));
-    std::fclose(stream);
+    EXPECT_FALSE(stream->Truncate(-1));
+    stream.reset();
     EXPECT_EQ(Content(path), "hello");
 }
 
-TEST_F(FileStream, ReadOnlyFileIsNotTruncated)
+TEST_F(FileStreamTest, ReadOnlyFileIsNotTruncated)
 {
     fs::path const path = mDirectory.File("file", "content");
-    std::FILE* const stream = PLATFORM::StreamOver(Open(path, Access::kRead), "rb");
+    auto stream = FileStream::Over(Open(path, Access::kRead), "rb");
     ASSERT_NE(stream, nullptr);
-    EXPECT_FALSE(PLATFORM::TruncateUnder(stream, 2));
-    std::fclose(stream);
+    EXPECT_FALSE(stream->Truncate(2));
+    stream.reset();
     EXPECT_EQ(Content(path), "content");
 }
 
-TEST_F(FileStream, PipeHasNoPosition)
+TEST_F(FileStreamTest, PipeHasNoPosition)
 {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    std::FILE* const stream = PLATFORM::StreamOver(ends[0], "rb");
+    auto stream = FileStream::Over(ends[0], "rb");
     ASSERT_NE(stream, nullptr);
-    EXPECT_EQ(PLATFORM::Tell(stream), 0);
-    EXPECT_FALSE(PLATFORM::Seek(stream, 0, SEEK_SET));
-    std::fclose(stream);
+    EXPECT_EQ(stream->Tell(), 0);
+    EXPECT_FALSE(stream->Seek(0, SEEK_SET));
+    stream.reset();
     close(ends[1]);
 }
 
-TEST_F(FileStream, ExistenceFollowsLinks)
+TEST_F(FileStreamTest, ExistenceFollowsLinks)
 {
     fs::path const& directory = mDirectory.Path();
     fs::path const file = mDirectory.File("file", "");

@@ -110,7 +110,8 @@ void BufferedDataProvider::FlushBuffers()
     {
         static_cast<void>(mProvider->SetPosition(mBuffer.mStart, kFromStart));
         // Up to the cursor, not to the length: a seek back gave up what stands behind.
-        static_cast<void>(mProvider->Write(mBuffer.mData.get(), static_cast<std::size_t>(mBuffer.mCursor)));
+        if (mProvider->Write(mBuffer.mData.get(), static_cast<std::size_t>(mBuffer.mCursor)) != kNoError)
+            mRefused += mBuffer.mCursor;
         mBuffer.mStart = mProvider->GetPosition();
         mDirty = false;
     }
@@ -282,4 +283,37 @@ ErrCode BufferedDataProvider::Flush()
 bool BufferedDataProvider::GetAutoFlush() { return mAutoFlush; }
 
 void BufferedDataProvider::SetAutoFlush(bool autoFlush) { mAutoFlush = autoFlush; }
+
+IDataProviderStatus* BufferedDataProvider::WrappedStatus() const
+{
+    return dynamic_cast<IDataProviderStatus*>(mProvider.Get());
+}
+
+int64 BufferedDataProvider::GetLostBytes() const
+{
+    IDataProviderStatus const* const wrapped = WrappedStatus();
+    return mRefused + (wrapped ? wrapped->GetLostBytes() : 0);
+}
+
+int32 BufferedDataProvider::GetSystemError() const
+{
+    IDataProviderStatus const* const wrapped = WrappedStatus();
+    return wrapped ? wrapped->GetSystemError() : 0;
+}
+
+ErrCode BufferedDataProvider::WriteOut() { return Deliver(&IDataProviderStatus::WriteOut); }
+
+ErrCode BufferedDataProvider::FlushToDevice() { return Deliver(&IDataProviderStatus::FlushToDevice); }
+
+ErrCode BufferedDataProvider::Deliver(ErrCode (IDataProviderStatus::*flush)())
+{
+    if (!mProvider)
+        return kNotInitialized;
+    // What was only read stays, and with it the position.
+    if (mDirty)
+        FlushBuffers();
+    IDataProviderStatus* const wrapped = WrappedStatus();
+    ErrCode const result = wrapped ? (wrapped->*flush)() : mProvider->Flush();
+    return result == kNoError && mRefused > 0 ? kWriteFailed : result;
+}
 } // namespace KORVA::IO

@@ -4,6 +4,7 @@
 #include "ObjectModel/TInterfacePtr.h"
 #include "ObjectModel/TObject.h"
 #include "TessIO/IBufferedDataProvider.h"
+#include "TessIO/IDataProviderStatus.h"
 
 #include <memory>
 
@@ -16,7 +17,7 @@ namespace KORVA::IO
 ///
 /// Reading fills the window and moves the cursor through it; writing moves the cursor and makes the length
 /// end there.
-class BufferedDataProvider final : public TObject<IBufferedDataProvider>
+class BufferedDataProvider final : public TObject<IBufferedDataProvider>, public IDataProviderStatus
 {
 public:
     struct Buffer
@@ -54,6 +55,11 @@ public:
     int GetBufferSize() const override;
     void SetBufferSize(int size) override;
 
+    int64 GetLostBytes() const override;
+    int32 GetSystemError() const override;
+    ErrCode WriteOut() override;
+    ErrCode FlushToDevice() override;
+
     /// Whether the cursor may be put on `position`. A full buffer ends before its last position, one with
     /// room left behind it.
     bool InBuffer(int64 position, Buffer const* buffer) const;
@@ -68,6 +74,10 @@ private:
 
     /// Delivers written bytes and empties the buffer.
     void FlushBuffers();
+    /// The wrapped provider's, null where it has none.
+    IDataProviderStatus* WrappedStatus() const;
+    /// Delivers written bytes, then has `flush` do the same below.
+    ErrCode Deliver(ErrCode (IDataProviderStatus::*flush)());
     /// Fills the buffer from where the wrapped provider stands.
     void GetReadBuffData();
     OperationId BufferedWrite(std::byte const* data, std::size_t count);
@@ -83,5 +93,7 @@ private:
     Buffer mBuffer;
     bool8 mDirty = false;
     bool8 mAutoFlush = true;
+    /// Bytes that the wrapped provider refused when the buffer was flushed.
+    int64 mRefused = 0;
 };
 } // namespace KORVA::IO

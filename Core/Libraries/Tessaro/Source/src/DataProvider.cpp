@@ -140,4 +140,12 @@ ErrCode DataProvider::Flush() { return kNoError; }
 bool DataProvider::GetAutoFlush() { return true; }
 
 void DataProvider::SetAutoFlush(bool) {}
+
+int64 DataProvider::GetLostBytes() const { return mImpl ? mImpl->GetLostBytes() : 0; }
+
+int32 DataProvider::GetSystemError() const { return mImpl ? mImpl->GetSystemError() : 0; }
+
+ErrCode DataProvider::WriteOut() { return mImpl ? mImpl->WriteOut() : kNotInitialized; }
+
+ErrCode DataProvider::FlushToDevice() { return mImpl ? mImpl->FlushToDevice() : kNotInitialized; }
 } // namespace KORVA::IO

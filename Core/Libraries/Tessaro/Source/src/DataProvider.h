@@ -4,12 +4,13 @@
 #include "DataProviderImpl.h"
 #include "ObjectModel/ClassFactory.h"
 #include "ObjectModel/TObject.h"
+#include "TessIO/IDataProviderStatus.h"
 #include "TessIO/IURIDataProvider.h"
 
 namespace KORVA::IO
 {
 /// Each `Init…` installs a provider; none removes the one installed before.
-class DataProvider final : public TObject<IURIDataProvider>
+class DataProvider final : public TObject<IURIDataProvider>, public IDataProviderStatus
 {
 public:
     /// `kNativeEndian` stands for the native order here, and only here.
@@ -32,6 +33,11 @@ public:
     bool GetAutoFlush() override;
     void SetAutoFlush(bool autoFlush) override;
     HRESULT Init(IURI& uri, IReporter* reporter) override;
+
+    int64 GetLostBytes() const override;
+    int32 GetSystemError() const override;
+    ErrCode WriteOut() override;
+    ErrCode FlushToDevice() override;
 
 private:
     friend struct KORVA::LayoutProbe;

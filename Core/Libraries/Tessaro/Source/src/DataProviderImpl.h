@@ -16,6 +16,12 @@ public:
     virtual ErrCode SetPosition(int64 offset, IDataProvider::Offset origin) = 0;
     virtual int64 GetPosition() const = 0;
     virtual ~DataProviderImpl() = default;
+
+    // As of `IDataProviderStatus`; what holds nothing back loses nothing.
+    virtual int64 GetLostBytes() const { return 0; }
+    virtual int32 GetSystemError() const { return 0; }
+    virtual ErrCode WriteOut() { return kNoError; }
+    virtual ErrCode FlushToDevice() { return kNoError; }
 };
 
 /// A growable memory block opened with `mode`; the caller owns it.

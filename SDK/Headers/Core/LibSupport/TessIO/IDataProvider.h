@@ -30,7 +30,9 @@ inline constexpr StreamMode kStreamMode4 = 4;
 
 /// Bytes with a position: caller memory, a growable memory block, or a file. Class id `IID_IDATAPROVIDER`
 /// (the facade over all three, to be initialised once); `IBufferedDataProvider` buffers any of them. Used by
-/// one thread at a time. Counts, sizes and positions are bytes. Every failure is logged.
+/// one thread at a time. Counts, sizes and positions are bytes. Failures are logged,
+/// but for those that opening a file answers with 1, 36 or 40 (or 26 for a directory), for 30 of read-only
+/// memory's `SetSize`, and for reads that find less than asked.
 class [[gnu::visibility("default")]] IDataProvider : public IObject
 {
 public:
@@ -71,12 +73,17 @@ public:
     /// missing file included); 40 mode 2 and somebody holds a lock; 1 no file-system library.
     /// On success the provider answers `IID_IURI`, `FILE_SYS::IID_IFILE`, in modes 0, 2 and 4
     /// `IID_ASYNC_READER`, and in modes 1 to 4 `IID_ASYNC_WRITER` (in mode 3 too, whose writes all fail).
+    /// In modes 2 and 4 it holds a lock, which others that open the file in mode 2 meet. It goes with the
+    /// provider; asynchronous writes that are still under way then keep it until the last one has ended,
+    /// reads don't. Where streams must match the descriptor, as on Linux, mode 1 ends in 26 and leaves the
+    /// descriptor open at every try, until the process ends.
     virtual ErrCode InitURIBased(IURI & uri, int mode, IReporter* reporter) = 0;
 
     /// Writes `count` bytes at the position and advances it. 0; 13 null data (a file; memory blocks don't
     /// look); 30 the mode or kind forbids it;
     /// 27 memory could not grow; 29 not initialised. A file opened for reading only (modes 0 and 3) must not
-    /// be written to, nor one on a full device: its `Write` repeats until it succeeds and never returns.
+    /// be written to: its `Write` repeats until it succeeds and never returns. A file on a full device
+    /// answers 0 and loses the bytes: `IDataProviderStatus` tells.
     virtual OperationId Write(void const* data, std::size_t count) = 0;
 
     /// Reads up to `count` bytes to `buffer`; `count` becomes the number delivered and the position advances
@@ -111,7 +118,8 @@ public:
     /// Whether the position has reached the size. True when not initialised.
     virtual bool AtEnd() = 0;
 
-    /// Delivers what a buffered provider holds back; 0 and nothing to do for the others.
+    /// Delivers what a buffered provider holds back; 0 and nothing to do for the others. A file holds bytes
+    /// back too: `IDataProviderStatus::WriteOut` hands them to the system.
     virtual ErrCode Flush() = 0;
     /// Meaningful for buffered providers only; the others answer true.
     ///@{

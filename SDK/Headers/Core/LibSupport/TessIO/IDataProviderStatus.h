@@ -5,8 +5,8 @@
 
 namespace KORVA::IO
 {
-/// A file provider holds written bytes back and answers 0 for them. When the system takes them no more (a full
-/// device, a limit of size), they are gone, and `Write` has answered 0. This interface tells.
+/// A file provider holds written bytes back and answers 0 for them. When the system takes them no more (a
+/// full device, a limit of size), they are gone, and `Write` has answered 0. This interface tells.
 ///
 /// The library's own providers have it: the facade (`IID_IDATAPROVIDER`) and the buffered provider. It is no
 /// component and is in no aggregate table; ask the run-time type:
@@ -14,18 +14,21 @@ namespace KORVA::IO
 ///     auto* const status = dynamic_cast<IDataProviderStatus*>(provider.Get());
 ///
 /// Null for providers of others, which may hold nothing back. The result is borrowed and lives as long as the
-/// provider. Used by one thread at a time, the provider's.
+/// provider. Used by one thread at a time, the provider's. Nothing is logged here: whoever asks knows what it
+/// is about.
 class [[gnu::visibility("default")]] IDataProviderStatus
 {
 public:
-    /// How many bytes the provider took, held back and could not deliver, since it was initialised. They are in
-    /// no file and will not be. 0 for memory. Bytes that are still held back don't count: `WriteOut` first.
-    /// What asynchronous writes could not write doesn't count either, their tasks tell.
+    /// How many bytes the provider took, held back and could not deliver, since it was initialised. They are
+    /// in no file and will not be. 0 for memory. Bytes that are still held back don't count: `WriteOut`
+    /// first. What `IAsyncWriter::WriteSync` could not write counts, since it answers 0; of `WriteAsync` the
+    /// task tells. What a buffered provider drops by its own rules (`SetBufferSize`, a seek back) doesn't
+    /// count.
     virtual int64 GetLostBytes() const = 0;
 
-    /// The system's number (`errno`) of the first failure in reading, writing or flushing since the provider was
-    /// initialised; 0 when there was none. It tells a file that can't be read from one that has ended: `Read`
-    /// answers 3 for both.
+    /// The system's number (`errno`) of the first failure in reading, writing or flushing since the provider
+    /// was initialised; 0 when there was none. It tells a file that can't be read from one that has ended:
+    /// `Read` answers 3 for both.
     virtual int32 GetSystemError() const = 0;
 
     /// Hands all that is held back to the system, so that every other reader of the file sees it. 0 when

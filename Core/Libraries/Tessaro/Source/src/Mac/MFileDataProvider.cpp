@@ -32,7 +32,7 @@ constexpr LogSite kSiteWriteNull{
 constexpr LogSite kSiteReadNull{
     kSource, "virtual OperationId KORVA::IO::FileDataProvider::Read(void *, int32 &)", 480};
 
-/// What `fwrite` would have to answer for the write to count as failed.
+/// What the stream would have to answer for the write to count as failed.
 constexpr std::size_t kWriteError = std::numeric_limits<std::size_t>::max();
 
 struct OpenMode
@@ -89,9 +89,10 @@ FileDataProvider::FileDataProvider(IReporter* reporter) { mReporter.Share(report
 
 FileDataProvider::~FileDataProvider()
 {
-    if (mFile)
-        std::fclose(mFile);
+    delete mFile;
     mPathUrl.reset();
+    if (mChannel)
+        mChannel->UnlockAfterWrites();
     StoreChannel({});
     mURI.Reset();
     mReporter.Reset();
@@ -152,7 +153,7 @@ ErrCode FileDataProvider::OpenFile(StreamMode mode)
         Log(kSiteOpenFailed, L"open failed to open the path \"", mURI->GetPath(), L"\".");
         return kFileNotFound;
     }
-    mFile = PLATFORM::StreamOver(descriptor, how.stream);
+    mFile = PLATFORM::FileStream::Over(descriptor, how.stream).release();
     if (!mFile)
     {
         Log(kSiteNoStream, L"NSFileHandle failed to initialize with the file descriptor for path \"",
@@ -173,12 +174,12 @@ OperationId FileDataProvider::Write(void const* inBuffer, std::size_t count)
     OperationId result = kNoError;
     while (count > 0)
     {
-        std::size_t const written = std::fwrite(from, 1, count, mFile);
+        std::size_t const written = mFile->Write(from, count);
         if (written == kWriteError)
             result = kWriteFailed;
         if (count <= written)
             break;
-        // A failing stream is tried again, without end.
+        // A stream that takes nothing is tried again, without end.
         from += written;
         count -= written;
     }
@@ -191,7 +192,7 @@ OperationId FileDataProvider::Read(void* outBuffer, int32& count)
     if (outBuffer)
     {
         std::size_t const delivered =
-            std::fread(outBuffer, 1, static_cast<std::size_t>(static_cast<int64>(wanted)), mFile);
+            mFile->Read(outBuffer, static_cast<std::size_t>(static_cast<int64>(wanted)));
         if (delivered > 0)
         {
             count = static_cast<int32>(delivered);
@@ -213,15 +214,15 @@ OperationId FileDataProvider::Read(void* outBuffer, int32& count)
 ErrCode FileDataProvider::GetSize(int64& size) const
 {
     int64 const position = GetPosition();
-    PLATFORM::Seek(mFile, 0, SEEK_END);
+    mFile->Seek(0, SEEK_END);
     size = GetPosition();
-    PLATFORM::Seek(mFile, position, SEEK_SET);
+    mFile->Seek(position, SEEK_SET);
     return kNoError;
 }
 
 ErrCode FileDataProvider::SetSize(int64 length)
 {
-    static_cast<void>(PLATFORM::TruncateUnder(mFile, length));
+    static_cast<void>(mFile->Truncate(length));
     return kNoError;
 }
 
@@ -230,17 +231,40 @@ ErrCode FileDataProvider::SetPosition(int64 offset, IDataProvider::Offset from)
     switch (from)
     {
     case IDataProvider::kFromStart:
-        static_cast<void>(PLATFORM::Seek(mFile, offset, SEEK_SET));
+        static_cast<void>(mFile->Seek(offset, SEEK_SET));
         break;
     case IDataProvider::kFromEnd:
-        static_cast<void>(PLATFORM::Seek(mFile, offset, SEEK_END));
+        static_cast<void>(mFile->Seek(offset, SEEK_END));
         break;
     case IDataProvider::kFromCurrent:
-        static_cast<void>(PLATFORM::Seek(mFile, offset, SEEK_CUR));
+        static_cast<void>(mFile->Seek(offset, SEEK_CUR));
         break;
     }
     return kNoError;
 }
 
-int64 FileDataProvider::GetPosition() const { return PLATFORM::Tell(mFile); }
+int64 FileDataProvider::GetPosition() const { return mFile->Tell(); }
+
+int64 FileDataProvider::GetLostBytes() const
+{
+    return static_cast<int64>(mFile->LostBytes() + mUnwritten.load());
+}
+
+int32 FileDataProvider::GetSystemError() const
+{
+    int const error = mFile->FirstError();
+    return error != 0 ? error : mChannelError.load();
+}
+
+ErrCode FileDataProvider::WriteOut()
+{
+    static_cast<void>(mFile->WriteOut());
+    return GetLostBytes() == 0 ? kNoError : kWriteFailed;
+}
+
+ErrCode FileDataProvider::FlushToDevice()
+{
+    bool const flushed = mFile->FlushToDevice();
+    return flushed && GetLostBytes() == 0 ? kNoError : kWriteFailed;
+}
 } // namespace KORVA::IO

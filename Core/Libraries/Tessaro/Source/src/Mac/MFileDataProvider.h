@@ -11,7 +11,6 @@
 #include "TessIO/IURI.h"
 
 #include <atomic>
-#include <cstdio>
 #include <memory>
 
 namespace KORVA::IO
@@ -31,8 +30,8 @@ public:
     /// `IDataProvider::InitURIBased` and nothing aggregated.
     ErrCode Init(IURI& uri, StreamMode mode, IDataProvider* outer);
 
-    /// 13 for a null buffer. Repeats until all is written: on a stream that can't be written to it never
-    /// returns. Open for writing, and make room, before writing.
+    /// 13 for a null buffer. Repeats until the stream has taken all: on a file that was opened for reading it
+    /// never returns. On a full device the stream takes bytes and drops them: 0, and `GetLostBytes` tells.
     OperationId Write(void const* inBuffer, std::size_t count) override;
     OperationId Read(void* outBuffer, int32& count) override;
     ErrCode GetSize(int64& size) const override;
@@ -41,6 +40,10 @@ public:
     /// `kFromEnd` adds the offset to the end.
     ErrCode SetPosition(int64 offset, IDataProvider::Offset from) override;
     int64 GetPosition() const override;
+    int64 GetLostBytes() const override;
+    int32 GetSystemError() const override;
+    ErrCode WriteOut() override;
+    ErrCode FlushToDevice() override;
 
     // What the asynchronous reader and writer call; safe from any thread.
 
@@ -55,17 +58,22 @@ private:
     friend struct KORVA::LayoutProbe;
 
     ErrCode OpenFile(StreamMode mode);
+    /// Keeps the first error.
+    void NoteChannelError(int error);
     /// Null when asynchronous operation is off.
     PLATFORM::IOChannelRef Channel() const;
     void StoreChannel(PLATFORM::IOChannelRef channel);
 
     std::unique_ptr<PLATFORM::PathString> mPathUrl;
-    std::FILE* mFile = nullptr;
+    PLATFORM::FileStream* mFile = nullptr;
     TInterfacePtr<IReporter> mReporter;
     TInterfacePtr<IURI> mURI;
     PLATFORM::IOChannelRef mChannel;
     /// Cleared by the channel when it fails.
     std::atomic<bool8> mAsyncEnabled{false};
+    /// What `WriteSync` could not write, and the first error of it and `ReadSync`: their answers don't tell.
+    std::atomic<uint64> mUnwritten{0};
+    std::atomic<int32> mChannelError{0};
     /// Held while `mChannel` is copied or exchanged.
     mutable std::atomic_flag mChannelGuard;
 };

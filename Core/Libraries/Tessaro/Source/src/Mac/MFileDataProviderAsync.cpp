@@ -124,13 +124,12 @@ ErrCode FileDataProvider::EnableAsync()
         return kNoError;
     // Before the channel is there: its handler may run at once, and what that clears must stay so.
     mAsyncEnabled = true;
-    IOChannelRef const channel =
-        IOChannel::Create(PLATFORM::SynchronizedDescriptor(mFile), [this](int error) {
-            if (error == 0)
-                return;
-            Log(kSiteChannelBroke, L"GCD IO channel got broke. Error ", error);
-            mAsyncEnabled = false;
-        });
+    IOChannelRef const channel = IOChannel::Create(mFile->Descriptor(), [this](int error) {
+        if (error == 0)
+            return;
+        Log(kSiteChannelBroke, L"GCD IO channel got broke. Error ", error);
+        mAsyncEnabled = false;
+    });
     StoreChannel(channel);
     if (channel)
         return kNoError;
@@ -160,6 +159,12 @@ void FileDataProvider::StoreChannel(IOChannelRef channel)
         channel->DropCleanupHandler();
 }
 
+void FileDataProvider::NoteChannelError(int error)
+{
+    int32 none = 0;
+    mChannelError.compare_exchange_strong(none, error);
+}
+
 ErrCode FileDataProvider::ReadAsync(int64 offset, void* buffer, std::size_t length, IAsyncTaskPtr& task)
 {
     IOChannelRef const channel = Channel();
@@ -185,6 +190,7 @@ ErrCode FileDataProvider::ReadSync(int64 offset, void* buffer, std::size_t lengt
         if (error != 0)
         {
             Log(kSiteReadSyncError, kReadErrorText, error);
+            NoteChannelError(error);
             ended->Signal();
             return;
         }
@@ -246,9 +252,13 @@ ErrCode FileDataProvider::WriteSync(int64 offset, void const* buffer, std::size_
         WaitForEver(*ended);
         return kNothingToWrite;
     }
-    auto handler = [&ended](bool done, Data const&, int error) {
+    auto handler = [this, &ended](bool done, Data const& left, int error) {
         if (error != 0)
+        {
             Log(kSiteWriteSyncError, kWriteErrorText, error);
+            NoteChannelError(error);
+            mUnwritten += left.Size();
+        }
         if (error != 0 || done)
             ended->Signal();
     };
