@@ -228,6 +228,17 @@ TEST_F(ToolSaving, TooManyOpenFilesAreSaid)
     EXPECT_GE(said, 2);
 }
 
+TEST_F(ToolSaving, WhatCanNotBeReadIsNotTakenForEmpty)
+{
+    // The first page of a process's memory is nobody's: reading it is an input/output error.
+    for (std::vector<std::string> const& arguments :
+         {std::vector<std::string>{"cat", "/proc/self/mem"}, {"cat", "--async", "/proc/self/mem"}})
+        Fails(arguments, 3, "tessio: cannot read \"/proc/self/mem\": input/output error after 0 bytes\n");
+    for (char const* const command : {"tree", "verify", "info"})
+        Fails({command, "/proc/self/mem"}, 3,
+              "tessio: cannot read \"/proc/self/mem\": input/output error after 0 bytes\n");
+}
+
 struct WordsRow
 {
     char const* name;
