@@ -1,22 +1,31 @@
 #include "File.h"
 
-#include "AtomicFile.h"
-#include "Copy.h"
+#include "CoreRegistry/CoreRegistry.h"
 #include "Descriptor.h"
+#include "FileIO/ICopyProgress.h"
 #include "FileStatus.h"
+#include "Logger/LogSite.h"
+#include "System/CopyFile.h"
+#include "System/Files.h"
+#include "System/Replacement.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <limits>
-#include <optional>
+#include <string_view>
 
 namespace KORVA::FILE_SYS
 {
 namespace
 {
+constexpr char kSource[] = "Companions/FileIO/File";
+constexpr LogSite kSiteCopyTo{
+    kSource, "virtual ErrCode KORVA::FILE_SYS::File::CopyTo(const STRING::CoreString &)", 0, 1, 1};
+constexpr LogSite kSiteReplace{
+    kSource, "virtual ErrCode KORVA::FILE_SYS::File::Replace(const void *, uint64)", 0, 1, 1};
+
 constexpr uint64 kNanosecondsPerSecond = 1'000'000'000;
 
 /// A path in the system's form; empty for a text that can't be one.
@@ -36,20 +45,11 @@ ErrCode DateFrom(int64 seconds, uint32 nanoseconds, uint64& date)
     return kDone;
 }
 
-ErrCode WriteWhole(int descriptor, void const* data, uint64 count)
+STRING::CoreString Text(std::string_view utf8) { return STRING::CoreString(utf8); }
+
+ErrCode StatusOfOutcome(SYSTEM::Outcome const& outcome)
 {
-    auto const* from = static_cast<char const*>(data);
-    while (count > 0)
-    {
-        ssize_t const written = write(descriptor, from, count);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return StatusOfErrno();
-        from += written;
-        count -= static_cast<uint64>(written);
-    }
-    return kDone;
+    return outcome.state == SYSTEM::Saved::kNewNotFlushed ? kNotFlushed : StatusOf(outcome.error);
 }
 } // namespace
 
@@ -67,8 +67,9 @@ bool File::Exists()
 
 ErrCode File::QueryFlag(uchar& flag)
 {
-    if (!Exists())
-        return kNotFound;
+    struct stat status;
+    if (stat(mPath.c_str(), &status) != 0)
+        return StatusOfErrno();
     std::string const trimmed = mPath.substr(0, mPath.find_last_not_of('/') + 1);
     std::string const name = trimmed.substr(trimmed.rfind('/') + 1);
     flag = name.starts_with('.') && name != "." && name != ".." ? 1 : 0;
@@ -130,12 +131,29 @@ ErrCode File::GetCreationDate(uint64& date)
     return DateFrom(status.stx_btime.tv_sec, status.stx_btime.tv_nsec, date);
 }
 
-ErrCode File::SetCreationDate(uint64&) { return Exists() ? kFailed : kNotFound; }
+ErrCode File::SetCreationDate(uint64&)
+{
+    struct stat status;
+    return stat(mPath.c_str(), &status) == 0 ? kFailed : StatusOfErrno();
+}
 
 ErrCode File::CopyTo(STRING::CoreString const& target)
 {
     std::string const targetPath = SystemPath(target);
-    return targetPath.empty() ? kNotFound : CopyFile(mPath, targetPath);
+    if (targetPath.empty())
+        return kNotFound;
+    auto const progress = COREREGISTRY::CreateObject<ICopyProgress>(IID_COPY_PROGRESS);
+    SYSTEM::CopyWatch watch;
+    if (progress)
+        watch = [&progress](std::uint64_t done, std::uint64_t total) {
+            return progress->OnCopied(done, total);
+        };
+    SYSTEM::NotKept notKept;
+    SYSTEM::Outcome const outcome = SYSTEM::CopyFile(mPath, targetPath, watch, notKept);
+    if (outcome.state != SYSTEM::Saved::kOld)
+        for (std::string const& what : notKept)
+            Log(kSiteCopyTo, Text(targetPath), L": its ", Text(what), L" could not be kept");
+    return StatusOfOutcome(outcome);
 }
 
 ErrCode File::MoveTo(STRING::CoreString const& target)
@@ -149,19 +167,18 @@ ErrCode File::Sync()
     Descriptor const file(open(mPath.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file || fsync(file.Get()) != 0)
         return StatusOfErrno();
-    return SyncDirectoryOf(mPath);
+    return StatusOf(SYSTEM::FlushDirectoryOf(mPath));
 }
 
 ErrCode File::Replace(void const* data, uint64 count)
 {
     if (mPath.empty())
         return kNotFound;
-    AtomicFile file(mPath);
-    ErrCode status = file.Status();
-    if (status == kDone)
-        status = WriteWhole(file.Get(), data, count);
-    if (status == kDone)
-        status = file.KeepPermissions();
-    return status == kDone ? file.Commit() : status;
+    SYSTEM::NotKept notKept;
+    SYSTEM::Outcome const outcome = SYSTEM::ReplaceFile(mPath, data, count, notKept);
+    if (outcome.state != SYSTEM::Saved::kOld)
+        for (std::string const& what : notKept)
+            Log(kSiteReplace, Text(mPath), L": its ", Text(what), L" could not be kept");
+    return StatusOfOutcome(outcome);
 }
 } // namespace KORVA::FILE_SYS

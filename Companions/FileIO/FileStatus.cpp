@@ -4,10 +4,12 @@
 
 namespace KORVA::FILE_SYS
 {
-ErrCode StatusOfErrno()
+ErrCode StatusOf(SYSTEM::ErrorNumber error)
 {
-    switch (errno)
+    switch (error)
     {
+    case 0:
+        return kDone;
     case ENOENT:
     case ENOTDIR:
         return kNotFound;
@@ -22,8 +24,27 @@ ErrCode StatusOfErrno()
     case EDQUOT:
     case EFBIG:
         return kNoSpace;
+    case ECANCELED:
+        return kCancelled;
+    case EIO:
+    case ENXIO:
+    case ENODEV:
+    case ENOMEDIUM:
+    case EREMOTEIO:
+    case ESTALE:
+    case ETIMEDOUT:
+    case EHOSTDOWN:
+    case EHOSTUNREACH:
+        return kDeviceFailed;
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+    case ENOBUFS:
+        return kOutOfResources;
     default:
         return kFailed;
     }
 }
+
+ErrCode StatusOfErrno() { return StatusOf(errno); }
 } // namespace KORVA::FILE_SYS

@@ -62,12 +62,15 @@ std::vector<Area> const kAreas = {
     {"Core/Common/Constructs/UniCharUtils", With(SDK({"ObjectModel", "Logger"}), "Platform/Headers")},
     {"Platform/Headers", {}},
     {"Platform/Posix", {"Platform/Headers"}, true},
+    {"System/Headers", {}},
+    {"System/Posix", {"System/Headers"}, true},
+    {"System/Linux", {"System/Headers"}, true},
     {"Companions/CoreRegistry", With(kCompanions, kSDK + "Host"), true},
     {"Companions/CoreString", With(kCompanions, kSDK + "Host"), true},
-    {"Companions/FileIO", With(kCompanions, kSDK + "Host"), true},
+    {"Companions/FileIO", With(With(kCompanions, kSDK + "Host"), "System/Headers"), true},
     {"Companions/Logger", With(kCompanions, kSDK + "Host"), true},
     {"Companions/Host", kWholeSDK, true},
-    {"Tools", kPrograms, true},
+    {"Tools", With(kPrograms, "System/Headers"), true},
     {"Examples", kPrograms, true},
 };
 
@@ -188,7 +191,7 @@ std::string Resolve(std::string const& file, std::string const& header)
 {
     fs::path const root = TESSIO_SOURCE_DIR;
     std::string const beside = fs::path(file).parent_path().string();
-    std::vector<std::string> roots{beside, kSDK, "Platform/Headers", kLibrary, "Tools/tessio"};
+    std::vector<std::string> roots{beside, kSDK, "Platform/Headers", "System/Headers", kLibrary, "Tools/tessio"};
     for (std::string const& start : roots)
     {
         fs::path const candidate = (fs::path(start) / header).lexically_normal();
@@ -228,7 +231,7 @@ std::vector<Include> const& Includes()
     static std::vector<Include> const sIncludes = [] {
         std::regex const include(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
         std::vector<Include> all;
-        for (char const* const folder : {"SDK", "Core", "Platform", "Companions", "Tools", "Examples"})
+        for (char const* const folder : {"SDK", "Core", "Platform", "System", "Companions", "Tools", "Examples"})
             for (fs::path const& file : SourcesBelow(folder))
                 for (std::string const& line : LinesOf(file))
                     if (std::smatch match; std::regex_search(line, match, include))
@@ -246,7 +249,7 @@ TEST(Includes, FollowTheArrows)
         ++seen[include.file.substr(0, include.file.find('/'))];
         EXPECT_EQ(Objection(include.file, include.header), "") << include.file << ": " << include.line;
     }
-    for (char const* const folder : {"SDK", "Core", "Platform", "Companions"})
+    for (char const* const folder : {"SDK", "Core", "Platform", "System", "Companions"})
         EXPECT_GE(seen[folder], 10) << folder;
 }
 
@@ -373,6 +376,14 @@ Row const kRows[] = {
     {"SystemFromThePlatformsContract", "Platform/Headers/Platform/X.h", "dirent.h", false},
     {"SystemFromThePlatform", "Platform/Posix/X.cpp", "dirent.h", true},
     {"SDKFromThePlatformsImplementation", "Platform/Posix/X.cpp", "ObjectModel/Types.h", false},
+    {"SDKFromTheSystem", "System/Headers/System/X.h", "ObjectModel/Types.h", false},
+    {"OSFromTheSystemsContract", "System/Headers/System/X.h", "unistd.h", false},
+    {"OSFromTheSystem", "System/Posix/X.cpp", "unistd.h", true},
+    {"SystemsContractFromTheSystem", "System/Linux/X.cpp", "System/Files.h", true},
+    {"SDKFromTheSystemsImplementation", "System/Linux/X.cpp", "ObjectModel/Types.h", false},
+    {"SystemsContractFromTheLibrary", kLibrary + "/X.cpp", "System/Files.h", false},
+    {"SystemsContractFromTheFiles", "Companions/FileIO/X.cpp", "System/Files.h", true},
+    {"SystemsContractFromATool", "Tools/tessio/X.cpp", "System/Files.h", true},
     {"LibraryFromACompanionsSource", "Companions/FileIO/X.cpp", "TessIO/IURI.h", false},
     {"PlatformFromACompanionsSource", "Companions/FileIO/X.cpp", "Platform/URL.h", false},
     {"AnotherCompanionsSource", "Companions/FileIO/X.cpp", "../Logger/LogFile.h", false},

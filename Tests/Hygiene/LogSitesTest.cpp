@@ -167,7 +167,7 @@ private:
 std::vector<SourceFile> Sources()
 {
     std::vector<SourceFile> sources;
-    for (char const* const folder : {"Core", "SDK"})
+    for (char const* const folder : {"Core", "SDK", "Companions/FileIO"})
         for (fs::path const& file : SourcesBelow(folder))
             sources.emplace_back(file);
     return sources;

@@ -19,7 +19,7 @@ std::vector<fs::path> AllSources()
 {
     std::vector<fs::path> all;
     for (char const* const folder :
-         {"SDK", "Core", "Platform", "Companions", "Tools", "Examples", "Tests", "Fuzz", "Benchmarks"})
+         {"SDK", "Core", "Platform", "System", "Companions", "Tools", "Examples", "Tests", "Fuzz", "Benchmarks"})
         for (fs::path const& file : SourcesBelow(folder))
             all.push_back(file);
     return all;

@@ -88,7 +88,6 @@ INSTANTIATE_TEST_SUITE_P(
             {"tree", "x", "--frob"},
             "The following argument was not expected: --frob\nRun it with --help for more information.\n"},
         UsageRow{"EmptyLocation", {"stat", ""}, "the location is empty\n"},
-        UsageRow{"LocationNotUTF8", {"stat", "/tmp/\xFF"}, "path \"/tmp/\uFFFD\" is not valid UTF-8\n"},
         UsageRow{"UnservedScheme",
                  {"cat", "http://h/x"},
                  "cannot open \"http://h/x\": nothing serves the scheme \"http\"\n"},

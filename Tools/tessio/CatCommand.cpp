@@ -50,7 +50,9 @@ void PrintFrom(Session const& session, IDataProvider& provider, int64 done, std:
         done += count;
     }
     // Not every file tells its size beforehand.
-    std::string const reason = session.Failures().Take();
+    std::string reason = session.Failures().Take();
+    if (reason.empty())
+        reason = ReadFailureOf(provider);
     if (!reason.empty() || done < size)
         CutShort(location, reason, done, std::max(size, provider.Size()));
 }

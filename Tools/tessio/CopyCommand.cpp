@@ -3,25 +3,25 @@
 #include "Commands.h"
 #include "Dates.h"
 #include "Failure.h"
-#include "FileIO/ICopyProgress.h"
 #include "Location.h"
-#include "ObjectModel/ClassFactory.h"
 #include "Output.h"
 #include "Progress.h"
-#include "SafeTarget.h"
+#include "Saving.h"
+#include "System/CopyFile.h"
+#include "System/Files.h"
 #include "TessIO/ResultCodes.h"
 
 #include <fmt/format.h>
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace TOOL
@@ -42,23 +42,18 @@ std::atomic<bool> sInterrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
 /// Shows how far a copy has come and stops it on an interrupt.
-class CopyWatch final : public TObject<FILE_SYS::ICopyProgress>
+class CopyWatch
 {
 public:
-    bool OnCopied(uint64 done, uint64 total) override
+    bool OnCopied(uint64 done, uint64 total)
     {
         mProgress.At(static_cast<int64>(done), static_cast<int64>(total));
         return !sInterrupted;
     }
 
-protected:
-    ~CopyWatch() override = default;
-
 private:
     Progress mProgress{"copying", 0};
 };
-
-using CopyWatchFactory = TClassFactory<Makes<&New<CopyWatch>, FILE_SYS::IID_COPY_PROGRESS>>;
 
 /// While it lives an interrupt stops the copy, which then takes its temporary file away, and not the process.
 class InterruptGuard
@@ -90,7 +85,7 @@ private:
 /// Into a directory a file goes under its own name.
 std::string TargetOf(Session const& session, Arguments const& arguments)
 {
-    std::filesystem::path const path = URIOf(session, arguments.target)->GetPath().ToUTF8();
+    std::filesystem::path const path = std::filesystem::absolute(SystemPathOf(session, arguments.target));
     std::error_code error;
     if (!std::filesystem::is_directory(path, error))
     {
@@ -100,7 +95,9 @@ std::string TargetOf(Session const& session, Arguments const& arguments)
                                       Quoted(arguments.target)));
         return arguments.target;
     }
-    std::filesystem::path const source = URIOf(session, arguments.source)->GetPath().ToUTF8();
+    std::filesystem::path const source = IsLocal(session, arguments.source)
+                                             ? SystemPathOf(session, arguments.source)
+                                             : URIOf(session, arguments.source)->GetPath().ToUTF8();
     return (path / source.filename()).string();
 }
 
@@ -115,12 +112,25 @@ std::string WhatOf(Arguments const& arguments, std::string const& target)
                                                   sInterrupted ? "interrupted" : reason));
 }
 
-/// Lets the file system copy, which may only share the blocks.
-void Clone(Arguments const& arguments, IO::IURIFile const& source, IO::IURIFile& copy,
-           std::string const& target)
+/// What became of the copy: ends the command, or warns, or neither.
+void Conclude(Arguments const& arguments, std::string const& target, SYSTEM::Outcome const& outcome,
+              SYSTEM::NotKept const& notKept)
 {
-    if (copy.Copy(source) != kNoError)
-        CannotCopy(arguments, target, "no permission, no such directory, or no space left");
+    if (outcome.state != SYSTEM::Saved::kOld)
+        return WarnOfSaved(target, outcome.error, notKept);
+    CannotCopy(arguments, target,
+               outcome.error == ENODATA ? "the source became shorter" : ReasonOf(outcome.error));
+}
+
+/// Lets the file system copy, which may only share the blocks.
+void Clone(Session const& session, Arguments const& arguments, std::string const& target)
+{
+    CopyWatch watch;
+    SYSTEM::NotKept notKept;
+    SYSTEM::Outcome const outcome = SYSTEM::CopyFile(
+        SystemPathOf(session, arguments.source), SystemPathOf(session, target),
+        [&watch](uint64 done, uint64 total) { return watch.OnCopied(done, total); }, notKept);
+    Conclude(arguments, target, outcome, notKept);
 }
 
 constexpr char kSourceShort[] = "the source can't be read, or became shorter";
@@ -157,47 +167,74 @@ std::string Transfer(IO::IAsyncReader& reader, IO::IAsyncWriter& writer, int64 s
     return {};
 }
 
+/// A target beside which the copy is made, and the library's way to write it.
+struct SafeTarget
+{
+    SafeTarget(Session const& session, Arguments const& arguments, std::string const& target,
+               SYSTEM::Replacement::Temporary temporary)
+        : file(SystemPathOf(session, target), temporary)
+    {
+        if (file.Error() != 0)
+            CannotCopy(arguments, target, ReasonOf(file.Error()));
+        try
+        {
+            provider = OpenToWrite(session, file.Path())->GetDataProvider();
+        }
+        catch (Failure const& failure)
+        {
+            // The temporary's name is nobody's concern.
+            std::string_view const words = failure.what();
+            CannotCopy(arguments, target, std::string(words.substr(words.rfind(": ") + 2)));
+        }
+        writer = WriterOf(*provider);
+        if (!writer)
+            CannotCopy(arguments, target, "the target can't be written");
+    }
+
+    SYSTEM::Replacement file;
+    TInterfacePtr<IO::IDataProvider> provider;
+    IO::IAsyncWriter* writer = nullptr;
+};
+
+/// The library's channels don't tell why they failed. Where the system gives nothing more, it says so when
+/// asked for another descriptor.
+std::string WhyNot(std::string const& source, std::string const& otherwise)
+{
+    SYSTEM::ErrorNumber error = 0;
+    static_cast<void>(SYSTEM::OpenFile(source, SYSTEM::Access::kRead, error));
+    return error != 0 ? WordsOf(error) : otherwise;
+}
+
 /// Copies through the asynchronous interfaces. False, and nothing done, where the source has none or tells no
 /// size.
-bool CopyPieces(Session const& session, Arguments const& arguments, IO::IURIFile const& source,
-                std::string const& target)
+bool CopyPieces(Session const& session, Arguments const& arguments, std::string const& target)
 {
     auto const from = OpenToRead(session, arguments.source)->GetDataProvider();
     IO::IAsyncReader* const reader = ReaderOf(*from);
     int64 const size = from->Size();
-    uint64 modified = 0;
-    if (!reader || size <= 0 || source.GetModificationDate(modified) != kNoError)
+    if (!reader || size <= 0)
         return false;
-    std::error_code error;
-    std::filesystem::perms const permissions =
-        std::filesystem::status(source.GetURI()->GetPath().ToUTF8(), error).permissions();
-    SafeTarget safe(session, URIOf(session, target)->GetPath().ToUTF8(), WhatOf(arguments, target));
-    auto const to = OpenToWrite(session, safe.Temporary())->GetDataProvider();
-    IO::IAsyncWriter* const writer = WriterOf(*to);
-    if (!writer)
-        return false;
-    TInterfacePtr<CopyWatch> watch;
-    watch.Adopt(new CopyWatch);
-    std::string const reason = Transfer(*reader, *writer, size, *watch);
+    SYSTEM::ErrorNumber error = 0;
+    SYSTEM::Descriptor const source =
+        SYSTEM::OpenFile(SystemPathOf(session, arguments.source), SYSTEM::Access::kReference, error);
+    if (!source)
+        CannotCopy(arguments, target, WordsOf(error));
+    SafeTarget safe(session, arguments, target, SYSTEM::Replacement::Temporary::kUserAlone);
+    CopyWatch watch;
+    std::string const reason = Transfer(*reader, *safe.writer, size, watch);
     // The system's own files may have less than they say.
     if (!reason.empty() && reason == kSourceShort && from->Size() == size)
         return false;
     if (!reason.empty())
-        CannotCopy(arguments, target, reason);
-    safe.Commit(permissions, modified);
+        CannotCopy(arguments, target, WhyNot(SystemPathOf(session, arguments.source), reason));
+    safe.provider.Reset();
+    SYSTEM::NotKept notKept;
+    error = SYSTEM::CopyDates(source.Get(), safe.file.Get());
+    if (error == 0)
+        error = SYSTEM::CopyPermissions(source.Get(), safe.file.Get(), notKept);
+    Conclude(arguments, target, error == 0 ? safe.file.Commit() : SYSTEM::Outcome{SYSTEM::Saved::kOld, error},
+             notKept);
     return true;
-}
-
-/// The permissions of the file that is to be replaced, or those that a new one gets.
-std::filesystem::perms PermissionsAt(std::filesystem::path const& path)
-{
-    std::error_code error;
-    std::filesystem::file_status const there = std::filesystem::status(path, error);
-    if (std::filesystem::exists(there))
-        return there.permissions();
-    mode_t const mask = umask(077);
-    umask(mask);
-    return static_cast<std::filesystem::perms>(0666 & ~mask);
 }
 
 /// Copies a file that is no file of this system: forward, piece by piece, to its end, wherever that is.
@@ -206,13 +243,9 @@ void CopyForward(Session const& session, Arguments const& arguments, IO::IURIFil
 {
     uint64 told = 0;
     int64 const size = source.GetSize(told) == kNoError ? static_cast<int64>(told) : 0;
-    std::filesystem::path const path = URIOf(session, target)->GetPath().ToUTF8();
-    SafeTarget safe(session, path, WhatOf(arguments, target));
-    auto const to = OpenToWrite(session, safe.Temporary())->GetDataProvider();
+    SafeTarget safe(session, arguments, target, SYSTEM::Replacement::Temporary::kUsersDefault);
     auto const from = OpenToRead(session, arguments.source)->GetDataProvider();
-    IO::IAsyncWriter* const writer = WriterOf(*to);
-    TInterfacePtr<CopyWatch> watch;
-    watch.Adopt(new CopyWatch);
+    CopyWatch watch;
     std::vector<char> piece(Block::kSize);
     int64 done = 0;
     for (;;)
@@ -222,14 +255,13 @@ void CopyForward(Session const& session, Arguments const& arguments, IO::IURIFil
         if (count <= 0)
             break;
         IO::IAsyncTaskPtr task;
-        if (!writer ||
-            writer->WriteAsync(done, piece.data(), static_cast<std::size_t>(count), task) != kNoError)
+        if (safe.writer->WriteAsync(done, piece.data(), static_cast<std::size_t>(count), task) != kNoError)
             CannotCopy(arguments, target, "the target can't be written");
         static_cast<void>(task->WaitForCompletion());
         if (task->GetStatus() != kNoError)
             CannotCopy(arguments, target, "writing failed, or no space left");
         done += count;
-        if (!watch->OnCopied(static_cast<uint64>(done), told))
+        if (!watch.OnCopied(static_cast<uint64>(done), told))
             CannotCopy(arguments, target, "interrupted");
     }
     std::string const reason = session.Failures().Take();
@@ -238,7 +270,28 @@ void CopyForward(Session const& session, Arguments const& arguments, IO::IURIFil
     uint64 modified = 0;
     if (source.GetModificationDate(modified) != kNoError)
         modified = Now();
-    safe.Commit(PermissionsAt(path), modified);
+    safe.provider.Reset();
+    SYSTEM::NotKept notKept;
+    SYSTEM::ErrorNumber error = SYSTEM::SetModified(safe.file.Get(), modified);
+    if (error == 0)
+        error = safe.file.KeepAttributes(notKept);
+    Conclude(arguments, target, error == 0 ? safe.file.Commit() : SYSTEM::Outcome{SYSTEM::Saved::kOld, error},
+             notKept);
+}
+
+/// Whether both names lead to one file.
+bool IsSameFile(std::string const& a, std::string const& b)
+{
+    std::error_code error;
+    return std::filesystem::equivalent(a, b, error);
+}
+
+void CheckTarget(Session const& session, Arguments const& arguments, std::string const& target)
+{
+    std::error_code error;
+    std::filesystem::file_status const there = std::filesystem::status(SystemPathOf(session, target), error);
+    if (std::filesystem::exists(there) && !std::filesystem::is_regular_file(there))
+        CannotCopy(arguments, target, "the target is no regular file");
 }
 
 void Run(Common const& common, Arguments const& arguments)
@@ -247,7 +300,9 @@ void Run(Common const& common, Arguments const& arguments)
     IO::IURIFilePtr const source = FileOf(session, arguments.source);
     if (!source->Exists())
         NoSuchFile(session, "copy", arguments.source, *source);
-    if (!IsLocal(*FileOf(session, arguments.target)->GetURI()))
+    bool const isLocalTarget =
+        IsLocal(session, arguments.target) || IsLocal(*FileOf(session, arguments.target)->GetURI());
+    if (!isLocalTarget)
         throw Failure(Exit::kUsage,
                       WhatOf(arguments, arguments.target) + ": only files of this system can be written");
     std::string const target = TargetOf(session, arguments);
@@ -256,20 +311,20 @@ void Run(Common const& common, Arguments const& arguments)
         if (arguments.clone)
             throw Failure(Exit::kUsage,
                           WhatOf(arguments, target) + ": only files of this system can be cloned");
+        CheckTarget(session, arguments, target);
         InterruptGuard const guard;
         return CopyForward(session, arguments, *source, target);
     }
-    IO::IURIFilePtr const copy = FileOf(session, target);
-    std::filesystem::path const from = source->GetURI()->GetPath().ToUTF8();
+    std::string const from = SystemPathOf(session, arguments.source);
     std::error_code error;
     if (std::filesystem::is_directory(from, error))
         CannotCopy(arguments, target, "is a directory");
-    if (std::filesystem::equivalent(from, copy->GetURI()->GetPath().ToUTF8(), error))
+    if (IsSameFile(from, SystemPathOf(session, target)))
         CannotCopy(arguments, target, "source and target are the same file");
-    COREREGISTRY::RegisterNewFactory<CopyWatchFactory>(session.Registry());
+    CheckTarget(session, arguments, target);
     InterruptGuard const guard;
-    if (arguments.clone || !CopyPieces(session, arguments, *source, target))
-        Clone(arguments, *source, *copy, target);
+    if (arguments.clone || !CopyPieces(session, arguments, target))
+        Clone(session, arguments, target);
 }
 } // namespace
 

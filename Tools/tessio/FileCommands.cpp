@@ -6,11 +6,15 @@
 #include "Location.h"
 #include "Output.h"
 #include "Records/Path.h"
+#include "Saving.h"
+#include "System/Attributes.h"
+#include "System/Files.h"
 #include "TessIO/ResultCodes.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -63,7 +67,9 @@ void StatOne(Session const& session, std::string const& location, Common const& 
     auto const created = Ask(*file, &IURIFile::GetCreationDate);
     bool hidden = false;
     static_cast<void>(file->GetAttribute(IO::kAttributeHidden, hidden));
-    std::string const path = file->GetURI()->GetPath().ToUTF8();
+    std::string const path = IsLocal(*file->GetURI())
+                                 ? std::filesystem::absolute(SystemPathOf(session, location)).string()
+                                 : file->GetURI()->GetPath().ToUTF8();
     if (common.json)
     {
         auto const date = [](std::optional<uint64> const& value) {
@@ -105,6 +111,23 @@ bool NamesPlace(Arguments const& arguments)
            !std::filesystem::exists(std::filesystem::symlink_status(arguments.locations[1], error));
 }
 
+void RemoveFile(Session const& session, std::string const& location)
+{
+    if (!IsLocal(session, location))
+    {
+        IO::IURIFilePtr const file = FileOf(session, location);
+        if (file->Delete() == kNoError)
+            return;
+        if (!file->Exists())
+            NoSuchFile(session, "remove", location, *file);
+        throw Failure(Exit::kInputOutput, "cannot remove " + Quoted(location) + ": permission denied");
+    }
+    SYSTEM::ErrorNumber const error = SYSTEM::RemoveFile(SystemPathOf(session, location));
+    if (error != 0)
+        throw Failure(error == ENOENT || error == ENOTDIR ? Exit::kNotFound : Exit::kInputOutput,
+                      "cannot remove " + Quoted(location) + ": " + WordsOf(error));
+}
+
 void RemoveFiles(Common const& common, Arguments const& arguments)
 {
     if (NamesPlace(arguments))
@@ -114,25 +137,12 @@ void RemoveFiles(Common const& common, Arguments const& arguments)
                       "only what a path of a record file names can be removed so: rm FILE /0/dict[42]");
     Session const session(common);
     for (std::string const& location : arguments.locations)
-    {
-        IO::IURIFilePtr const file = FileOf(session, location);
-        if (file->Delete() == kNoError)
-            continue;
-        if (!file->Exists())
-            NoSuchFile(session, "remove", location, *file);
-        std::error_code error;
-        bool const isDirectory = IsLocal(*file->GetURI()) &&
-                                 std::filesystem::is_directory(file->GetURI()->GetPath().ToUTF8(), error);
-        throw Failure(Exit::kInputOutput, fmt::format("cannot remove {}: {}", Quoted(location),
-                                                      isDirectory ? "is a directory" : "permission denied"));
-    }
+        RemoveFile(session, location);
 }
 
-void Touch(Common const& common, Arguments const& arguments)
+void TouchFile(Session const& session, std::string const& location, uint64 date)
 {
-    uint64 date = arguments.date.empty() ? Now() : DateFromText(arguments.date);
-    Session const session(common);
-    for (std::string const& location : arguments.locations)
+    if (!IsLocal(session, location))
     {
         IO::IURIFilePtr const file = FileOf(session, location);
         if (file->Create() != kNoError)
@@ -140,7 +150,21 @@ void Touch(Common const& common, Arguments const& arguments)
                           "cannot create " + Quoted(location) + ": no such directory, or no permission");
         if (file->SetModificationDate(date) != kNoError)
             throw Failure(Exit::kInputOutput, "cannot date " + Quoted(location) + ": no permission");
+        return;
     }
+    std::string const path = SystemPathOf(session, location);
+    if (SYSTEM::ErrorNumber const error = SYSTEM::MakeFile(path))
+        throw Failure(Exit::kInputOutput, "cannot create " + Quoted(location) + ": " + ReasonOf(error));
+    if (SYSTEM::ErrorNumber const error = SYSTEM::SetModified(path, date))
+        throw Failure(Exit::kInputOutput, "cannot date " + Quoted(location) + ": " + WordsOf(error));
+}
+
+void Touch(Common const& common, Arguments const& arguments)
+{
+    uint64 date = arguments.date.empty() ? Now() : DateFromText(arguments.date);
+    Session const session(common);
+    for (std::string const& location : arguments.locations)
+        TouchFile(session, location, date);
 }
 } // namespace
 

@@ -1,17 +1,21 @@
 #include "Location.h"
 
 #include "Failure.h"
-#include "FileIO/IFile.h"
 #include "Output.h"
+#include "Saving.h"
+#include "System/Files.h"
 #include "TessIO/ClassIds.h"
 #include "TessIO/FilePaths.h"
+#include "TessIO/IDataProviderStatus.h"
 #include "TessIO/IURIRegistry.h"
 #include "TessIO/ResultCodes.h"
 
 #include <algorithm>
-#include <csignal>
+#include <cerrno>
 #include <filesystem>
 #include <limits>
+#include <system_error>
+#include <utility>
 
 namespace TOOL
 {
@@ -39,24 +43,31 @@ struct Reason
     std::string text;
 };
 
-/// Why a file of this system can't be opened, in words.
-Reason LocalReason(IO::IURI const& uri, ErrCode code)
+/// Whether a look at a file failed otherwise than that it is not there.
+bool IsTrouble(std::error_code const& error)
+{
+    return error && error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory;
+}
+
+/// Why a file of this system can't be opened, in words. The library's code does not tell what the system
+/// said, so the system is asked again.
+Reason LocalReason(IO::IURI const& uri, ErrCode code, SYSTEM::Access access)
 {
     std::filesystem::path path;
     std::error_code error;
     bool const known = IO::FilePathOf(uri, path) == kNoError;
     std::filesystem::file_status const status = std::filesystem::status(path, error);
-    if (error == std::errc::permission_denied)
-        return {.text = "permission denied"};
+    if (IsTrouble(error))
+        return {.text = WordsOf(error.value())};
     if (known && std::filesystem::is_directory(status))
         return {.text = "is a directory"};
     if (!known || !std::filesystem::exists(status))
         return {Exit::kNotFound, "no such file"};
-    if (code == IO::kOpenRefused)
-        return {.text = "permission denied"};
     if (code == IO::kLocked)
         return {.text = "locked by another process"};
-    return {.text = "error " + std::to_string(code)};
+    SYSTEM::ErrorNumber why = 0;
+    static_cast<void>(SYSTEM::OpenFile(path.string(), access, why));
+    return {.text = why != 0 ? WordsOf(why) : "error " + std::to_string(code)};
 }
 
 /// Why a server's file can't be had: what the server says of the user, what was reported, or what the code
@@ -88,6 +99,8 @@ TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string cons
     IO::IURIFilePtr const file = FileOf(session, location);
     IO::IURIPtr const uri = file->GetURI();
     bool const isLocal = IsLocal(*uri);
+    SYSTEM::Access const access =
+        open == &IO::IURIFile::Write ? SYSTEM::Access::kReadWrite : SYSTEM::Access::kRead;
     // A pipe without data looks like the end of a file, and a device may have none.
     std::filesystem::path path;
     std::error_code error;
@@ -99,7 +112,7 @@ TInterfacePtr<IDataProviderStream> Open(Session const& session, std::string cons
     TInterfacePtr<IDataProviderStream> stream;
     if (ErrCode const code = (file.Get()->*open)(stream); code != kNoError)
     {
-        Reason const reason = isLocal ? LocalReason(*uri, code) : RemoteReason(session, *file, code);
+        Reason const reason = isLocal ? LocalReason(*uri, code, access) : RemoteReason(session, *file, code);
         throw Failure(reason.exit, "cannot open " + Quoted(location) + ": " + reason.text);
     }
     // What failed before and did not matter is no reason for what may fail now.
@@ -121,8 +134,8 @@ void NoSuchFile(Session const& session, char const* operation, std::string const
         reason = RemoteReason(session, file, IO::kFileNotFound);
     else if (IO::FilePathOf(*uri, path) == kNoError)
         static_cast<void>(std::filesystem::status(path, error));
-    if (error == std::errc::permission_denied)
-        reason = {.text = "permission denied"};
+    if (IsTrouble(error))
+        reason = {.text = WordsOf(error.value())};
     throw Failure(reason.exit,
                   std::string("cannot ") + operation + " " + Quoted(location) + ": " + reason.text);
 }
@@ -134,21 +147,6 @@ void CutShort(std::string const& location, std::string const& reason, int64 done
     throw Failure(Exit::kInputOutput,
                   "cannot read " + Quoted(location) + ": " +
                       (reason.empty() ? bytes + " could be read" : reason + " after " + bytes));
-}
-
-std::string ReasonOf(FILE_SYS::ErrCode status)
-{
-    switch (status)
-    {
-    case FILE_SYS::kNotFound:
-        return "no such directory";
-    case FILE_SYS::kNotPermitted:
-        return "permission denied";
-    case FILE_SYS::kNoSpace:
-        return "no space left";
-    default:
-        return "error " + std::to_string(status);
-    }
 }
 
 IO::IURIPtr URIOf(Session const& session, std::string const& location)
@@ -168,9 +166,73 @@ IO::IURIPtr URIOf(Session const& session, std::string const& location)
     return uri;
 }
 
+bool IsLocal(Session const& session, std::string const& location)
+{
+    return !IsURL(location) || IsLocal(*URIOf(session, location));
+}
+
+std::string SystemPathOf(Session const& session, std::string const& location)
+{
+    if (location.empty())
+        throw Failure(Exit::kUsage, "the location is empty");
+    std::string path = location;
+    if (IsURL(location))
+    {
+        IO::IURIPtr const uri = URIOf(session, location);
+        std::filesystem::path named;
+        if (!IsLocal(*uri))
+            throw Failure(Exit::kUsage,
+                          Quoted(location) + " is no file of this system: only these can be written");
+        if (IO::FilePathOf(*uri, named) != kNoError)
+            throw Failure(Exit::kUsage, Quoted(location) + " names no file");
+        path = named.string();
+    }
+    while (path.size() > 1 && path.ends_with('/'))
+        path.pop_back();
+    return path;
+}
+
+bool Exists(Session const& session, std::string const& location)
+{
+    if (!IsLocal(session, location))
+        return FileOf(session, location)->Exists();
+    std::error_code error;
+    bool const isThere = std::filesystem::exists(SystemPathOf(session, location), error);
+    if (IsTrouble(error))
+        throw Failure(Exit::kInputOutput, "cannot open " + Quoted(location) + ": " + WordsOf(error.value()));
+    return isThere;
+}
+
+namespace
+{
+/// The URI by which a file can be reached. Where its name is not UTF-8, which no URI holds, that is by
+/// another path, and the file must be there.
+IO::IURIPtr WayTo(Session const& session, std::string const& location)
+{
+    IO::IURIPtr uri;
+    if (location.empty() || IsURL(location) ||
+        IO::CreateFileURI(session.Registry(), uri, location) == kNoError)
+        return URIOf(session, location);
+    SYSTEM::ErrorNumber error = 0;
+    SYSTEM::Descriptor file = SYSTEM::OpenFile(location, SYSTEM::Access::kReference, error);
+    if (!file)
+        throw Failure(error == ENOENT || error == ENOTDIR ? Exit::kNotFound : Exit::kInputOutput,
+                      "cannot open " + Quoted(location) + ": " + WordsOf(error));
+    std::string const path = SYSTEM::PathThrough(file);
+    session.Keep(std::move(file));
+    if (path.empty() || IO::CreateFileURI(session.Registry(), uri, path) != kNoError)
+        throw Failure(Exit::kInputOutput,
+                      "cannot open " + Quoted(location) +
+                          ": its name is not valid UTF-8, and without /proc there is no other way to it: "
+                          "rename it first");
+    return uri;
+}
+
+} // namespace
+
 IO::IURIFilePtr FileOf(Session const& session, std::string const& location)
 {
-    IO::IURIPtr const uri = URIOf(session, location);
+    IO::IURIPtr const uri = WayTo(session, location);
     auto const registry = session.Create<IO::IURIRegistry>(IO::IID_URI_REGISTRY);
     IO::IURIFilePtr file;
     ErrCode const code = registry->Create(*uri, file, &session.Failures());
@@ -213,38 +275,40 @@ std::vector<unsigned char> ReadWhole(Session const& session, IDataProviderStream
         if (count == 0)
             break;
     }
-    std::string const reason = session.Failures().Take();
+    std::string reason = session.Failures().Take();
+    if (reason.empty())
+        reason = ReadFailureOf(*provider);
     // A file of a known size that ends early was cut meanwhile, or the disk fails.
     if (!reason.empty() || static_cast<int64>(content.size()) < size)
         CutShort(location, reason, static_cast<int64>(content.size()), std::max(size, provider->Size()));
     return content;
 }
 
+std::string ReadFailureOf(IDataProvider const& provider)
+{
+    auto const* const status = dynamic_cast<IO::IDataProviderStatus const*>(&provider);
+    int const error = status ? status->GetSystemError() : 0;
+    return error == 0 ? "" : WordsOf(error);
+}
+
 std::string TryReplaceContent(Session const& session, std::string const& location,
                               std::vector<unsigned char> const& content)
 {
-    auto const file = session.Create<FILE_SYS::IFile>(FILE_SYS::IID_IFILE);
-    FILE_SYS::ErrCode status = FILE_SYS::kNotFound;
-    if (file->BindPath(URIOf(session, location)->GetPath()))
-    {
-        // An interrupt waits until the temporary file is gone.
-        sigset_t held;
-        sigset_t before;
-        sigemptyset(&held);
-        for (int const signal : {SIGINT, SIGTERM, SIGHUP})
-            sigaddset(&held, signal);
-        pthread_sigmask(SIG_BLOCK, &held, &before);
-        status = file->Replace(content.data(), content.size());
-        pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    }
-    return status == FILE_SYS::kDone ? "" : ReasonOf(status);
+    std::string const path = SystemPathOf(session, location);
+    HeldInterrupts const held;
+    SYSTEM::NotKept notKept;
+    SYSTEM::Outcome const outcome = SYSTEM::ReplaceFile(path, content.data(), content.size(), notKept);
+    if (outcome.state == SYSTEM::Saved::kOld)
+        return ReasonOf(outcome.error);
+    WarnOfSaved(location, outcome.error, notKept);
+    return {};
 }
 
 void ReplaceContent(Session const& session, std::string const& location,
-                    std::vector<unsigned char> const& content, std::string const& shown)
+                    std::vector<unsigned char> const& content)
 {
     if (auto const why = TryReplaceContent(session, location, content); !why.empty())
-        throw Failure(Exit::kInputOutput, "cannot write " + Quoted(shown.empty() ? location : shown) + ": " +
-                                              why + "; nothing is changed");
+        throw Failure(Exit::kInputOutput,
+                      "cannot write " + Quoted(location) + ": " + why + "; nothing is changed");
 }
 } // namespace TOOL

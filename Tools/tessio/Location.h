@@ -1,7 +1,6 @@
 // From what a person types to the file that it names.
 #pragma once
 
-#include "FileIO/IFile.h"
 #include "Session.h"
 #include "TessIO/IURIFile.h"
 
@@ -11,10 +10,20 @@
 namespace TOOL
 {
 /// The URI of a location: a URL, or else a path of this system, absolute or relative, every character of it
-/// kept.
+/// kept. Ends the command for a path that is not UTF-8, which no URI holds.
 KORVA::IO::IURIPtr URIOf(Session const& session, std::string const& location);
 
-/// The file object that serves the location's scheme.
+/// Whether a location is a file of this system.
+bool IsLocal(Session const& session, std::string const& location);
+
+/// The path of a file of this system, in the system's own bytes. Ends the command for anything else.
+std::string SystemPathOf(Session const& session, std::string const& location);
+
+/// Whether a file is there. Ends the command when the system can't say.
+bool Exists(Session const& session, std::string const& location);
+
+/// The file object that serves the location's scheme. A path that is not UTF-8 must lead to a file that is
+/// there, which then has another path. To make, replace or remove such a file ask for its `SystemPathOf`.
 KORVA::IO::IURIFilePtr FileOf(Session const& session, std::string const& location);
 
 /// Whether it is a file of this system, which everything else is to be asked of as well.
@@ -39,15 +48,15 @@ KORVA::TInterfacePtr<KORVA::IO::IDataProviderStream> OpenToWrite(Session const& 
 std::vector<unsigned char> ReadWhole(Session const& session, KORVA::IO::IDataProviderStream& stream,
                                      std::string const& location);
 
-/// Why the file-system library could not write a file, in words.
-std::string ReasonOf(KORVA::FILE_SYS::ErrCode status);
+/// Why reading from the provider failed, if it did and its system says so. Empty else.
+std::string ReadFailureOf(KORVA::IO::IDataProvider const& provider);
 
-/// Makes the bytes the file's whole content, at once and safely. Empty, or why the file is as it was.
+/// Makes the bytes the file's whole content, at once and safely. Empty, or why the file is as it was. Warns
+/// when the file is new, but not safe yet, or not all of the old one could be kept.
 std::string TryReplaceContent(Session const& session, std::string const& location,
                               std::vector<unsigned char> const& content);
 
 /// The same; ends the command when it can't be done.
-/// `shown` is its name in messages; the location when it is empty.
 void ReplaceContent(Session const& session, std::string const& location,
-                    std::vector<unsigned char> const& content, std::string const& shown = {});
+                    std::vector<unsigned char> const& content);
 } // namespace TOOL

@@ -7,7 +7,6 @@
 #include "Records/Document.h"
 #include "Records/FileOrder.h"
 #include "TessIO/ClassIds.h"
-#include "TessIO/FilePaths.h"
 #include "TessIO/IPersistentData.h"
 
 #include <fmt/format.h>
@@ -41,7 +40,8 @@ public:
     DirectoryLock(std::filesystem::path const& file, std::string const& location)
     {
         std::error_code error;
-        std::filesystem::path const directory = std::filesystem::weakly_canonical(file, error).parent_path();
+        std::filesystem::path const directory =
+            std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error).parent_path();
         mDescriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         for (int attempt = 0; mDescriptor >= 0 && flock(mDescriptor, LOCK_EX | LOCK_NB) != 0; ++attempt)
         {
@@ -69,10 +69,9 @@ private:
 RecordFile::RecordFile(Session const& session, std::string location, GUID const& classId, Use use)
     : mSession(session), mLocation(std::move(location))
 {
-    std::filesystem::path path;
-    if (use != Use::kRead && IO::FilePathOf(*URIOf(session, mLocation), path) == kNoError)
-        mDirectory = std::make_shared<DirectoryLock>(path, mLocation);
-    mIsNew = use == Use::kEditOrCreate && !FileOf(session, mLocation)->Exists();
+    if (use != Use::kRead && IsLocal(session, mLocation))
+        mDirectory = std::make_shared<DirectoryLock>(SystemPathOf(session, mLocation), mLocation);
+    mIsNew = use == Use::kEditOrCreate && !Exists(session, mLocation);
     if (mIsNew)
         mObject = session.Create<IObject>(classId);
     else
@@ -133,7 +132,7 @@ void RecordFile::Save() const
         throw Failure(Exit::kInputOutput,
                       Quoted(mLocation) + " would be larger than 2 GiB; nothing is changed");
     // The lock is on the file that was opened; another process may have put a new one in its place meanwhile.
-    bool const isThere = FileOf(mSession, mLocation)->Exists();
+    bool const isThere = Exists(mSession, mLocation);
     if (mIsNew ? isThere
                : !isThere || ReadWhole(mSession, *OpenToRead(mSession, mLocation), mLocation) != mContent)
         throw Failure(Exit::kInputOutput,

@@ -6,8 +6,11 @@
 #include "CoreRegistry/CoreRegistry.h"
 #include "Host/Host.h"
 #include "Logger/KLoggerLibInterface.h"
+#include "System/Descriptor.h"
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace TOOL
 {
@@ -39,6 +42,9 @@ public:
         return object;
     }
 
+    /// Keeps a file open to the end of the command: it is named by its descriptor's number.
+    void Keep(KORVA::SYSTEM::Descriptor file) const { mKept.push_back(std::move(file)); }
+
     /// The bounds for record files that the user set.
     Limits const& Bounds() const { return mLimits; }
 
@@ -51,5 +57,6 @@ private:
     std::unique_ptr<KORVA::HOST::Host> mHost;
     KORVA::TInterfacePtr<LastFailure> mFailures;
     KORVA::IO::IURICredentialPtr mCredential;
+    mutable std::vector<KORVA::SYSTEM::Descriptor> mKept;
 };
 } // namespace TOOL

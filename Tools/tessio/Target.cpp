@@ -3,9 +3,11 @@
 #include "Failure.h"
 #include "Location.h"
 #include "Output.h"
-#include "SafeTarget.h"
-#include "TessIO/FilePaths.h"
+#include "Saving.h"
+#include "System/Replacement.h"
+#include "System/Transfer.h"
 
+#include <cerrno>
 #include <filesystem>
 
 namespace TOOL
@@ -40,30 +42,67 @@ void CheckOther(std::string const& out, std::string const& file)
 
 namespace
 {
-/// Like the file, for whom it is for.
-void KeepBackup(Session const& session, Document const& document)
+using namespace KORVA::SYSTEM;
+
+[[noreturn]] void CannotWrite(std::string const& file, ErrorNumber error, std::string const& state)
 {
-    KORVA::IO::IURIPtr const uri = URIOf(session, document.file);
-    std::filesystem::path path;
-    if (KORVA::IO::FilePathOf(*uri, path) != KORVA::kNoError)
-        throw Failure(Exit::kUsage, Quoted(document.file) + " can't be changed in place");
-    KORVA::uint64 modified = 0;
-    static_cast<void>(FileOf(session, document.file)->GetModificationDate(modified));
-    SafeTarget backup(session, path.string() + "~", "cannot keep " + Quoted(document.file + "~"));
-    ReplaceContent(session, backup.Temporary(), document.content, document.file + "~");
-    backup.Commit(std::filesystem::status(path).permissions(), modified);
+    throw Failure(Exit::kInputOutput, "cannot write " + Quoted(file) + ": " + ReasonOf(error) + "; " + state);
+}
+
+/// Content and attributes of what is to stand there, on the disk but not under its name.
+void Prepare(Replacement& file, std::string const& shown, Bytes const& content, int attributesOf,
+             NotKept& notKept)
+{
+    ErrorNumber error = file.Error();
+    if (error == 0)
+        error = WriteAll(file.Get(), content.data(), content.size());
+    if (error == 0 && attributesOf >= 0)
+        error = CopyDates(attributesOf, file.Get());
+    if (error == 0)
+        error = attributesOf < 0 ? file.KeepAttributes(notKept)
+                                 : KeepAttributes(attributesOf, file.Get(), notKept);
+    if (error == 0)
+        error = file.Flush();
+    if (error != 0)
+        CannotWrite(shown, error, "nothing is changed");
+}
+
+/// Replaces the file and keeps what it was, like the file and for whom it is for. Neither name is given away
+/// before both contents are on the disk.
+void ReplaceInPlace(Session const& session, Document const& document, Bytes const& content)
+{
+    std::string const kept = document.file + "~";
+    std::string const path = SystemPathOf(session, document.file);
+    HeldInterrupts const held;
+    NotKept notKept;
+    NotKept notKeptOfOld;
+    Replacement file(path);
+    Replacement old(path + "~", Replacement::Temporary::kUserAlone);
+    if (file.Error() == 0 && !file.ReplacesFile())
+        CannotWrite(document.file, ENOENT, "nothing is changed");
+    Prepare(old, kept, document.content, file.Old(), notKeptOfOld);
+    Prepare(file, document.file, content, -1, notKept);
+    if (ReadWhole(session, *OpenToRead(session, document.file), document.file) != document.content)
+        throw Failure(Exit::kInputOutput,
+                      Quoted(document.file) +
+                          " was changed by another process; nothing is changed by this one");
+    if (ErrorNumber const error = old.Rename(Replacement::Undoable::kYes))
+        CannotWrite(kept, error, "nothing is changed");
+    if (ErrorNumber const error = file.Rename())
+        CannotWrite(document.file, error,
+                    old.Undo() == 0 ? "nothing is changed"
+                                    : "it is unchanged, but " + Quoted(kept) +
+                                          " now holds the same, and not what it held before");
+    ErrorNumber const flushed = file.FlushName();
+    WarnOfSaved(document.file, flushed != 0 ? flushed : old.FlushName(), notKept);
 }
 } // namespace
 
 void WriteTarget(Session const& session, Target const& target, Document const& document, Bytes const& content)
 {
-    if (!target.inPlace)
-        return WriteOutput(session, target.out, content);
-    KeepBackup(session, document);
-    if (ReadWhole(session, *OpenToRead(session, document.file), document.file) != document.content)
-        throw Failure(Exit::kInputOutput,
-                      Quoted(document.file) +
-                          " was changed by another process; nothing is changed by this one");
-    ReplaceContent(session, document.file, content);
+    if (target.inPlace)
+        ReplaceInPlace(session, document, content);
+    else
+        WriteOutput(session, target.out, content);
 }
 } // namespace TOOL

@@ -46,7 +46,8 @@ public:
     /// or one that is not well-formed.
     virtual bool BindPath(STRING::CoreString const& path) = 0;
 
-    /// Whether anything of that name is there; a symbolic link counts by what it points to.
+    /// Whether anything of that name is there; a symbolic link counts by what it points to. What can't be
+    /// looked at counts as not there: ask `GetSize` why.
     virtual bool Exists() = 0;
 
     /// Sets `flag` to 1 for a hidden file (one whose name begins with a dot), else to 0.
@@ -72,10 +73,12 @@ public:
     /// Always a failure: no interface of this system sets a creation date.
     virtual ErrCode SetCreationDate(uint64 & date) = 0;
 
-    /// Copies content, permissions and modification date to `target`, replacing a file of that name at once
-    /// and whole: a crash leaves the old one or the new one, and so does a failure, most the old one. A
-    /// symbolic link at `target` is followed. Copying a file onto itself, and copying anything but a regular
-    /// file, is a failure.
+    /// Copies content, permissions, access list and modification date to `target`, replacing a file of that
+    /// name at once and whole: a crash leaves the old one or the new one. Each status but 0 and 90 means that
+    /// the old one is there. Set-user and set-group bits are not copied, nor are owner, group and extended
+    /// attributes. Where the access list can't be set, nobody may do more with the copy than with the source,
+    /// and a notice in the log says so. A symbolic link at `target` is followed. Copying a file onto itself,
+    /// and copying anything but a regular file, is a failure.
     virtual ErrCode CopyTo(STRING::CoreString const& target) = 0;
 
     /// Renames to `target` within one file system, replacing a file of that name. The object stays bound to
@@ -86,11 +89,15 @@ public:
     virtual ErrCode Sync() = 0;
 
     /// Makes `count` bytes the file's whole content, at once: they go to a temporary file beside it, are
-    /// flushed to the disk, and the temporary takes the name. A crash leaves the old file or the new one. So
-    /// does a failure, most the old one: the last thing that can fail is to wait for the new name to be on
-    /// the disk. The permissions of a replaced file are kept, and its owner and group where the user may give
-    /// them; else neither the new group nor all others may do what only one of them might. A new one gets the
-    /// user's default. A symbolic link is followed.
+    /// flushed to the disk, and the temporary takes the name. A crash leaves the old file or the new one.
+    /// Each status but 0 and 90 means that the old one is there, 90 that the new one is and may be lost again
+    /// with the power: as in a directory that may be written but not read, which nobody can flush.
+    ///
+    /// A replaced file's permissions, owner and group, access list and extended attributes are kept as far as
+    /// the user may set them, its set-user and set-group bits and the system's rights of a program are not.
+    /// What can't be kept is named by a notice in the log, and nobody may do more with the new file than with
+    /// the old one: what only one of the old group and all others might, neither the new group nor the others
+    /// may. A new file gets the user's default, or what its directory says. A symbolic link is followed.
     virtual ErrCode Replace(void const* data, uint64 count) = 0;
 };
 

@@ -1,0 +1,168 @@
+#include "System/Replacement.h"
+
+#include "System/Files.h"
+#include "System/Transfer.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <random>
+
+namespace KORVA::SYSTEM
+{
+namespace
+{
+constexpr int kNameAttempts = 100;
+constexpr int kMostLinks = 40;
+constexpr std::size_t kMostOfName = 200;
+
+/// The path behind symbolic links, whether a file is there or not.
+std::string Followed(std::string path)
+{
+    char target[PATH_MAX];
+    for (int links = 0; links < kMostLinks; ++links)
+    {
+        ssize_t const length = readlink(path.c_str(), target, sizeof target);
+        if (length <= 0)
+            break;
+        std::string const next(target, static_cast<std::size_t>(length));
+        path = next.starts_with('/') ? next : DirectoryOf(path) + "/" + next;
+    }
+    return path;
+}
+
+/// A long name is cut so that a temporary's stays within the system's bound, and not within a character: some
+/// file systems take only whole ones.
+std::string Beginning(std::string const& name)
+{
+    std::size_t end = kMostOfName;
+    if (name.size() <= end)
+        return name;
+    while (end > kMostOfName - 4 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80)
+        --end;
+    return name.substr(0, end);
+}
+} // namespace
+
+Replacement::Replacement(std::string const& target, Temporary temporary)
+{
+    std::string const path = Followed(target);
+    std::size_t const slash = path.rfind('/');
+    mName = slash == std::string::npos ? path : path.substr(slash + 1);
+    mDirectoryPath = DirectoryOf(path);
+    // A reference, because a directory that may be written need not be one that may be read.
+    mDirectory = Descriptor(open(mDirectoryPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!mDirectory || mName.empty())
+    {
+        mError = !mDirectory ? errno : EISDIR;
+        return;
+    }
+    mOld = Descriptor(openat(mDirectory.Get(), mName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status;
+    if (mOld ? fstat(mOld.Get(), &status) != 0 : errno != ENOENT)
+        mError = errno;
+    else if (mOld && !S_ISREG(status.st_mode))
+        mError = S_ISLNK(status.st_mode) ? ELOOP : S_ISDIR(status.st_mode) ? EISDIR : EPERM;
+    if (mError != 0)
+        return;
+    mode_t const permissions = mOld || temporary == Temporary::kUserAlone ? 0600 : 0666;
+    for (int attempt = 0; attempt < kNameAttempts && !mDescriptor; ++attempt)
+    {
+        std::string const name = NewName();
+        mDescriptor = Descriptor(
+            openat(mDirectory.Get(), name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
+        mError = mDescriptor ? 0 : errno;
+        if (mDescriptor)
+            mTemporary = name;
+        else if (mError != EEXIST)
+            break;
+    }
+}
+
+Replacement::~Replacement()
+{
+    for (std::string const& name : {mTemporary, mHeldOld})
+        if (!name.empty())
+            unlinkat(mDirectory.Get(), name.c_str(), 0);
+}
+
+std::string Replacement::NewName() const
+{
+    std::random_device random;
+    char suffix[16];
+    std::snprintf(suffix, sizeof suffix, ".%08x", static_cast<unsigned>(random()));
+    return "." + Beginning(mName) + suffix;
+}
+
+std::string Replacement::Path() const
+{
+    std::string path = PathThrough(mDescriptor);
+    return path.empty() ? mDirectoryPath + "/" + mTemporary : path;
+}
+
+ErrorNumber Replacement::KeepAttributes(NotKept& notKept)
+{
+    return mOld ? SYSTEM::KeepAttributes(mOld.Get(), mDescriptor.Get(), notKept) : 0;
+}
+
+Outcome Replacement::Commit()
+{
+    if (ErrorNumber const error = Flush())
+        return {Saved::kOld, error};
+    if (ErrorNumber const error = Rename())
+        return {Saved::kOld, error};
+    if (ErrorNumber const error = FlushName())
+        return {Saved::kNewNotFlushed, error};
+    return {Saved::kNew, 0};
+}
+
+ErrorNumber Replacement::Flush()
+{
+    ErrorNumber const error = FlushToDevice(mDescriptor.Get());
+    return error != 0 ? error : mDescriptor.Close();
+}
+
+ErrorNumber Replacement::Rename(Undoable undoable)
+{
+    std::string const held = undoable == Undoable::kYes && mOld ? NewName() : std::string();
+    if (!held.empty() && linkat(mDirectory.Get(), mName.c_str(), mDirectory.Get(), held.c_str(), 0) == 0)
+        mHeldOld = held;
+    if (renameat(mDirectory.Get(), mTemporary.c_str(), mDirectory.Get(), mName.c_str()) != 0)
+        return errno;
+    mTemporary.clear();
+    return 0;
+}
+
+ErrorNumber Replacement::Undo()
+{
+    if (!mOld)
+        return unlinkat(mDirectory.Get(), mName.c_str(), 0) == 0 ? 0 : errno;
+    if (mHeldOld.empty())
+        return EOPNOTSUPP;
+    if (renameat(mDirectory.Get(), mHeldOld.c_str(), mDirectory.Get(), mName.c_str()) != 0)
+        return errno;
+    mHeldOld.clear();
+    return 0;
+}
+
+ErrorNumber Replacement::FlushName()
+{
+    Descriptor const readable(openat(mDirectory.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return readable ? FlushNames(readable) : errno;
+}
+
+Outcome ReplaceFile(std::string const& path, void const* data, std::uint64_t count, NotKept& notKept)
+{
+    Replacement file(path);
+    ErrorNumber error = file.Error();
+    if (error == 0)
+        error = WriteAll(file.Get(), data, static_cast<std::size_t>(count));
+    if (error == 0)
+        error = file.KeepAttributes(notKept);
+    return error == 0 ? file.Commit() : Outcome{Saved::kOld, error};
+}
+} // namespace KORVA::SYSTEM
