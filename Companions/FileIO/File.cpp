@@ -8,6 +8,7 @@
 #include "System/CopyFile.h"
 #include "System/Files.h"
 #include "System/Replacement.h"
+#include "SystemPath.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -27,14 +28,6 @@ constexpr LogSite kSiteReplace{
     kSource, "virtual ErrCode KORVA::FILE_SYS::File::Replace(const void *, uint64)", 0, 1, 1};
 
 constexpr uint64 kNanosecondsPerSecond = 1'000'000'000;
-
-/// A path in the system's form; empty for a text that can't be one.
-std::string SystemPath(STRING::CoreString const& path)
-{
-    if (!path.IsWellFormed() || path.find(u'\0') != STRING::CoreString::npos)
-        return {};
-    return path.ToUTF8();
-}
 
 ErrCode DateFrom(int64 seconds, uint32 nanoseconds, uint64& date)
 {

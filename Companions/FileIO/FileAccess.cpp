@@ -1,6 +1,7 @@
 #include "FileAccess.h"
 
 #include "FileStatus.h"
+#include "SystemPath.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -26,14 +27,6 @@ constexpr std::chrono::microseconds kPause{250};
 constexpr int kMostWaits = 30;
 constexpr int kMostLinks = 40;
 constexpr int kAnyOpening = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-
-/// Empty for a text that can't be a path.
-std::string SystemPath(STRING::CoreString const& path)
-{
-    if (!path.IsWellFormed() || path.find(u'\0') != STRING::CoreString::npos)
-        return {};
-    return path.ToUTF8();
-}
 
 /// The directory in which a file made under that name would be. Links that lead to nothing are followed.
 fs::path DirectoryOf(fs::path path)

@@ -21,7 +21,6 @@ constexpr char kReading[] =
 constexpr char kWriting[] = "virtual KORVA::IO::DataProviderStream "
                             "&KORVA::IO::DataProviderStream::operator<<(const KORVA::IObject &)";
 
-constexpr LogSite kSiteNoMore{kSource, kReading, 0};
 constexpr LogSite kSiteSuspectLength{kSource, kReading, 300};
 constexpr LogSite kSiteReadThrew{kSource, kReading, 341};
 constexpr LogSite kSitePreposterous{kSource, kReading, 354};
@@ -56,20 +55,6 @@ private:
 };
 
 thread_local int Nesting::sDepth = 0;
-
-/// Logs what is wrong with a record, as far as that is worth it.
-template <class... Parts>
-void LogAbout(ReadingEffort::Record const& record, LogSite const& site, Parts const&... parts)
-{
-    ReadingEffort::Worth const worth = record.CountMessage();
-    if (worth == ReadingEffort::Worth::kSilence)
-        return;
-    Log(site, parts...);
-    if (worth == ReadingEffort::Worth::kLastMessage)
-        Log(kSiteNoMore,
-            L"Too many records are read from behind the end of another one. Further messages about "
-            L"such records are left out.");
-}
 
 /// Overwrites a number laid down at `at` and comes back.
 template <class Number>
@@ -177,8 +162,9 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
     if (static_cast<uint64>(length) >= kLengthLimit)
     {
         record.HasNoLength();
-        LogAbout(record, kSiteSuspectLength, L"serializedLength of this object (", length,
-                 L" bytes) looks suspect. Bailing.");
+        if (record.IsWorthAMessage())
+            Log(kSiteSuspectLength, L"serializedLength of this object (", length,
+                L" bytes) looks suspect. Bailing.");
         return *this;
     }
     int64 const start = mProvider->GetPosition();
@@ -205,12 +191,11 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
             catch (std::bad_alloc const&)
             {
                 mHasRunOutOfMemory = true;
-                LogAbout(record, kSiteReadThrew, L"Object thrown expection during read.");
             }
             catch (...)
-            {
-                LogAbout(record, kSiteReadThrew, L"Object thrown expection during read.");
-            }
+            {}
+            if (!complete && record.IsWorthAMessage())
+                Log(kSiteReadThrew, L"Object thrown expection during read.");
         }
     }
 
@@ -220,17 +205,16 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
         int64 const position = mProvider->GetPosition();
         if (position != end)
         {
-            LogAbout(record, kSiteResynchronised,
-                     L"Incorrect dp position after read an IObject, currently at ", position, L" should be ",
-                     end);
+            if (record.IsWorthAMessage())
+                Log(kSiteResynchronised, L"Incorrect dp position after read an IObject, currently at ",
+                    position, L" should be ", end);
             static_cast<void>(mProvider->SetPosition(end, IDataProvider::kFromStart));
         }
         return *this;
     }
-    if (mProvider->SetPosition(end, IDataProvider::kFromStart) == kBadArgument)
-        LogAbout(record, kSitePreposterous,
-                 L"Trying to set the dp position to something probably preposterous (", end,
-                 L") bytes from start.");
+    if (mProvider->SetPosition(end, IDataProvider::kFromStart) == kBadArgument && record.IsWorthAMessage())
+        Log(kSitePreposterous, L"Trying to set the dp position to something probably preposterous (", end,
+            L") bytes from start.");
     return *this;
 }
 } // namespace KORVA::IO

@@ -1,5 +1,6 @@
 #include "ReadingEffort.h"
 
+#include "Logger/LogSite.h"
 #include "TessIO/IDataProvider.h"
 
 #include <algorithm>
@@ -9,6 +10,10 @@ namespace KORVA::IO
 {
 namespace
 {
+constexpr LogSite kSiteNoMore{
+    "Core/Libraries/Tessaro/Source/src/DataProviderStream",
+    "virtual KORVA::IO::DataProviderStream &KORVA::IO::DataProviderStream::operator>>(KORVA::IObject **)", 0};
+
 constexpr int64 kHeaderSize = 24;
 /// What any file may cost beyond its own bytes, however small it is.
 constexpr int64 kFreeBytes = int64{1} << 20;
@@ -128,14 +133,17 @@ void ReadingEffort::Record::BeginBody() const
         Refuse();
 }
 
-ReadingEffort::Worth ReadingEffort::Record::CountMessage() const
+bool ReadingEffort::Record::IsWorthAMessage() const
 {
     if (!mIsBehind)
-        return Worth::kMessage;
-    // Few enough to count them without an end.
-    sAccount.messages = std::min(sAccount.messages + 1, kMostMessages + 1);
+        return true;
     if (sAccount.messages > kMostMessages)
-        return Worth::kSilence;
-    return sAccount.messages == kMostMessages ? Worth::kLastMessage : Worth::kMessage;
+        return false;
+    if (++sAccount.messages <= kMostMessages)
+        return true;
+    Log(kSiteNoMore,
+        L"Too many records are read from behind the end of another one. Further messages about such "
+        L"records are left out.");
+    return false;
 }
 } // namespace KORVA::IO

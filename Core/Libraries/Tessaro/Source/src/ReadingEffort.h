@@ -48,15 +48,6 @@ class ReadingEffort
     };
 
 public:
-    /// What a message is worth.
-    enum class Worth
-    {
-        kMessage,
-        /// The last one that is logged.
-        kLastMessage,
-        kSilence
-    };
-
     /// A record that is being read.
     class Record
     {
@@ -73,8 +64,9 @@ public:
         void HasHeader(int64 position, int64 end);
         /// The body is going to be read. Throws when nothing may be read any more where it stands.
         void BeginBody() const;
-        /// Of records behind the end of another one only some hundred are worth a message.
-        Worth CountMessage() const;
+        /// Whether a message about it is to be logged. Of records behind the end of another one only some
+        /// hundred are worth it; the last message says so.
+        bool IsWorthAMessage() const;
 
     private:
         IDataProvider const& mProvider;
