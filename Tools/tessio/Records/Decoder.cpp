@@ -23,6 +23,9 @@ bool Decoder::ReadHeader(Node& node, int64 limit, char const* holder)
     std::string const name = known ? std::string(" ") + known->name : "";
     if (mOptions.fields)
         Tell(mPosition, sizeof(GUID), Role::kClass, "class", GUIDToText(node.classId) + name);
+    if (node.classId == GUID{})
+        Note(node, Severity::kWarning, "class-zero", mPosition,
+             "the id of its class is all zeros, which is no class's: these bytes are hardly a record");
     mPosition += static_cast<int64>(sizeof(GUID));
     int64 const at = mPosition;
     node.declared = Read<int64>(limit, Role::kLength, "length", "a length");
