@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
+#include <filesystem>
 #include <memory>
 
 namespace TOOL
@@ -29,6 +30,15 @@ struct Arguments
     std::string out;
     std::string report;
 };
+
+/// Whether writing the one would replace the other. Neither need be there.
+bool AreOneFile(std::string const& a, std::string const& b)
+{
+    std::error_code error;
+    return a == b || std::filesystem::equivalent(a, b, error) ||
+           std::filesystem::weakly_canonical(std::filesystem::absolute(a), error) ==
+               std::filesystem::weakly_canonical(std::filesystem::absolute(b), error);
+}
 
 int64 BytesOf(Salvaged const& salvaged, Fate::Type type)
 {
@@ -95,7 +105,7 @@ void Run(Common const& common, Arguments const& arguments)
     // The damaged file may be all that is left.
     CheckOther(arguments.out, file);
     CheckOther(arguments.report, file);
-    if (arguments.report == arguments.out && arguments.out != "-")
+    if (!arguments.report.empty() && arguments.out != "-" && AreOneFile(arguments.report, arguments.out))
         throw Failure(Exit::kUsage, "result and report can't both be " + Quoted(arguments.out));
     if (arguments.out == "-" && (arguments.report.empty() || arguments.report == "-"))
         throw Failure(Exit::kUsage,

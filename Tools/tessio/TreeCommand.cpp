@@ -7,6 +7,7 @@
 #include "Records/Json.h"
 #include "Records/Path.h"
 #include "Records/Summary.h"
+#include "Target.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -73,6 +74,7 @@ void Run(Common const& common, Arguments const& arguments)
 {
     if (!arguments.path.empty())
         static_cast<void>(PathArgument(arguments.path));
+    CheckOther(arguments.page, arguments.source.file);
     Session const session(common);
     Source source = arguments.source;
     if (arguments.bigEndian)

@@ -7,6 +7,7 @@
 #include "Records/Document.h"
 #include "Records/Json.h"
 #include "Records/PlugInClasses.h"
+#include "Target.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -111,6 +112,7 @@ void PrintFindings(std::vector<FindingAt> const& findings, std::string const& fi
 
 void Verify(Common const& common, Arguments const& arguments)
 {
+    CheckOther(arguments.page, arguments.source.file);
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);
     std::vector<FindingAt> const findings = AllFindings(document.tree);
