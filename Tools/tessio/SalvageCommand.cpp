@@ -116,16 +116,25 @@ void Run(Common const& common, Arguments const& arguments)
     auto const size = static_cast<int64>(content.size());
     Salvaged const salvaged =
         SalvageFile(content, file, order ? *order : OrderOf(content, file), common.limits);
-    WriteOutput(session, arguments.out, salvaged.content);
+    // Nothing is no result, and what stands at its place may be the better one.
+    bool const isSaved = !salvaged.content.empty();
+    if (isSaved)
+        WriteOutput(session, arguments.out, salvaged.content);
     std::string const report = common.json ? JsonText(ReportJson(salvaged, file, arguments.out, size))
                                            : ReportText(salvaged, file, arguments.out, size);
+    std::string const place = arguments.out == "-" ? "standard output" : Quoted(arguments.out);
     if (arguments.report.empty() || arguments.report == "-")
-        return Print(report);
-    if (auto const why = TryReplaceContent(session, arguments.report, Bytes(report.begin(), report.end()));
-        !why.empty())
+        Print(report);
+    else if (auto const why =
+                 TryReplaceContent(session, arguments.report, Bytes(report.begin(), report.end()));
+             !why.empty())
         throw Failure(Exit::kInputOutput,
-                      fmt::format("cannot write {}: {}; the result is in {}", Quoted(arguments.report), why,
-                                  arguments.out == "-" ? "standard output" : Quoted(arguments.out)));
+                      fmt::format("cannot write {}: {}; {}", Quoted(arguments.report), why,
+                                  isSaved ? "the result is in " + place : "nothing could be saved"));
+    if (!isSaved)
+        throw Failure(
+            Exit::kNotARecordFile,
+            fmt::format("nothing in {} could be saved; nothing is written to {}", Quoted(file), place));
 }
 } // namespace
 

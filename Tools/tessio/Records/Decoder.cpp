@@ -285,6 +285,24 @@ std::optional<Node> Decoder::ByContent(int64 offset, int64 limit)
     return node;
 }
 
+std::optional<int64> Decoder::BodyEnd(int64 offset, int64 limit)
+{
+    Node node;
+    mPosition = offset;
+    static_cast<void>(ReadHeader(node, limit, "file"));
+    if (node.kind == Kind::kUnknownClass)
+        return std::nullopt;
+    try
+    {
+        Body(node, limit, 0);
+    }
+    catch (Broken const&)
+    {
+        return std::nullopt;
+    }
+    return mPosition;
+}
+
 std::optional<SoundRecord> Decoder::Sound(int64 offset, KnownClass const& known)
 {
     mAs = &known;
@@ -333,6 +351,11 @@ Node DecodeRecord(ByteView content, int64 offset, int64 limit, DecodeOptions con
 std::optional<Node> DecodeByContent(ByteView content, int64 offset, int64 limit, DecodeOptions const& options)
 {
     return Decoder(content, options).ByContent(offset, limit);
+}
+
+std::optional<int64> EndOfBody(ByteView content, int64 offset, int64 limit, DecodeOptions const& options)
+{
+    return Decoder(content, options).BodyEnd(offset, limit);
 }
 
 std::optional<SoundRecord> SoundRecordAt(ByteView content, int64 offset, KnownClass const& known,
