@@ -30,7 +30,10 @@ void Dump(Common const& common, Arguments const& arguments)
     std::string const format = common.json ? "json" : arguments.format;
     std::string text;
     if (format == "json")
-        text = WriteJson(document.tree, document.content).dump(2) + "\n";
+    {
+        JsonPrinter json([&](std::string_view piece) { text += piece; });
+        WriteJson(json, document.tree, document.content);
+    }
     else if (format == "jsonl")
         text = WriteJsonLines(document.tree, document.content);
     else

@@ -22,7 +22,7 @@ bool LooksLikeId(GUID const& id)
 }
 } // namespace
 
-void Salvager::Keep(int64 from, int64 to, Fate::Type type, std::string path, std::string words)
+void Salvager::Keep(int64 from, int64 to, Fate::Type type, Place path, std::string words)
 {
     if (to > from)
         mFates.push_back({type, from, to - from, std::move(path), std::move(words)});
@@ -115,13 +115,13 @@ bool Salvager::IsBoundary(int64 offset, int64 limit, int depth)
 {
     // Each place leads to up to two others: behind another entry of an unknown class, and behind the end of
     // the dictionary around.
-    struct Place
+    struct Step
     {
         int64 offset;
         int depth;
         std::size_t from;
     };
-    std::vector<Place> places{{offset, depth, 0}};
+    std::vector<Step> places{{offset, depth, 0}};
     std::vector<std::size_t> open{0};
     while (!open.empty())
     {
@@ -204,7 +204,7 @@ void Salvager::CopyRecord(int64 from, int64 to)
 }
 
 /// A whole record, and the key before it, if there is one.
-void Salvager::KeepWhole(int64 from, int64 record, int64 to, std::string const& path)
+void Salvager::KeepWhole(int64 from, int64 record, int64 to, Place const& path)
 {
     Copy(from, record);
     CopyRecord(record, to);
@@ -214,7 +214,7 @@ void Salvager::KeepWhole(int64 from, int64 record, int64 to, std::string const& 
     Keep(record, to, Fate::Type::kRepaired, path, "its class id was damaged");
 }
 
-Salvager::Taken Salvager::Broken(int64 offset, int64 limit, int depth, std::string const& path)
+Salvager::Taken Salvager::Broken(int64 offset, int64 limit, int depth, Place const& path)
 {
     auto const byContent = DecodeByContent(mContent, offset, limit, mFinds.Options());
     // A text or buffer with a wrong length may reach over what comes next.
@@ -263,7 +263,7 @@ int64 Salvager::BrokenAtTop(int64 offset)
 {
     std::size_t const written = mOut.Size();
     std::size_t const fates = mFates.size();
-    Taken const taken = Broken(offset, mSize, 0, "/" + std::to_string(mTop));
+    Taken const taken = Broken(offset, mSize, 0, Place(Place(), std::to_string(mTop)));
     if (taken.isKept)
     {
         DecodeOptions options;
@@ -317,12 +317,12 @@ Salvaged Salvager::Run()
     for (Fate& fate : mFates)
     {
         if (fate.offset > at)
-            salvaged.fates.push_back({Fate::Type::kLost, at, fate.offset - at, "", ""});
+            salvaged.fates.push_back({Fate::Type::kLost, at, fate.offset - at, {}, ""});
         at = fate.offset + fate.length;
         salvaged.fates.push_back(std::move(fate));
     }
     if (at < mSize)
-        salvaged.fates.push_back({Fate::Type::kLost, at, mSize - at, "", ""});
+        salvaged.fates.push_back({Fate::Type::kLost, at, mSize - at, {}, ""});
     salvaged.content = mOut.Take();
     return salvaged;
 }

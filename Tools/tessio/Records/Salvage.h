@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Records/Decoder.h"
+#include "Records/Place.h"
 
 #include <string>
 #include <vector>
@@ -29,7 +30,7 @@ struct Fate
     KORVA::int64 offset = 0;
     KORVA::int64 length = 0;
     /// Where it is in the result.
-    std::string path;
+    Place path;
     std::string words;
 };
 

@@ -61,7 +61,7 @@ bool Salvager::Entry(Rebuilding& dictionary)
     if (dictionary.lastKey && key <= *dictionary.lastKey &&
         !(dictionary.end && Reaches(dictionary.at, dictionary)))
         return false;
-    std::string const path = fmt::format("{}/dict[{}]", dictionary.path, key);
+    Place const path = Place(dictionary.path, fmt::format("dict[{}]", key));
     if (int64 const whole = mFinds.WholeAt(record); whole != 0 && whole <= reach)
     {
         KeepWhole(dictionary.at, record, whole, path);
@@ -159,7 +159,7 @@ int64 Salvager::Aggregates(Rebuilding& dictionary)
 
 /// Interface ids and the records behind them, which are whole or of unknown classes. What becomes of the
 /// bytes from `from` on is told with them.
-void Salvager::CopyAggregates(int64 from, int64 first, int64 end, std::string const& path)
+void Salvager::CopyAggregates(int64 from, int64 first, int64 end, Place const& path)
 {
     for (int64 at = first; at < end;)
     {
@@ -171,13 +171,13 @@ void Salvager::CopyAggregates(int64 from, int64 first, int64 end, std::string co
         if (!mFinds.NameOf(record))
             continue;
         Keep(from, record, Fate::Type::kKept, path, "aggregates");
-        Keep(record, at, Fate::Type::kRepaired, path + "/" + GUIDToText(iid), "its class id was damaged");
+        Keep(record, at, Fate::Type::kRepaired, Place(path, GUIDToText(iid)), "its class id was damaged");
         from = at;
     }
     Keep(from, end, Fate::Type::kKept, path, "aggregates");
 }
 
-Salvager::Taken Salvager::Dictionary(int64 offset, int64 limit, int depth, std::string const& path)
+Salvager::Taken Salvager::Dictionary(int64 offset, int64 limit, int depth, Place const& path)
 {
     if (std::min(limit, mFinds.NextWhole(offset, limit)) - offset < kHeader + 4)
         return {};

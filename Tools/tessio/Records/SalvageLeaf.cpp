@@ -28,7 +28,7 @@ std::optional<uint32> Salvager::AggregatesBetween(int64 from, int64 to) const
 
 /// Writes what follows the content of a record that ends at `end`: the number of its aggregates, which stands
 /// at `number`, and these. Where they make no sense the record does without. Says what was put right.
-std::string Salvager::AggregatesAnew(int64 number, int64 end, std::string const& path)
+std::string Salvager::AggregatesAnew(int64 number, int64 end, Place const& path)
 {
     if (end - number < 4)
     {
@@ -48,7 +48,7 @@ std::string Salvager::AggregatesAnew(int64 number, int64 end, std::string const&
 }
 
 /// When its length leads to what comes next, and its content makes sense, it can do with other aggregates.
-Salvager::Taken Salvager::Leaf(int64 offset, int64 limit, int depth, std::string const& path)
+Salvager::Taken Salvager::Leaf(int64 offset, int64 limit, int depth, Place const& path)
 {
     auto const end = EndByLength(offset, limit);
     if (!end || !IsBoundary(*end, limit, depth))
@@ -114,7 +114,7 @@ void Salvager::CopyTexts(int64 offset, TextEntries const& entries)
     }
 }
 
-Salvager::Taken Salvager::Strings(int64 offset, int64 limit, int depth, std::string const& path)
+Salvager::Taken Salvager::Strings(int64 offset, int64 limit, int depth, Place const& path)
 {
     if (limit - offset < kHeader + 4)
         return {};

@@ -90,7 +90,7 @@ TEST(SalvageWhole, SaysWhichAggregateHadAnotherClassId)
     EXPECT_EQ(salvaged.fates[2].type, TOOL::Fate::Type::kRepaired);
     EXPECT_EQ(salvaged.fates[2].offset, 48);
     EXPECT_EQ(salvaged.fates[2].length, 32);
-    EXPECT_EQ(salvaged.fates[2].path, "/0/{00000001-0000-0000-0000-000000000000}");
+    EXPECT_EQ(salvaged.fates[2].path.Text(), "/0/{00000001-0000-0000-0000-000000000000}");
 }
 
 TEST(SalvageWhole, GivesEveryByteAFateAndWritesNothingDamaged)
