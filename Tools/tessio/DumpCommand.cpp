@@ -31,8 +31,11 @@ void Dump(Common const& common, Arguments const& arguments)
     std::string text;
     if (format == "json")
     {
-        JsonPrinter json([&](std::string_view piece) { text += piece; });
+        bool const isPrinted = arguments.out == "-";
+        JsonPrinter json([&](std::string_view piece) { isPrinted ? Print(piece) : void(text += piece); });
         WriteJson(json, document.tree, document.content);
+        if (isPrinted)
+            return;
     }
     else if (format == "jsonl")
         text = WriteJsonLines(document.tree, document.content);

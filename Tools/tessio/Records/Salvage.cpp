@@ -14,6 +14,10 @@ using namespace KORVA;
 
 namespace
 {
+/// Records that lie in each other are looked at once. Only such as were made to overlap take more looks than
+/// this for their bytes, and the square of their number without a bound.
+constexpr int64 kLooksPerByte = 16;
+
 /// Class ids made as RFC 9562 has it carry their variant and version; few other bytes look so.
 bool LooksLikeId(GUID const& id)
 {
@@ -347,6 +351,20 @@ char const* FateName(Fate::Type type)
 
 Salvaged Salvage(ByteView content, Order order, Limits const& limits, Progress* progress)
 {
-    return Salvager(content, order, limits, progress).Run();
+    int64 const bound = kLooksPerByte * static_cast<int64>(content.size());
+    Limits bounded = limits;
+    bounded.count = std::min(limits.count, bound);
+    try
+    {
+        return Salvager(content, order, bounded, progress).Run();
+    }
+    catch (Failure const& failure)
+    {
+        if (failure.Code() != Exit::kLimit || limits.count <= bound || limits.depth < kDeepest)
+            throw;
+        throw Failure(Exit::kLimit, fmt::format("it takes more than {} looks at what could be records: they "
+                                                "overlap, as damage does not leave them",
+                                                bound));
+    }
 }
 } // namespace TOOL
