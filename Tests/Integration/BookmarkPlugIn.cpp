@@ -38,7 +38,42 @@ private:
     int32 mPage = 0;
 };
 
-using BookmarkFactory = TClassFactory<Makes<&New<Bookmark>, IID_BOOKMARK>>;
+/// Holds an object, and, where `KeepsLength`, how many bytes its record has.
+template <bool KeepsLength>
+class Holder final : public TObject<IObject>
+{
+public:
+    Holder() { IO::SetupPersistence(*this); }
+
+    static GUID const& GetClassId() { return KeepsLength ? TESTS::IID_SHELF : TESTS::IID_BOX; }
+
+    IO::IDataProviderStream& Read(IO::IDataProviderStream& stream)
+    {
+        int32 length = 0;
+        if (KeepsLength)
+            stream >> length;
+        int64 const start = stream.GetDataProvider()->GetPosition();
+        stream >> mHeld.Out();
+        mLength = static_cast<int32>(stream.GetDataProvider()->GetPosition() - start);
+        if (KeepsLength && length != mLength)
+            mHeld.Reset();
+        return stream;
+    }
+    IO::IDataProviderStream& Write(IO::IDataProviderStream& stream) const
+    {
+        if (KeepsLength)
+            stream << mLength;
+        return mHeld ? stream << *mHeld : stream;
+    }
+
+private:
+    TInterfacePtr<IObject> mHeld;
+    int32 mLength = 0;
+};
+
+using BookmarkFactory =
+    TClassFactory<Makes<&New<Bookmark>, IID_BOOKMARK>, Makes<&New<Holder<true>>, TESTS::IID_SHELF>,
+                  Makes<&New<Holder<false>>, TESTS::IID_BOX>>;
 
 IClassFactory* sFactory = nullptr;
 } // namespace

@@ -313,6 +313,25 @@ INSTANTIATE_TEST_SUITE_P(
                    "100 bytes: 32 kept, 0 repaired, 28 partial, 0 opaque, 40 lost\n"}),
     RowName());
 
+TEST_F(ToolRecordSalvage, WritesNothingWhereNothingCouldBeSaved)
+{
+    Put("f", kLittle, "URI 8:8 99:4 0:4");
+    directory.File("o", "kept");
+    std::string const report = "f -> o\n"
+                               "    offset     length  fate      where in the result\n"
+                               "         0         32  lost    \n"
+                               "32 bytes: 0 kept, 0 repaired, 0 partial, 0 opaque, 32 lost\n";
+    Outcome const outcome = Do({"salvage", "f", "-o", "o"});
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_EQ(outcome.out, report);
+    EXPECT_EQ(outcome.err, "tessio: nothing in \"f\" could be saved; nothing is written to \"o\"\n");
+    EXPECT_EQ(Content(Path("o")), "kept");
+    Fails({"salvage", "f", "-o", "p", "--report", "r"}, 4,
+          "tessio: nothing in \"f\" could be saved; nothing is written to \"p\"\n");
+    EXPECT_EQ(Content(Path("r")), std::string(report).replace(5, 1, "p"));
+    EXPECT_EQ(Names(), "f o r");
+}
+
 TEST_F(ToolRecordSalvage, NeverTouchesItsSource)
 {
     Put("f", kBig, kCut);

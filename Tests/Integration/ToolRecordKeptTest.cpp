@@ -5,10 +5,14 @@
 
 #include <sys/stat.h>
 
+#include <filesystem>
+
 namespace KORVA::TESTS
 {
 namespace
 {
+namespace fs = std::filesystem;
+
 // A dictionary with the 32-bit integer 7 under key 1.
 constexpr char kSeven[] = "D5 0C E9 73 C6 BB 26 43 82 41 9B B4 25 0B 1B 05  3C 00 00 00 00 00 00 00"
                           "01 00 00 00  01 00 00 00"
@@ -49,6 +53,9 @@ TEST_P(ToolRecordOnto, IsRefused)
 {
     std::string const content = Put("f", kSeven);
     directory.File("t", "tessio-dump 1 little-endian\n");
+    fs::create_symlink("f", Path("l"));
+    fs::create_hard_link(Path("f"), Path("h"));
+    fs::create_symlink("t", Path("s"));
     Fails(GetParam().arguments, 2, std::string("tessio: ") + GetParam().err);
     EXPECT_EQ(Content(Path("f")), content);
     EXPECT_EQ(Content(Path("t")), "tessio-dump 1 little-endian\n");
@@ -61,6 +68,28 @@ INSTANTIATE_TEST_SUITE_P(
             "Extract", {"extract", "f", "/0/1", "-o", "f"}, "\"f\" is the file itself, which is only read\n"},
         OntoRow{"Dump", {"dump", "f", "-o", "./f"}, "\"./f\" is the file itself, which is only read\n"},
         OntoRow{"Build", {"build", "t", "-o", "t"}, "\"t\" is the file itself, which is only read\n"},
+        OntoRow{"PageOfTree", {"tree", "--html", "f", "f"}, "\"f\" is the file itself, which is only read\n"},
+        OntoRow{"PageOfTreeByALink",
+                {"tree", "--html", "l", "f"},
+                "\"l\" is the file itself, which is only read\n"},
+        OntoRow{"PageOfTreeByItsOtherName",
+                {"tree", "--html", "h", "f"},
+                "\"h\" is the file itself, which is only read\n"},
+        OntoRow{"PageOfVerify",
+                {"verify", "--html", "./f", "f"},
+                "\"./f\" is the file itself, which is only read\n"},
+        OntoRow{"PageOfAFileThatIsALink",
+                {"verify", "--html", "f", "l"},
+                "\"f\" is the file itself, which is only read\n"},
+        OntoRow{"SetOntoTheRecordsFile",
+                {"set", "t", "/0", "record", "f", "-o", "f"},
+                "\"f\" is the file itself, which is only read\n"},
+        OntoRow{"ReportOntoResultByAnotherName",
+                {"salvage", "f", "-o", "r", "--report", "./r"},
+                "result and report can't both be \"r\"\n"},
+        OntoRow{"ReportOntoResultThatIsALink",
+                {"salvage", "f", "-o", "s", "--report", "t"},
+                "result and report can't both be \"s\"\n"},
         OntoRow{"ReportOntoResult",
                 {"salvage", "f", "-o", "r", "--report", "r"},
                 "result and report can't both be \"r\"\n"}),

@@ -174,6 +174,70 @@ TEST_F(ToolRecordPlugIn, AnAggregateGoesToItsObjectOnlyWithIt)
             {11111111-2222-3333-4444-555555555555} Value 24:8 'S32V 7:8 0x401C000000000000:8 0:4)"));
 }
 
+// The bytes 0A 0B in a shelf, which keeps that their record is 38 bytes.
+constexpr char kShelf[] =
+    "{5E1F0001-5D0E-4A63-B41C-2F9D08E673A5} 46:8 38:4 Value 14:8 'CHAR 2:4 =0A0B 0:4 0:4";
+constexpr char kBox[] = "{B0C50002-5D0E-4A63-B41C-2F9D08E673A5} 42:8 Value 14:8 'CHAR 2:4 =0A0B 0:4 0:4";
+
+TEST_F(ToolRecordPlugIn, AnEditThatItsClassWouldNotReadIsRefused)
+{
+    for (Order const order : kOrders)
+    {
+        Put("f", order, std::string("URI 8:8 0:4 0:4 ") + kShelf);
+        Fails(
+            With({"set", "f", "/1/record[0]", "bytes", "0a0b0c", "-o", "g"}), 2,
+            "tessio: \"f\": /1/record[0] is in the object /1 of the class "
+            "{5E1F0001-5D0E-4A63-B41C-2F9D08E673A5}, which may keep the length of what it holds: with 1 byte "
+            "more its class does not read it and write it back the same; put in something of the same "
+            "length, "
+            "or set /1 as a whole; nothing is changed\n");
+        Fails(
+            With({"set", "f", "/1/record[0]", "bytes", "0a", "--in-place"}), 2,
+            "tessio: \"f\": /1/record[0] is in the object /1 of the class "
+            "{5E1F0001-5D0E-4A63-B41C-2F9D08E673A5}, which may keep the length of what it holds: with 1 byte "
+            "less its class does not read it and write it back the same; put in something of the same "
+            "length, "
+            "or set /1 as a whole; nothing is changed\n");
+        EXPECT_TRUE(Is("f", order, std::string("URI 8:8 0:4 0:4 ") + kShelf));
+        EXPECT_EQ(Names(), "f");
+    }
+}
+
+TEST_F(ToolRecordPlugIn, WhatIsRemovedInItsObjectsIsRefusedToo)
+{
+    Put("f", kLittle, R"({5E1F0001-5D0E-4A63-B41C-2F9D08E673A5} 92:8 84:4 Dict 60:8 1:4 1:4
+        Value 24:8 'S32V 7:8 0x401C000000000000:8 0:4 0:4 0:4)");
+    Outcome const outcome = Do(With({"rm", "f", "/0/record[0]/dict[1]", "-o", "g"}));
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_TRUE(
+        outcome.err.starts_with("tessio: \"f\": /0/record[0]/dict[1] is in the object /0 of the class "
+                                "{5E1F0001-5D0E-4A63-B41C-2F9D08E673A5}, "))
+        << outcome.err;
+    EXPECT_EQ(Names(), "f");
+}
+
+TEST_F(ToolRecordPlugIn, AnEditThatItsClassReadsIsMade)
+{
+    for (Order const order : kOrders)
+    {
+        // Of the same length; in an object that keeps none; behind the body.
+        Put("f", order, kShelf);
+        Succeeds(With({"set", "f", "/0/record[0]", "bytes", "0c0d", "-o", "g"}));
+        EXPECT_TRUE(
+            Is("g", order,
+               "{5E1F0001-5D0E-4A63-B41C-2F9D08E673A5} 46:8 38:4 Value 14:8 'CHAR 2:4 =0C0D 0:4 0:4"));
+        Put("f", order, kBox);
+        Succeeds(With({"set", "f", "/0/record[0]", "bytes", "0a0b0c", "-o", "g"}));
+        EXPECT_TRUE(Is("g", order,
+                       "{B0C50002-5D0E-4A63-B41C-2F9D08E673A5} 43:8 Value 15:8 'CHAR 3:4 =0A0B0C 0:4 0:4"));
+        Put("f", order, kShelf);
+        Succeeds(With({"set", "f", "/0/{11111111-2222-3333-4444-555555555555}", "bytes", "0a", "-o", "g"}));
+        EXPECT_TRUE(Is("g", order, R"({5E1F0001-5D0E-4A63-B41C-2F9D08E673A5} 99:8 38:4
+            Value 14:8 'CHAR 2:4 =0A0B 0:4 1:4
+            {11111111-2222-3333-4444-555555555555} Value 13:8 'CHAR 1:4 =0A 0:4)"));
+    }
+}
+
 TEST_F(ToolRecordPlugIn, OneThatCanNotBeLoadedEndsTheCommand)
 {
     Put("f", kBig, kBookmarks);

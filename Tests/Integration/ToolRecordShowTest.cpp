@@ -310,6 +310,24 @@ TEST_F(ToolRecordVerify, TakesWarningsForDamageOnlyWhenAsked)
     EXPECT_EQ(Do({"verify", "--strict", "f"}).exitCode, 0);
 }
 
+TEST_F(ToolRecordVerify, SaysOfZerosThatTheyAreNoRecords)
+{
+    directory.File("z", std::string(48, '\0'));
+    Outcome const outcome = Do({"verify", "--strict", "z"});
+    EXPECT_EQ(outcome.exitCode, 4);
+    EXPECT_EQ(
+        outcome.out,
+        "warning  /0 at 0: class-zero: the id of its class is all zeros, which is no class's: these bytes "
+        "are hardly a record\n"
+        "note     /0 at 0: empty: nothing but its class is written of it\n"
+        "warning  /1 at 24: class-zero: the id of its class is all zeros, which is no class's: these bytes "
+        "are hardly a record\n"
+        "note     /1 at 24: empty: nothing but its class is written of it\n"
+        "z: 2 records and 0 text entries; 0 errors, 2 warnings, 2 notes\n");
+    EXPECT_EQ(outcome.err, "tessio: \"z\" is not what the library writes\n");
+    EXPECT_EQ(Do({"verify", "z"}).exitCode, 0);
+}
+
 struct DiffRow
 {
     char const* name;

@@ -30,7 +30,13 @@ void Dump(Common const& common, Arguments const& arguments)
     std::string const format = common.json ? "json" : arguments.format;
     std::string text;
     if (format == "json")
-        text = WriteJson(document.tree, document.content).dump(2) + "\n";
+    {
+        bool const isPrinted = arguments.out == "-";
+        JsonPrinter json([&](std::string_view piece) { isPrinted ? Print(piece) : void(text += piece); });
+        WriteJson(json, document.tree, document.content);
+        if (isPrinted)
+            return;
+    }
     else if (format == "jsonl")
         text = WriteJsonLines(document.tree, document.content);
     else

@@ -5,6 +5,7 @@
 #include "Directories.h"
 #include "Failure.h"
 #include "Output.h"
+#include "RecordFile.h"
 #include "Records/Edit.h"
 #include "Records/Json.h"
 #include "Records/Summary.h"
@@ -103,6 +104,12 @@ Bytes RecordFrom(Session const& session, Common const& common, std::string const
     return document.tree.order == order ? document.content : Turned(document, order);
 }
 
+/// Asks the classes that the session knows.
+ObjectProof ProofBy(Session const& session)
+{
+    return [&session](ByteView record, Order order) { return IsWrittenAsRead(session, record, order); };
+}
+
 Bytes NewContent(Session const& session, Common const& common, Arguments const& arguments, Order order)
 {
     Path const path = PathArgument(arguments.path);
@@ -121,10 +128,13 @@ void Set(Common const& common, Arguments const& arguments)
 {
     static_cast<void>(PathArgument(arguments.path));
     CheckTarget(arguments.target, arguments.source.file);
+    if (arguments.type == "record")
+        CheckOther(arguments.target.out, arguments.value);
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);
     Bytes const content = NewContent(session, common, arguments, document.tree.order);
-    WriteTarget(session, arguments.target, document, WithPlaced(document, arguments.path, content));
+    WriteTarget(session, arguments.target, document,
+                WithPlaced(document, arguments.path, content, ProofBy(session)));
 }
 
 void Convert(Common const& common, Arguments const& arguments)
@@ -158,7 +168,7 @@ void RemovePlace(Common const& common, std::string const& file, std::string cons
     CheckTarget(target, file);
     Session const session(common);
     Document const document = LoadDocument(session, common, {file, ""});
-    WriteTarget(session, target, document, WithoutPlace(document, path));
+    WriteTarget(session, target, document, WithoutPlace(document, path, ProofBy(session)));
 }
 
 void AddEditCommands(Command const& app, Common const& common)

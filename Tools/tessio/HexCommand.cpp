@@ -1,6 +1,7 @@
 // tessio hex: every byte of a record file beside what it is.
 #include "Commands.h"
 #include "Failure.h"
+#include "JsonPrinter.h"
 #include "Output.h"
 #include "Records/Document.h"
 #include "Records/Layout.h"
@@ -142,7 +143,7 @@ void AppendField(std::string& text, LayoutRow const& row, ByteView content, Exte
         int64 const from = row.field.offset + line * kPerLine;
         text += Line(content, from, std::min(end, from + kPerLine), StyleOf(row));
         if (line == 0)
-            text += fmt::format("  {:{}}{}", "", 2 * row.depth, Meaning(row, extent.asked));
+            text += fmt::format("  {:{}}{}", "", Indent(row.depth), Meaning(row, extent.asked));
         text += '\n';
     }
     if (shown < lines)
@@ -151,36 +152,36 @@ void AppendField(std::string& text, LayoutRow const& row, ByteView content, Exte
                 "\n";
 }
 
-std::string AsText(std::vector<LayoutRow> const& rows, ByteView content, Extent const& extent, bool whole)
+void PrintText(std::vector<LayoutRow> const& rows, ByteView content, Extent const& extent, bool whole)
 {
-    std::string text;
     for (LayoutRow const& row : rows)
     {
         if (row.field.offset < extent.from || row.field.offset + row.field.length > extent.to)
             continue;
+        std::string text;
         if (!row.isRecord)
-        {
             AppendField(text, row, content, extent, whole);
-            continue;
+        else
+        {
+            text = fmt::format("{}  {}\n", Styled(Style::kKey, row.place.Text()), row.field.value);
+            for (Finding const& finding : row.findings)
+                if (finding.severity == Severity::kError)
+                    text += "  " + Styled(Style::kDamage, "! " + finding.words) + "\n";
         }
-        text += fmt::format("{}  {}\n", Styled(Style::kKey, row.path), row.field.value);
-        for (Finding const& finding : row.findings)
-            if (finding.severity == Severity::kError)
-                text += "  " + Styled(Style::kDamage, "! " + finding.words) + "\n";
+        Print(text);
     }
-    return text;
 }
 
-Json AsJson(std::vector<LayoutRow> const& rows, ByteView content, Extent const& extent)
+void PrintFields(JsonPrinter& json, std::vector<LayoutRow> const& rows, ByteView content,
+                 Extent const& extent)
 {
-    Json fields = Json::array();
     for (LayoutRow const& row : rows)
         if (!row.isRecord && row.field.offset >= extent.from &&
             row.field.offset + row.field.length <= extent.to)
-            fields.push_back(
+            json.Value(
                 {{"offset", row.field.offset},
                  {"length", row.field.length},
-                 {"path", row.path},
+                 {"path", row.place.Text()},
                  {"role", RoleName(row)},
                  {"name", row.field.name},
                  {"value", row.field.value},
@@ -188,7 +189,6 @@ Json AsJson(std::vector<LayoutRow> const& rows, ByteView content, Extent const& 
                   fmt::format("{:02x}", fmt::join(content.subspan(static_cast<std::size_t>(row.field.offset),
                                                                   static_cast<std::size_t>(row.field.length)),
                                                   ""))}});
-    return fields;
 }
 
 void Run(Common const& common, Arguments const& arguments)
@@ -200,10 +200,15 @@ void Run(Common const& common, Arguments const& arguments)
     std::vector<LayoutRow> const rows = LayoutOf(session, common, document);
     Extent const extent = ExtentOf(arguments, document, rows);
     if (common.json)
-        PrintJson(
-            {{"order", OrderName(document.tree.order)}, {"fields", AsJson(rows, document.content, extent)}});
+        PrintJson([&](JsonPrinter& json) {
+            json.Member("order", OrderName(document.tree.order));
+            json.Key("fields");
+            json.BeginList();
+            PrintFields(json, rows, document.content, extent);
+            json.End();
+        });
     else
-        Print(AsText(rows, document.content, extent, arguments.whole));
+        PrintText(rows, document.content, extent, arguments.whole);
     FailWhenDamaged(document);
 }
 } // namespace

@@ -19,7 +19,6 @@ using KORVA::STRING::CoreString;
 
 namespace
 {
-constexpr int kSchema = 1;
 /// In the order of the styles.
 constexpr char const* kCodes[] = {"", "2", "1", "36", "35", "32", "32", "31", "33", "1;31", "33"};
 bool sColour = false;
@@ -117,6 +116,12 @@ std::string JsonText(Json const& document)
     Json whole = {{"schema", kSchema}};
     whole.update(document);
     return whole.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+int Indent(int depth)
+{
+    constexpr int kDeepestIndent = 64;
+    return 2 * std::min(depth, kDeepestIndent);
 }
 
 void PrintJson(Json const& document) { Print(JsonText(document)); }

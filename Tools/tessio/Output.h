@@ -38,6 +38,9 @@ void ChooseColour(std::string const& when);
 /// The text in its colour, or as it is.
 std::string Styled(Style style, std::string_view text);
 
+/// The version of what JSON documents hold.
+inline constexpr int kSchema = 1;
+
 /// One JSON document, with the version of its schema in front and a line's end behind.
 std::string JsonText(Json const& document);
 void PrintJson(Json const& document);
@@ -56,6 +59,10 @@ std::string Quoted(std::string_view utf8);
 /// The text that `Quoted` showed, from behind its opening quote: moves `rest` behind the closing one. Null,
 /// or why that can't be, with `text` and `rest` as far as it came.
 char const* Unquote(std::string_view& rest, KORVA::STRING::CoreString& text);
+
+/// How many blanks stand before a line for what is nested so deep. What is deeper than anybody reads stands
+/// no further to the right.
+int Indent(int depth);
 
 /// "1 byte", "7 bytes".
 std::string ByteCount(KORVA::int64 count);

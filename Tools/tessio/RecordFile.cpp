@@ -15,6 +15,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -31,6 +32,21 @@ namespace
 constexpr std::size_t kLargestFile = 2147483647;
 constexpr int kLockAttempts = 500;
 constexpr std::chrono::milliseconds kLockPause{20};
+
+/// The object of the first record in `content`, which is borrowed for the call alone; null when there is
+/// none.
+TInterfacePtr<IObject> FirstObject(Session const& session, std::span<unsigned char const> content,
+                                   IDataProvider::Endian order)
+{
+    auto const provider = session.Create<IDataProvider>(IO::IID_IDATAPROVIDER);
+    provider->InitReadOnlyMem(content.data(), static_cast<int32>(content.size()));
+    provider->SetEndian(order);
+    auto const reader = session.Create<IDataProviderStream>(IO::IID_DATAPROVIDERSTREAM);
+    reader->Init(*provider);
+    TInterfacePtr<IObject> object;
+    *reader >> object.Out();
+    return object;
+}
 } // namespace
 
 /// The lock on a file goes with the file, and saving puts a new one in its place; the directory stays.
@@ -109,12 +125,7 @@ void RecordFile::Load(GUID const& classId, Use use)
                                   : fragile->kind == Kind::kUnknownClass
                                       ? "unknown class " + GUIDToText(fragile->classId)
                                       : "unknown type of value"));
-    auto const provider = mSession.Create<IDataProvider>(IO::IID_IDATAPROVIDER);
-    provider->InitReadOnlyMem(mContent.data(), static_cast<int32>(mContent.size()));
-    provider->SetEndian(mOrder);
-    auto const reader = mSession.Create<IDataProviderStream>(IO::IID_DATAPROVIDERSTREAM);
-    reader->Init(*provider);
-    *reader >> mObject.Out();
+    mObject = FirstObject(mSession, mContent, mOrder);
     if (!mObject)
         throw Failure(Exit::kNotARecordFile, Quoted(mLocation) + ": the first record can't be loaded");
     // What the library would not write back as it stands (a key twice, say) an edit would lose.
@@ -157,6 +168,13 @@ std::vector<unsigned char> Serialized(Session const& session, IObject const& obj
     if (memory->Read(bytes.data(), count) != kNoError)
         throw Failure(Exit::kInputOutput, "the object can't be written");
     return bytes;
+}
+
+bool IsWrittenAsRead(Session const& session, std::span<unsigned char const> record,
+                     IDataProvider::Endian order)
+{
+    TInterfacePtr<IObject> const object = FirstObject(session, record, order);
+    return object && std::ranges::equal(Serialized(session, *object, order), record);
 }
 
 Node Describe(Session const& session, IObject const& object)

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,10 @@ private:
 /// The record of an object, as the library writes it.
 std::vector<unsigned char> Serialized(Session const& session, KORVA::IObject const& object,
                                       KORVA::IO::IDataProvider::Endian order);
+
+/// Whether the library makes an object of the record and writes these very bytes of it again.
+bool IsWrittenAsRead(Session const& session, std::span<unsigned char const> record,
+                     KORVA::IO::IDataProvider::Endian order);
 
 /// The structure of an object's record.
 Node Describe(Session const& session, KORVA::IObject const& object);

@@ -1,6 +1,7 @@
 // tessio salvage: what can be kept of a damaged record file.
 #include "Commands.h"
 #include "Failure.h"
+#include "JsonPrinter.h"
 #include "Location.h"
 #include "Output.h"
 #include "Records/Document.h"
@@ -12,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
+#include <filesystem>
 #include <memory>
 
 namespace TOOL
@@ -30,6 +32,15 @@ struct Arguments
     std::string report;
 };
 
+/// Whether writing the one would replace the other. Neither need be there.
+bool AreOneFile(std::string const& a, std::string const& b)
+{
+    std::error_code error;
+    return a == b || std::filesystem::equivalent(a, b, error) ||
+           std::filesystem::weakly_canonical(std::filesystem::absolute(a), error) ==
+               std::filesystem::weakly_canonical(std::filesystem::absolute(b), error);
+}
+
 int64 BytesOf(Salvaged const& salvaged, Fate::Type type)
 {
     int64 bytes = 0;
@@ -47,33 +58,44 @@ std::string Totals(Salvaged const& salvaged, int64 size)
     return text + "\n";
 }
 
-std::string ReportText(Salvaged const& salvaged, std::string const& file, std::string const& out, int64 size)
+/// Is given the report piece by piece.
+using Sink = JsonPrinter::Sink;
+
+void ReportText(Sink const& put, Salvaged const& salvaged, std::string const& file, std::string const& out,
+                int64 size)
 {
-    std::string text = fmt::format("{} -> {}\n", Escaped(file), Escaped(out));
-    text += fmt::format("{:>10} {:>10}  {:<8}  {}\n", "offset", "length", "fate", "where in the result");
+    put(fmt::format("{} -> {}\n", Escaped(file), Escaped(out)));
+    put(fmt::format("{:>10} {:>10}  {:<8}  {}\n", "offset", "length", "fate", "where in the result"));
     for (Fate const& fate : salvaged.fates)
-        text += fmt::format("{:>10} {:>10}  {:<8}{}{}{}\n", fate.offset, fate.length, FateName(fate.type),
-                            fate.path.empty() ? "" : "  " + fate.path, fate.words.empty() ? "" : ": ",
-                            fate.words);
-    return text + Totals(salvaged, size);
+        put(fmt::format("{:>10} {:>10}  {:<8}{}{}{}\n", fate.offset, fate.length, FateName(fate.type),
+                        fate.path.IsFile() ? "" : "  " + fate.path.Text(), fate.words.empty() ? "" : ": ",
+                        fate.words));
+    put(Totals(salvaged, size));
 }
 
-Json ReportJson(Salvaged const& salvaged, std::string const& file, std::string const& out, int64 size)
+void ReportJson(Sink const& put, Salvaged const& salvaged, std::string const& file, std::string const& out,
+                int64 size)
 {
-    Json fates = Json::array();
-    for (Fate const& fate : salvaged.fates)
-    {
-        Json json = {{"offset", fate.offset}, {"length", fate.length}, {"fate", FateName(fate.type)}};
-        if (!fate.path.empty())
-            json["path"] = fate.path;
-        if (!fate.words.empty())
-            json["words"] = fate.words;
-        fates.push_back(std::move(json));
-    }
+    JsonPrinter json(put);
+    json.BeginObject();
     Json totals = Json::object();
     for (Fate::Type const type : kFates)
         totals[FateName(type)] = BytesOf(salvaged, type);
-    return {{"file", file}, {"result", out}, {"size", size}, {"bytes", totals}, {"fates", fates}};
+    json.Members({{"schema", kSchema}, {"file", file}, {"result", out}, {"size", size}, {"bytes", totals}});
+    json.Key("fates");
+    json.BeginList();
+    for (Fate const& fate : salvaged.fates)
+    {
+        Json one = {{"offset", fate.offset}, {"length", fate.length}, {"fate", FateName(fate.type)}};
+        if (!fate.path.IsFile())
+            one["path"] = fate.path.Text();
+        if (!fate.words.empty())
+            one["words"] = fate.words;
+        json.Value(one);
+    }
+    json.End();
+    json.End();
+    json.Finish();
 }
 
 Salvaged SalvageFile(Bytes const& content, std::string const& file, Order order, Limits const& limits)
@@ -95,7 +117,7 @@ void Run(Common const& common, Arguments const& arguments)
     // The damaged file may be all that is left.
     CheckOther(arguments.out, file);
     CheckOther(arguments.report, file);
-    if (arguments.report == arguments.out && arguments.out != "-")
+    if (!arguments.report.empty() && arguments.out != "-" && AreOneFile(arguments.report, arguments.out))
         throw Failure(Exit::kUsage, "result and report can't both be " + Quoted(arguments.out));
     if (arguments.out == "-" && (arguments.report.empty() || arguments.report == "-"))
         throw Failure(Exit::kUsage,
@@ -106,16 +128,29 @@ void Run(Common const& common, Arguments const& arguments)
     auto const size = static_cast<int64>(content.size());
     Salvaged const salvaged =
         SalvageFile(content, file, order ? *order : OrderOf(content, file), common.limits);
-    WriteOutput(session, arguments.out, salvaged.content);
-    std::string const report = common.json ? JsonText(ReportJson(salvaged, file, arguments.out, size))
-                                           : ReportText(salvaged, file, arguments.out, size);
+    // Nothing is no result, and what stands at its place may be the better one.
+    bool const isSaved = !salvaged.content.empty();
+    if (isSaved)
+        WriteOutput(session, arguments.out, salvaged.content);
+    auto const report = [&](Sink const& put) {
+        (common.json ? ReportJson : ReportText)(put, salvaged, file, arguments.out, size);
+    };
+    std::string const place = arguments.out == "-" ? "standard output" : Quoted(arguments.out);
     if (arguments.report.empty() || arguments.report == "-")
-        return Print(report);
-    if (auto const why = TryReplaceContent(session, arguments.report, Bytes(report.begin(), report.end()));
-        !why.empty())
-        throw Failure(Exit::kInputOutput,
-                      fmt::format("cannot write {}: {}; the result is in {}", Quoted(arguments.report), why,
-                                  arguments.out == "-" ? "standard output" : Quoted(arguments.out)));
+        report(&Print);
+    else
+    {
+        Bytes bytes;
+        report([&](std::string_view piece) { bytes.insert(bytes.end(), piece.begin(), piece.end()); });
+        if (auto const why = TryReplaceContent(session, arguments.report, bytes); !why.empty())
+            throw Failure(Exit::kInputOutput,
+                          fmt::format("cannot write {}: {}; {}", Quoted(arguments.report), why,
+                                      isSaved ? "the result is in " + place : "nothing could be saved"));
+    }
+    if (!isSaved)
+        throw Failure(
+            Exit::kNotARecordFile,
+            fmt::format("nothing in {} could be saved; nothing is written to {}", Quoted(file), place));
 }
 } // namespace
 

@@ -1,12 +1,14 @@
 // tessio tree: every record of a file, where it is and what it holds.
 #include "Commands.h"
 #include "Directories.h"
+#include "JsonPrinter.h"
 #include "ObjectModel/GUIDText.h"
 #include "Page/Page.h"
 #include "Records/Document.h"
 #include "Records/Json.h"
 #include "Records/Path.h"
 #include "Records/Summary.h"
+#include "Target.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -43,36 +45,44 @@ std::string LabelInFront(Node const& node)
     return "";
 }
 
-void AppendNode(std::string& text, Node const& node, int depth)
+void PrintNode(Node const& node, int depth)
 {
-    text += Styled(Style::kDim, fmt::format("{:>8} {:>8}", node.offset, node.length));
-    text += fmt::format("  {:{}}{}{}\n", "", 2 * depth, LabelInFront(node), Summary(node));
+    std::string text = Styled(Style::kDim, fmt::format("{:>8} {:>8}", node.offset, node.length));
+    text += fmt::format("  {:{}}{}{}\n", "", Indent(depth), LabelInFront(node), Summary(node));
     if (std::string const problem = Problem(node); !problem.empty())
-        text += fmt::format("{:>8} {:>8}  {:{}}{}\n", "", "", "", 2 * depth,
+        text += fmt::format("{:>8} {:>8}  {:{}}{}\n", "", "", "", Indent(depth),
                             Styled(Style::kDamage, "! " + problem));
+    Print(text);
     for (auto const* const children : {&node.entries, &node.aggregates})
         for (Node const& child : *children)
-            AppendNode(text, child, depth + 1);
+            PrintNode(child, depth + 1);
 }
 
 void PrintJsonTree(Document const& document, Node const* only, std::string const& path)
 {
-    Json records = Json::array();
-    if (only)
-        records.push_back(ToJson(*only, path));
-    else
-        for (Node const& node : document.tree.records)
-            records.push_back(ToJson(node, "/" + Segment(node.label)));
-    Json whole = {{"order", OrderName(document.tree.order)}, {"records", records}};
-    for (Finding const& finding : document.tree.findings)
-        whole["problem"] = {{"offset", finding.offset}, {"what", finding.words}};
-    PrintJson(whole);
+    PrintJson([&](JsonPrinter& json) {
+        json.Member("order", OrderName(document.tree.order));
+        json.Key("records");
+        json.BeginList();
+        if (only)
+            WriteNode(json, *only, path);
+        else
+            for (Node const& node : document.tree.records)
+                WriteNode(json, node, "/" + Segment(node.label));
+        json.End();
+        if (!document.tree.findings.empty())
+        {
+            Finding const& finding = document.tree.findings.back();
+            json.Member("problem", {{"offset", finding.offset}, {"what", finding.words}});
+        }
+    });
 }
 
 void Run(Common const& common, Arguments const& arguments)
 {
     if (!arguments.path.empty())
         static_cast<void>(PathArgument(arguments.path));
+    CheckOther(arguments.page, arguments.source.file);
     Session const session(common);
     Source source = arguments.source;
     if (arguments.bigEndian)
@@ -86,15 +96,14 @@ void Run(Common const& common, Arguments const& arguments)
         PrintJsonTree(document, only, arguments.path);
     else
     {
-        std::string text = Styled(Style::kDim, fmt::format("{:>8} {:>8}  {}", "offset", "length",
-                                                           OrderName(document.tree.order))) +
-                           "\n";
+        Print(Styled(Style::kDim,
+                     fmt::format("{:>8} {:>8}  {}", "offset", "length", OrderName(document.tree.order))) +
+              "\n");
         if (only)
-            AppendNode(text, *only, 0);
+            PrintNode(*only, 0);
         else
             for (Node const& node : document.tree.records)
-                AppendNode(text, node, 0);
-        Print(text);
+                PrintNode(node, 0);
     }
     FailWhenDamaged(document);
 }

@@ -7,6 +7,7 @@
 #include "Records/Document.h"
 #include "Records/Json.h"
 #include "Records/PlugInClasses.h"
+#include "Target.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -34,16 +35,37 @@ struct FindingAt
     std::string path;
 };
 
-/// Where what, in the order of the file.
-std::vector<FindingAt> AllFindings(RecordTree const& tree)
+/// So many of each code are named; a file may have one for each of its records.
+constexpr int64 kNamed = 1000;
+
+struct Findings
 {
-    std::vector<FindingAt> all;
+    /// In the order of the file, `kNamed` of each code at most.
+    std::vector<FindingAt> named;
+    /// Of each code, how many there are.
+    std::map<std::string, int64> counts;
+    /// Of each severity.
+    std::array<int64, 3> bySeverity{};
+
+    bool IsEmpty() const { return counts.empty(); }
+
+    void Add(Finding const& finding, std::string const& path)
+    {
+        ++bySeverity[static_cast<std::size_t>(finding.severity)];
+        if (++counts[finding.code] <= kNamed)
+            named.push_back({finding, path});
+    }
+};
+
+Findings AllFindings(RecordTree const& tree)
+{
+    Findings all;
     Walk(tree, [&](Node const& node, std::string const& path, int) {
         for (Finding const& finding : node.findings)
-            all.push_back({finding, path});
+            all.Add(finding, path);
     });
     for (Finding const& finding : tree.findings)
-        all.push_back({finding, "/"});
+        all.Add(finding, "/");
     return all;
 }
 
@@ -58,7 +80,7 @@ struct Tally
     int64 Count(Severity severity) const { return findings[static_cast<std::size_t>(severity)]; }
 };
 
-Tally TallyOf(RecordTree const& tree, std::vector<FindingAt> const& findings)
+Tally TallyOf(RecordTree const& tree, Findings const& findings)
 {
     Tally tally;
     Walk(tree, [&](Node const& node, std::string const&, int depth) {
@@ -72,8 +94,7 @@ Tally TallyOf(RecordTree const& tree, std::vector<FindingAt> const& findings)
         std::string const name = ClassName(node.classId);
         ++tally.classes[name.empty() ? GUIDToText(node.classId) : name];
     });
-    for (FindingAt const& at : findings)
-        ++tally.findings[static_cast<std::size_t>(at.finding.severity)];
+    tally.findings = findings.bySeverity;
     return tally;
 }
 
@@ -96,14 +117,17 @@ Style StyleOf(Severity severity)
                                             : Style::kDim;
 }
 
-void PrintFindings(std::vector<FindingAt> const& findings, std::string const& file, Tally const& tally)
+void PrintFindings(Findings const& findings, std::string const& file, Tally const& tally)
 {
     std::string text;
-    for (auto const& [finding, path] : findings)
+    for (auto const& [finding, path] : findings.named)
         text += fmt::format(
             "{}  {} at {}: {}: {}\n",
             Styled(StyleOf(finding.severity), fmt::format("{:<7}", SeverityName(finding.severity))),
             Styled(Style::kKey, path), finding.offset, finding.code, finding.words);
+    for (auto const& [code, count] : findings.counts)
+        if (count > kNamed)
+            text += fmt::format("{} more of {}, not named\n", count - kNamed, code);
     text += fmt::format("{}: {} and {}; {}\n", Escaped(file), Count(tally.records, "record", "records"),
                         Count(tally.texts, "text entry", "text entries"), FindingCounts(tally));
     Print(text);
@@ -111,24 +135,29 @@ void PrintFindings(std::vector<FindingAt> const& findings, std::string const& fi
 
 void Verify(Common const& common, Arguments const& arguments)
 {
+    CheckOther(arguments.page, arguments.source.file);
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);
-    std::vector<FindingAt> const findings = AllFindings(document.tree);
+    Findings const findings = AllFindings(document.tree);
     Tally const tally = TallyOf(document.tree, findings);
     if (!arguments.page.empty())
         WritePage(session, common, document, arguments.page);
     else if (common.json)
     {
         Json list = Json::array();
-        for (auto const& [finding, path] : findings)
+        for (auto const& [finding, path] : findings.named)
             list.push_back(ToJson(finding, path));
-        PrintJson({{"file", document.file},
-                   {"order", OrderName(document.tree.order)},
-                   {"records", tally.records},
-                   {"errors", tally.Count(Severity::kError)},
-                   {"warnings", tally.Count(Severity::kWarning)},
-                   {"notes", tally.Count(Severity::kNote)},
-                   {"findings", list}});
+        Json whole = {{"file", document.file},
+                      {"order", OrderName(document.tree.order)},
+                      {"records", tally.records},
+                      {"errors", tally.Count(Severity::kError)},
+                      {"warnings", tally.Count(Severity::kWarning)},
+                      {"notes", tally.Count(Severity::kNote)},
+                      {"findings", list}};
+        for (auto const& [code, count] : findings.counts)
+            if (count > kNamed)
+                whole["notNamed"][code] = count - kNamed;
+        PrintJson(whole);
     }
     else
         PrintFindings(findings, document.file, tally);
@@ -142,7 +171,7 @@ void Info(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);
-    std::vector<FindingAt> const findings = AllFindings(document.tree);
+    Findings const findings = AllFindings(document.tree);
     Tally const tally = TallyOf(document.tree, findings);
     if (common.json)
     {
@@ -173,7 +202,7 @@ void Info(Common const& common, Arguments const& arguments)
     for (auto const& [name, count] : tally.classes)
         text += fmt::format("  {:<10} {} {}\n", text.find("  classes") == std::string::npos ? "classes" : "",
                             count, name);
-    row("findings", findings.empty() ? "none" : FindingCounts(tally) + "; verify names them");
+    row("findings", findings.IsEmpty() ? "none" : FindingCounts(tally) + "; verify names them");
     Print(text);
 }
 

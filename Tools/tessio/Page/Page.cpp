@@ -1,6 +1,7 @@
 #include "Page/Page.h"
 
 #include "Failure.h"
+#include "JsonPrinter.h"
 #include "Output.h"
 #include "Page/Template.h"
 #include "Records/Json.h"
@@ -33,13 +34,11 @@ std::string Base64(ByteView bytes)
     return text;
 }
 
-/// JSON that can stand in a script element, whatever texts are in it.
-std::string ForScript(Json const& json)
+/// Appends JSON so that it can stand in a script element, whatever texts are in it.
+void AppendForScript(std::string& text, std::string_view json)
 {
-    std::string text;
-    for (char const c : json.dump(-1, ' ', false, Json::error_handler_t::replace))
-        text += c == '<' ? std::string("\\u003c") : std::string(1, c);
-    return text;
+    for (char const c : json)
+        c == '<' ? text += "\\u003c" : text += c;
 }
 
 std::string ForMarkup(std::string_view text)
@@ -63,11 +62,11 @@ Json RowJson(LayoutRow const& row)
     Json json = {{"o", row.field.offset}, {"l", row.field.length}, {"d", row.depth}};
     if (row.isRecord)
     {
-        json["p"] = row.path;
+        json["p"] = row.place.Last();
         json["v"] = row.field.value;
         Json findings = Json::array();
         for (Finding const& finding : row.findings)
-            findings.push_back(ToJson(finding, row.path));
+            findings.push_back({{"severity", SeverityName(finding.severity)}, {"words", finding.words}});
         if (!findings.empty())
             json["f"] = std::move(findings);
         return json;
@@ -89,22 +88,30 @@ void AddPage(Command const& command, std::string& out)
 
 std::string PageOf(Document const& document, std::vector<LayoutRow> const& rows)
 {
-    Json list = Json::array();
-    for (LayoutRow const& row : rows)
-        list.push_back(RowJson(row));
-    Json findings = Json::array();
+    std::string data;
+    JsonPrinter json([&](std::string_view piece) { AppendForScript(data, piece); },
+                     JsonPrinter::Layout::kOneLine);
+    json.BeginObject();
+    json.Members({{"schema", 1},
+                  {"file", document.file},
+                  {"order", OrderName(document.tree.order)},
+                  {"size", document.tree.size},
+                  {"bytes", Base64(document.content)}});
+    json.Key("findings");
+    json.BeginList();
     for (Finding const& finding : document.tree.findings)
-        findings.push_back(ToJson(finding, "/"));
-    Json const data = {{"schema", 1},
-                       {"file", document.file},
-                       {"order", OrderName(document.tree.order)},
-                       {"size", document.tree.size},
-                       {"bytes", Base64(document.content)},
-                       {"findings", findings},
-                       {"rows", list}};
+        json.Value(ToJson(finding, "/"));
+    json.End();
+    json.Key("rows");
+    json.BeginList();
+    for (LayoutRow const& row : rows)
+        json.Value(RowJson(row));
+    json.End();
+    json.End();
+    json.Finish();
     std::string page = kPageTemplate;
     Replace(page, "{{title}}", ForMarkup(Escaped(document.file)));
-    Replace(page, "{{data}}", ForScript(data));
+    Replace(page, "{{data}}", data);
     return page;
 }
 

@@ -115,7 +115,7 @@ footer p { margin: 0; }
       span(line, new Array(level(index) + 1).join('  ') + (children[index] ? (open[index] ? '\u25be ' : '\u25b8 ') : '  '), 'dim');
       if (isRecord) {
         if (isBad(row)) span(line, '! ', 'bad');
-        span(line, row.d ? row.p.slice(row.p.lastIndexOf('/') + 1) : row.p, 'path');
+        span(line, row.d ? row.p.slice(1) : row.p, 'path');
         span(line, '  ' + row.v, 'kind');
       } else {
         span(line, row.r === 'unexplained' ? '? unexplained' : row.n, row.r);
@@ -172,8 +172,9 @@ footer p { margin: 0; }
     else if (top + 2 * height > pane.scrollTop + pane.clientHeight) pane.scrollTop = top + 2 * height - pane.clientHeight;
   }
   function ownPath(index) {
-    for (var i = index; i >= 0; i = parents[i]) if (rows[i].p !== undefined) return rows[i].p;
-    return '/';
+    var path = '';
+    for (var i = index; i >= 0; i = parents[i]) path = (rows[i].p || '') + path;
+    return path || '/';
   }
   function tell(index) {
     var row = rows[index];

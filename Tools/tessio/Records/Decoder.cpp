@@ -23,6 +23,9 @@ bool Decoder::ReadHeader(Node& node, int64 limit, char const* holder)
     std::string const name = known ? std::string(" ") + known->name : "";
     if (mOptions.fields)
         Tell(mPosition, sizeof(GUID), Role::kClass, "class", GUIDToText(node.classId) + name);
+    if (node.classId == GUID{})
+        Note(node, Severity::kWarning, "class-zero", mPosition,
+             "the id of its class is all zeros, which is no class's: these bytes are hardly a record");
     mPosition += static_cast<int64>(sizeof(GUID));
     int64 const at = mPosition;
     node.declared = Read<int64>(limit, Role::kLength, "length", "a length");
@@ -282,6 +285,24 @@ std::optional<Node> Decoder::ByContent(int64 offset, int64 limit)
     return node;
 }
 
+std::optional<int64> Decoder::BodyEnd(int64 offset, int64 limit)
+{
+    Node node;
+    mPosition = offset;
+    static_cast<void>(ReadHeader(node, limit, "file"));
+    if (node.kind == Kind::kUnknownClass)
+        return std::nullopt;
+    try
+    {
+        Body(node, limit, 0);
+    }
+    catch (Broken const&)
+    {
+        return std::nullopt;
+    }
+    return mPosition;
+}
+
 std::optional<SoundRecord> Decoder::Sound(int64 offset, KnownClass const& known)
 {
     mAs = &known;
@@ -330,6 +351,11 @@ Node DecodeRecord(ByteView content, int64 offset, int64 limit, DecodeOptions con
 std::optional<Node> DecodeByContent(ByteView content, int64 offset, int64 limit, DecodeOptions const& options)
 {
     return Decoder(content, options).ByContent(offset, limit);
+}
+
+std::optional<int64> EndOfBody(ByteView content, int64 offset, int64 limit, DecodeOptions const& options)
+{
+    return Decoder(content, options).BodyEnd(offset, limit);
 }
 
 std::optional<SoundRecord> SoundRecordAt(ByteView content, int64 offset, KnownClass const& known,

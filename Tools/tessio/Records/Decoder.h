@@ -110,6 +110,11 @@ Node DecodeRecord(ByteView content, KORVA::int64 offset, KORVA::int64 limit, Dec
 std::optional<Node> DecodeByContent(ByteView content, KORVA::int64 offset, KORVA::int64 limit,
                                     DecodeOptions const& options);
 
+/// Where the content of the known class's record at `offset` ends, and the number of its aggregates should
+/// stand. Nothing when the content makes no sense or reaches beyond `limit`.
+std::optional<KORVA::int64> EndOfBody(ByteView content, KORVA::int64 offset, KORVA::int64 limit,
+                                      DecodeOptions const& options);
+
 /// The record at `offset`, when it is sound as one of that class, whatever its class id says. At least a
 /// header must be there.
 std::optional<SoundRecord> SoundRecordAt(ByteView content, KORVA::int64 offset, KnownClass const& known,

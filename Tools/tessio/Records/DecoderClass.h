@@ -25,6 +25,7 @@ public:
 
     Node Record(KORVA::int64 offset, KORVA::int64 limit, char const* holder, Label label, int depth);
     std::optional<Node> ByContent(KORVA::int64 offset, KORVA::int64 limit);
+    std::optional<KORVA::int64> BodyEnd(KORVA::int64 offset, KORVA::int64 limit);
     std::optional<SoundRecord> Sound(KORVA::int64 offset, KnownClass const& known);
 
 private:

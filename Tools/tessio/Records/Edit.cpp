@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 
 namespace TOOL
@@ -30,6 +31,9 @@ struct Splice
     Bytes content;
     int64 countAt = 0;
     int change = 0;
+
+    /// How many bytes more there are behind it.
+    int64 Delta() const { return static_cast<int64>(content.size()) - (to - from); }
 };
 
 /// The records from the top to the holder of the last component. All must be whole themselves, since their
@@ -104,11 +108,39 @@ Splice Insertion(Document const& document, Node const& holder, Label const& labe
     return splice;
 }
 
-Bytes Spliced(Document const& document, std::vector<Node const*> const& holders, Splice const& splice)
+/// Ends the command when a plug-in's object gets a body of another length and nothing shows that its class
+/// reads it. What it holds as aggregates stands behind its body, and is not its class's business.
+void CheckObjects(Document const& document, Path const& path, std::vector<Node const*> const& holders,
+                  Splice const& splice, ByteView content, ObjectProof const& proof)
+{
+    int64 const delta = splice.Delta();
+    for (std::size_t i = 0; i < holders.size() && delta != 0; ++i)
+    {
+        Node const& holder = *holders[i];
+        if (holder.kind != Kind::kObject || splice.from >= holder.aggregatesAt)
+            continue;
+        // What it holds is read with it, other objects too.
+        if (proof && proof(content.subspan(static_cast<std::size_t>(holder.offset),
+                                           static_cast<std::size_t>(holder.length + delta)),
+                           document.tree.order))
+            return;
+        Path const way(path.begin(), path.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+        throw Failure(
+            Exit::kUsage,
+            fmt::format("{}: {} is in the object {} of the class {}, which may keep the length of what "
+                        "it holds: with {} {} its class does not read it and write it back the same; "
+                        "put in something of the same length, or set {} as a whole; nothing is changed",
+                        Quoted(document.file), PathText(path), PathText(way), GUIDToText(holder.classId),
+                        ByteCount(std::abs(delta)), delta > 0 ? "more" : "less", PathText(way)));
+    }
+}
+
+Bytes Spliced(Document const& document, Path const& path, std::vector<Node const*> const& holders,
+              Splice const& splice, ObjectProof const& proof)
 {
     Bytes content = document.content;
     Order const order = document.tree.order;
-    auto const delta = static_cast<int64>(splice.content.size()) - (splice.to - splice.from);
+    int64 const delta = splice.Delta();
     for (Node const* const holder : holders)
     {
         if (holder->declared + delta > kLargestLength)
@@ -124,29 +156,33 @@ Bytes Spliced(Document const& document, std::vector<Node const*> const& holders,
     auto const from = content.begin() + splice.from;
     content.erase(from, content.begin() + splice.to);
     content.insert(content.begin() + splice.from, splice.content.begin(), splice.content.end());
+    CheckObjects(document, path, holders, splice, content, proof);
     return content;
 }
 } // namespace
 
-Bytes WithPlaced(Document const& document, std::string const& path, ByteView content)
+Bytes WithPlaced(Document const& document, std::string const& path, ByteView content,
+                 ObjectProof const& proof)
 {
     Path const components = PathArgument(path);
     std::vector<Node const*> const holders = Holders(document, components);
     std::size_t found = 0;
     if (Node const* const node = FindNode(document.tree, components, found))
-        return Spliced(document, holders,
-                       {node->offset, node->End(), Bytes(content.begin(), content.end()), 0, 0});
+        return Spliced(document, components, holders,
+                       {node->offset, node->End(), Bytes(content.begin(), content.end()), 0, 0}, proof);
     if (!holders.empty())
-        return Spliced(document, holders, Insertion(document, *holders.back(), components.back(), content));
+        return Spliced(document, components, holders,
+                       Insertion(document, *holders.back(), components.back(), content), proof);
     if (components.front().number != document.tree.records.size() || document.tree.end != document.tree.size)
         throw Failure(Exit::kNotFound,
                       fmt::format("{} has {} records; the next one can only be /{}", Quoted(document.file),
                                   document.tree.records.size(), document.tree.records.size()));
-    return Spliced(document, {},
-                   {document.tree.end, document.tree.end, Bytes(content.begin(), content.end()), 0, 0});
+    return Spliced(document, components, {},
+                   {document.tree.end, document.tree.end, Bytes(content.begin(), content.end()), 0, 0},
+                   proof);
 }
 
-Bytes WithoutPlace(Document const& document, std::string const& path)
+Bytes WithoutPlace(Document const& document, std::string const& path, ObjectProof const& proof)
 {
     Path const components = PathArgument(path);
     Node const& node = NodeAt(document.tree, path, document.file);
@@ -155,7 +191,7 @@ Bytes WithoutPlace(Document const& document, std::string const& path)
     if (holders.empty())
     {
         splice.change = 0;
-        return Spliced(document, holders, splice);
+        return Spliced(document, components, holders, splice, proof);
     }
     splice.countAt = holders.back()->offset + kHeader;
     switch (node.label.type)
@@ -173,7 +209,7 @@ Bytes WithoutPlace(Document const& document, std::string const& path)
     case Label::Type::kPart:
         throw Failure(Exit::kUsage, "a plug-in's object can't do without " + Segment(node.label));
     }
-    return Spliced(document, holders, splice);
+    return Spliced(document, components, holders, splice, proof);
 }
 
 Bytes StringEntry(STRING::CoreString const& key, STRING::CoreString const& text, Order order)

@@ -73,7 +73,10 @@ Json ToJson(Finding const& finding, std::string const& path)
             {"words", finding.words}};
 }
 
-Json ToJson(Node const& node, std::string const& path, std::string const& label)
+namespace
+{
+/// Without what it holds.
+Json OwnJson(Node const& node, std::string const& path, std::string const& label)
 {
     Json json = {{"offset", node.offset}, {"length", node.length}};
     if (!label.empty() || node.kind == Kind::kStringEntry)
@@ -98,6 +101,35 @@ Json ToJson(Node const& node, std::string const& path, std::string const& label)
         json["parts"] = std::move(parts);
     if (std::string const problem = Problem(node); !problem.empty())
         json["problem"] = problem;
+    return json;
+}
+
+/// `path` is as it was when it returns.
+void WriteWith(JsonPrinter& json, Node const& node, std::string& path)
+{
+    json.BeginObject();
+    json.Members(OwnJson(node, path, LabelText(node.label)));
+    if (!node.entries.empty() || !node.aggregates.empty())
+    {
+        json.Key("children");
+        json.BeginList();
+        std::size_t const size = path.size();
+        for (auto const* const nodes : {&node.entries, &node.aggregates})
+            for (Node const& child : *nodes)
+            {
+                path += "/" + Segment(child.label);
+                WriteWith(json, child, path);
+                path.resize(size);
+            }
+        json.End();
+    }
+    json.End();
+}
+} // namespace
+
+Json ToJson(Node const& node, std::string const& path, std::string const& label)
+{
+    Json json = OwnJson(node, path, label);
     Json children = Json::array();
     for (auto const* const nodes : {&node.entries, &node.aggregates})
         for (Node const& child : *nodes)
@@ -108,4 +140,6 @@ Json ToJson(Node const& node, std::string const& path, std::string const& label)
 }
 
 Json ToJson(Node const& node, std::string const& path) { return ToJson(node, path, LabelText(node.label)); }
+
+void WriteNode(JsonPrinter& json, Node const& node, std::string path) { WriteWith(json, node, path); }
 } // namespace TOOL

@@ -33,14 +33,31 @@ std::string ShownBriefly(Json const& json)
 }
 
 /// Ends reading where a document is nested deeper than records can be.
-Json ParseJson(std::string_view text)
+void CheckDepth(std::string_view text)
 {
     static constexpr int kDeepestJson = 3 * kDeepest + 100;
-    return Json::parse(text, [](int depth, Json::parse_event_t, Json const&) {
-        if (depth > kDeepestJson)
+    int depth = 0;
+    bool isText = false;
+    for (std::size_t at = 0; at < text.size(); ++at)
+    {
+        char const c = text[at];
+        if (isText && c == '\\')
+            ++at;
+        else if (c == '"')
+            isText = !isText;
+        else if (!isText && (c == '[' || c == '{') && ++depth > kDeepestJson)
             throw Unfit{fmt::format("it is nested more than {} deep", kDeepestJson)};
-        return true;
-    });
+        else if (!isText && (c == ']' || c == '}'))
+            --depth;
+    }
+}
+
+/// In time that grows as the text does. Looking at the parser's events instead would have it search all of a
+/// list at the end of each of its items.
+Json ParseJson(std::string_view text)
+{
+    CheckDepth(text);
+    return Json::parse(text);
 }
 
 Json const& Member(Json const& json, char const* name)
@@ -136,19 +153,18 @@ CoreString Text(Json const& json)
 class Reader
 {
 public:
-    explicit Reader(Order order) : mWriter(order) {}
+    explicit Reader(RecordWriter& writer) : mWriter(writer) {}
 
     void Record(Json const& json, int depth);
     void Rest(Json const& json) { mWriter.Put(ByteView(Hex(json))); }
-    Bytes Take() { return mWriter.Take(); }
-
-private:
     void Content(Json const& json, Kind kind, int depth);
-    void PlainValue(Json const& json);
-    void Number(Json const& json, std::string const& type);
     void Part(Json const& json, int depth);
 
-    RecordWriter mWriter;
+private:
+    void PlainValue(Json const& json);
+    void Number(Json const& json, std::string const& type);
+
+    RecordWriter& mWriter;
 };
 
 void Reader::Number(Json const& json, std::string const& type)
@@ -333,17 +349,19 @@ Order ReadHead(Json const& head)
 
 Bytes ReadDocument(Json const& document)
 {
-    Reader reader(ReadHead(document));
+    RecordWriter writer(ReadHead(document));
+    Reader reader(writer);
     for (Json const& record : List(document, "records"))
         reader.Record(record, 0);
     if (document.contains("rest"))
         reader.Rest(document["rest"]);
-    return reader.Take();
+    return writer.Take();
 }
 
 Bytes ReadLines(Json const& head, std::string_view lines)
 {
-    Reader reader(ReadHead(head));
+    RecordWriter writer(ReadHead(head));
+    Reader reader(writer);
     while (!lines.empty())
     {
         std::size_t const end = lines.find('\n');
@@ -357,9 +375,15 @@ Bytes ReadLines(Json const& head, std::string_view lines)
         else
             reader.Record(json, 0);
     }
-    return reader.Take();
+    return writer.Take();
 }
 } // namespace
+
+void PutJsonLeaf(RecordWriter& writer, Json const& json, Kind kind) { Reader(writer).Content(json, kind, 0); }
+
+void PutJsonText(RecordWriter& writer, Json const& json) { writer.Put(Text(json)); }
+
+void PutJsonPart(RecordWriter& writer, Json const& json) { Reader(writer).Part(json, 0); }
 
 Bytes ReadJson(std::string_view text, std::string const& source)
 {

@@ -33,13 +33,17 @@ class Writer
 public:
     Writer(ByteView content, Order order, bool raw) : mContent(content), mOrder(order), mRaw(raw) {}
 
-    Json Record(Node const& node) const;
+    void Record(JsonPrinter& json, Node const& node) const;
+    /// Writes what reading the document of the record gives.
+    void GiveBack(RecordWriter& writer, Node const& node) const;
 
 private:
+    bool IsRaw(Node const& node) const { return mRaw || !node.regular || node.kind == Kind::kUnknownClass; }
     Json Raw(Node const& node) const;
-    void AddContent(Json& json, Node const& node) const;
+    Json Leaf(Node const& node) const;
+    void AddContent(JsonPrinter& json, Node const& node) const;
+    void GiveContentBack(RecordWriter& writer, Node const& node) const;
     void AddValue(Json& json, Value const& value) const;
-    Json Parts(Node const& node) const;
     Json PartValue(Part const& part) const;
     ByteView Slice(int64 offset, int64 length) const
     {
@@ -117,48 +121,132 @@ Json Writer::PartValue(Part const& part) const
     return Json::parse(shown);
 }
 
-Json Writer::Parts(Node const& node) const
+/// What a record says that holds no others.
+Json Writer::Leaf(Node const& node) const
 {
-    Json parts = Json::array();
-    std::size_t next = 0;
-    for (Part const& part : node.parts)
-        if (part.type == "record")
-            parts.push_back({{"type", "record"}, {"record", Record(node.entries[next++])}});
-        else
-            parts.push_back({{"type", part.type}, {"value", PartValue(part)}});
-    return parts;
+    Json json = Json::object();
+    if (node.kind == Kind::kValue)
+        AddValue(json, node.value);
+    else if (node.kind == Kind::kURI)
+        json["text"] = TextJson(node.text);
+    else if (node.kind == Kind::kRelativeURI)
+        json = {{"scheme", TextJson(node.scheme)},
+                {"host", TextJson(node.host)},
+                {"port", node.port},
+                {"path", TextJson(node.text)},
+                {"directory", node.directory}};
+    return json;
 }
 
-void Writer::AddContent(Json& json, Node const& node) const
+void Writer::AddContent(JsonPrinter& json, Node const& node) const
 {
-    Json list = Json::array();
+    std::size_t next = 0;
     switch (node.kind)
     {
     case Kind::kDictionary:
+        json.Key("entries");
+        json.BeginList();
         for (Node const& entry : node.entries)
-            list.push_back({{"key", entry.label.number}, {"record", Record(entry)}});
-        json["entries"] = std::move(list);
+        {
+            json.BeginObject();
+            json.Member("key", entry.label.number);
+            json.Key("record");
+            Record(json, entry);
+            json.End();
+        }
+        return json.End();
+    case Kind::kStrings:
+        json.Key("strings");
+        json.BeginList();
+        for (Node const& entry : node.entries)
+            json.Value({{"key", TextJson(entry.label.text)}, {"value", TextJson(entry.text)}});
+        return json.End();
+    case Kind::kObject:
+        json.Key("parts");
+        json.BeginList();
+        for (Part const& part : node.parts)
+        {
+            json.BeginObject();
+            json.Member("type", part.type);
+            json.Key(part.type == "record" ? "record" : "value");
+            if (part.type == "record")
+                Record(json, node.entries[next++]);
+            else
+                json.Value(PartValue(part));
+            json.End();
+        }
+        return json.End();
+    case Kind::kValue:
+    case Kind::kURI:
+    case Kind::kRelativeURI:
+        return json.Members(Leaf(node));
+    case Kind::kStringEntry:
+    case Kind::kUnknownClass:
+        break;
+    }
+}
+
+void Writer::Record(JsonPrinter& json, Node const& node) const
+{
+    if (IsRaw(node))
+        return json.Value(Raw(node));
+    std::string const name = ClassName(node.classId);
+    json.BeginObject();
+    json.Member("class", name.empty() ? Json(nullptr) : Json(name));
+    json.Member("classId", GUIDToText(node.classId));
+    AddContent(json, node);
+    if (!node.aggregates.empty())
+    {
+        json.Key("aggregates");
+        json.BeginList();
+        for (Node const& aggregate : node.aggregates)
+        {
+            json.BeginObject();
+            json.Member("interface", GUIDToText(aggregate.label.id));
+            json.Key("record");
+            Record(json, aggregate);
+            json.End();
+        }
+        json.End();
+    }
+    json.End();
+}
+
+/// As it is after being written and parsed.
+Json Parsed(Json const& json) { return Json::parse(json.dump()); }
+
+void Writer::GiveContentBack(RecordWriter& writer, Node const& node) const
+{
+    std::size_t next = 0;
+    switch (node.kind)
+    {
+    case Kind::kDictionary:
+        writer.Put(static_cast<uint32>(node.entries.size()));
+        for (Node const& entry : node.entries)
+        {
+            writer.Put(entry.label.number);
+            GiveBack(writer, entry);
+        }
         break;
     case Kind::kStrings:
+        writer.Put(static_cast<uint32>(node.entries.size()));
         for (Node const& entry : node.entries)
-            list.push_back({{"key", TextJson(entry.label.text)}, {"value", TextJson(entry.text)}});
-        json["strings"] = std::move(list);
-        break;
-    case Kind::kValue:
-        AddValue(json, node.value);
-        break;
-    case Kind::kURI:
-        json["text"] = TextJson(node.text);
-        break;
-    case Kind::kRelativeURI:
-        json["scheme"] = TextJson(node.scheme);
-        json["host"] = TextJson(node.host);
-        json["port"] = node.port;
-        json["path"] = TextJson(node.text);
-        json["directory"] = node.directory;
+        {
+            PutJsonText(writer, Parsed(TextJson(entry.label.text)));
+            PutJsonText(writer, Parsed(TextJson(entry.text)));
+        }
         break;
     case Kind::kObject:
-        json["parts"] = Parts(node);
+        for (Part const& part : node.parts)
+            if (part.type == "record")
+                GiveBack(writer, node.entries[next++]);
+            else
+                PutJsonPart(writer, Parsed({{"type", part.type}, {"value", PartValue(part)}}));
+        break;
+    case Kind::kValue:
+    case Kind::kURI:
+    case Kind::kRelativeURI:
+        PutJsonLeaf(writer, Parsed(Leaf(node)), node.kind);
         break;
     case Kind::kStringEntry:
     case Kind::kUnknownClass:
@@ -166,22 +254,20 @@ void Writer::AddContent(Json& json, Node const& node) const
     }
 }
 
-Json Writer::Record(Node const& node) const
+void Writer::GiveBack(RecordWriter& writer, Node const& node) const
 {
-    if (mRaw || !node.regular || node.kind == Kind::kUnknownClass)
-        return Raw(node);
-    std::string const name = ClassName(node.classId);
-    Json json = {{"class", name.empty() ? Json(nullptr) : Json(name)}, {"classId", GUIDToText(node.classId)}};
-    AddContent(json, node);
-    if (!node.aggregates.empty())
+    // Such stand as the bytes that they are.
+    if (IsRaw(node))
+        return writer.Put(Slice(node.offset, node.length));
+    writer.Begin(node.classId);
+    GiveContentBack(writer, node);
+    writer.Put(static_cast<uint32>(node.aggregates.size()));
+    for (Node const& aggregate : node.aggregates)
     {
-        Json aggregates = Json::array();
-        for (Node const& aggregate : node.aggregates)
-            aggregates.push_back(
-                {{"interface", GUIDToText(aggregate.label.id)}, {"record", Record(aggregate)}});
-        json["aggregates"] = std::move(aggregates);
+        writer.Put(aggregate.label.id);
+        GiveBack(writer, aggregate);
     }
-    return json;
+    writer.End();
 }
 
 Json Head(RecordTree const& tree)
@@ -189,37 +275,48 @@ Json Head(RecordTree const& tree)
     return {{"schema", 1}, {"format", "tessio-dump"}, {"order", OrderName(tree.order)}};
 }
 
-/// Read back at once: what the values would not give back byte for byte stands as bytes.
-Json Checked(RecordTree const& tree, Node const& record, ByteView content)
+/// What the values would not give back byte for byte stands as bytes.
+void WriteRecord(JsonPrinter& json, RecordTree const& tree, Node const& record, ByteView content)
 {
-    Json json = Writer(content, tree.order, false).Record(record);
-    Json whole = Head(tree);
-    whole["records"] = Json::array({json});
-    Bytes const back = ReadJson(whole.dump(), "the dump");
-    bool const same = std::ranges::equal(back, content.subspan(static_cast<std::size_t>(record.offset),
-                                                               static_cast<std::size_t>(record.length)));
-    return same ? json : Writer(content, tree.order, true).Record(record);
+    Writer const writer(content, tree.order, false);
+    RecordWriter back(tree.order);
+    writer.GiveBack(back, record);
+    bool const same =
+        std::ranges::equal(back.Written(), content.subspan(static_cast<std::size_t>(record.offset),
+                                                           static_cast<std::size_t>(record.length)));
+    Writer(content, tree.order, !same).Record(json, record);
 }
 } // namespace
 
-Json WriteJson(RecordTree const& tree, ByteView content)
+void WriteJson(JsonPrinter& json, RecordTree const& tree, ByteView content)
 {
-    Json document = Head(tree);
-    document["records"] = Json::array();
+    json.BeginObject();
+    json.Members(Head(tree));
+    json.Key("records");
+    json.BeginList();
     for (Node const& record : tree.records)
-        document["records"].push_back(Checked(tree, record, content));
+        WriteRecord(json, tree, record, content);
+    json.End();
     if (tree.end < tree.size)
-        document["rest"] = HexOf(content.subspan(static_cast<std::size_t>(tree.end)));
-    return document;
+        json.Member("rest", HexOf(content.subspan(static_cast<std::size_t>(tree.end))));
+    json.End();
+    json.Finish();
 }
 
 std::string WriteJsonLines(RecordTree const& tree, ByteView content)
 {
     std::string lines = Head(tree).dump() + "\n";
+    JsonPrinter json([&](std::string_view piece) { lines += piece; }, JsonPrinter::Layout::kOneLine);
     for (Node const& record : tree.records)
-        lines += Checked(tree, record, content).dump() + "\n";
+    {
+        WriteRecord(json, tree, record, content);
+        json.Finish();
+    }
     if (tree.end < tree.size)
-        lines += Json({{"rest", HexOf(content.subspan(static_cast<std::size_t>(tree.end)))}}).dump() + "\n";
+    {
+        json.Value({{"rest", HexOf(content.subspan(static_cast<std::size_t>(tree.end)))}});
+        json.Finish();
+    }
     return lines;
 }
 } // namespace TOOL

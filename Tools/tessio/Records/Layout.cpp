@@ -13,17 +13,17 @@ class Collector final : public FieldSink
 public:
     void OnRecord(int64 offset, Label const& label, int depth) override
     {
-        std::string path = (mOpen.empty() ? "" : mRows[mOpen.back()].path) + "/" + Segment(label);
+        TOOL::Place place(Place(), Segment(label));
         Explain(offset);
         mOpen.push_back(mRows.size());
-        mRows.push_back({true, false, depth, std::move(path), {}, {}});
+        mRows.push_back({true, false, depth, std::move(place), {}, {}});
     }
 
     void OnField(Field field) override
     {
         Explain(field.offset);
         mEnd = field.offset + field.length;
-        mRows.push_back({false, false, Depth(), Path(), std::move(field), {}});
+        mRows.push_back({false, false, Depth(), Place(), std::move(field), {}});
     }
 
     void OnRecordEnd(Node const& node) override
@@ -40,7 +40,7 @@ public:
     {
         if (to > mEnd)
             mRows.push_back(
-                {false, true, Depth(), Path(), {mEnd, to - mEnd, Role::kOpaque, "unexplained", ""}, {}});
+                {false, true, Depth(), Place(), {mEnd, to - mEnd, Role::kOpaque, "unexplained", ""}, {}});
         mEnd = std::max(mEnd, to);
     }
 
@@ -48,7 +48,7 @@ public:
 
 private:
     int Depth() const { return mOpen.empty() ? 0 : mRows[mOpen.back()].depth; }
-    std::string Path() const { return mOpen.empty() ? "" : mRows[mOpen.back()].path; }
+    TOOL::Place Place() const { return mOpen.empty() ? TOOL::Place() : mRows[mOpen.back()].place; }
 
     std::vector<LayoutRow> mRows;
     std::vector<std::size_t> mOpen;

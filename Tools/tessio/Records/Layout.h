@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Records/Decoder.h"
+#include "Records/Place.h"
 
 #include <string>
 #include <vector>
@@ -16,7 +17,7 @@ struct LayoutRow
     bool isUnexplained = false;
     int depth = 0;
     /// Of the record, or of that in which the bytes stand.
-    std::string path;
+    Place place;
     /// Of a record: its extent, and in `value` its summary.
     Field field;
     /// Of a record: what was noticed about it.

@@ -132,22 +132,26 @@ bool IsDamaged(Node const& node);
 /// unknown class, or a damaged one. Null when there is none.
 Node const* FirstFragile(Node const& node);
 
-/// Calls `visit(node, path, depth)` for a node and everything in it, in the order of the file.
+/// Calls `visit(node, path, depth)` for a node and everything in it, in the order of the file. `path` leads
+/// to what holds the node, and is so again when the call returns.
 template <class Visit>
-void Walk(Node const& node, std::string const& parent, int depth, Visit const& visit)
+void Walk(Node const& node, std::string& path, int depth, Visit const& visit)
 {
-    std::string const path = parent + "/" + Segment(node.label);
-    visit(node, path, depth);
+    std::size_t const size = path.size();
+    path += "/" + Segment(node.label);
+    visit(node, static_cast<std::string const&>(path), depth);
     for (Node const& child : node.entries)
         Walk(child, path, depth + 1, visit);
     for (Node const& child : node.aggregates)
         Walk(child, path, depth + 1, visit);
+    path.resize(size);
 }
 
 template <class Visit>
 void Walk(RecordTree const& tree, Visit const& visit)
 {
+    std::string path;
     for (Node const& node : tree.records)
-        Walk(node, "", 0, visit);
+        Walk(node, path, 0, visit);
 }
 } // namespace TOOL

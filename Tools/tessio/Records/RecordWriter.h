@@ -37,6 +37,8 @@ public:
     /// Takes back what was written since it had that size; no record may have begun and not ended since.
     void Cut(std::size_t size) { mBytes.resize(size); }
 
+    /// What there is so far; lengths of open records are still missing. Until something else is written.
+    ByteView Written() const { return mBytes; }
     std::size_t Size() const { return mBytes.size(); }
     Order GetOrder() const { return mOrder; }
     Bytes Take() { return std::move(mBytes); }

@@ -14,6 +14,10 @@ using namespace KORVA;
 
 namespace
 {
+/// Records that lie in each other are looked at once. Only such as were made to overlap take more looks than
+/// this for their bytes, and the square of their number without a bound.
+constexpr int64 kLooksPerByte = 16;
+
 /// Class ids made as RFC 9562 has it carry their variant and version; few other bytes look so.
 bool LooksLikeId(GUID const& id)
 {
@@ -22,7 +26,7 @@ bool LooksLikeId(GUID const& id)
 }
 } // namespace
 
-void Salvager::Keep(int64 from, int64 to, Fate::Type type, std::string path, std::string words)
+void Salvager::Keep(int64 from, int64 to, Fate::Type type, Place path, std::string words)
 {
     if (to > from)
         mFates.push_back({type, from, to - from, std::move(path), std::move(words)});
@@ -115,13 +119,13 @@ bool Salvager::IsBoundary(int64 offset, int64 limit, int depth)
 {
     // Each place leads to up to two others: behind another entry of an unknown class, and behind the end of
     // the dictionary around.
-    struct Place
+    struct Step
     {
         int64 offset;
         int depth;
         std::size_t from;
     };
-    std::vector<Place> places{{offset, depth, 0}};
+    std::vector<Step> places{{offset, depth, 0}};
     std::vector<std::size_t> open{0};
     while (!open.empty())
     {
@@ -204,7 +208,7 @@ void Salvager::CopyRecord(int64 from, int64 to)
 }
 
 /// A whole record, and the key before it, if there is one.
-void Salvager::KeepWhole(int64 from, int64 record, int64 to, std::string const& path)
+void Salvager::KeepWhole(int64 from, int64 record, int64 to, Place const& path)
 {
     Copy(from, record);
     CopyRecord(record, to);
@@ -214,7 +218,7 @@ void Salvager::KeepWhole(int64 from, int64 record, int64 to, std::string const& 
     Keep(record, to, Fate::Type::kRepaired, path, "its class id was damaged");
 }
 
-int64 Salvager::Broken(int64 offset, int64 limit, int depth, std::string const& path)
+Salvager::Taken Salvager::Broken(int64 offset, int64 limit, int depth, Place const& path)
 {
     auto const byContent = DecodeByContent(mContent, offset, limit, mFinds.Options());
     // A text or buffer with a wrong length may reach over what comes next.
@@ -228,7 +232,7 @@ int64 Salvager::Broken(int64 offset, int64 limit, int depth, std::string const& 
         Copy(offset, offset + 16);
         mOut.Put(byContent->length - kHeader);
         Copy(offset + kHeader, end);
-        return end;
+        return {end, true};
     }
     if (depth >= mFinds.Options().limits.depth)
         throw Failure(Exit::kLimit, fmt::format("the record at offset {} is nested more than {} deep", offset,
@@ -237,54 +241,8 @@ int64 Salvager::Broken(int64 offset, int64 limit, int depth, std::string const& 
     if (known->kind == Kind::kDictionary && depth < kDeepest)
         return Dictionary(offset, limit, depth, path);
     if (known->kind == Kind::kStrings)
-        return Strings(offset, limit, path);
+        return Strings(offset, limit, depth, path);
     return Leaf(offset, limit, depth, path);
-}
-
-/// A record that holds no others, and makes no sense. As long as its length does, its bytes are kept.
-int64 Salvager::Leaf(int64 offset, int64 limit, int depth, std::string const& path)
-{
-    auto const end = EndByLength(offset, limit);
-    if (!end || !IsBoundary(*end, limit, depth) || mFinds.NextWhole(offset, limit) < *end)
-        return 0;
-    Keep(offset, *end, Fate::Type::kPartial, path, "its length is right, its content is not");
-    Copy(offset, *end);
-    return *end;
-}
-
-int64 Salvager::Strings(int64 offset, int64 limit, std::string const& path)
-{
-    if (limit - offset < kHeader + 4)
-        return 0;
-    auto const end = EndByLength(offset, limit);
-    auto const count = At<uint32>(offset + kHeader);
-    int64 at = offset + kHeader + 4;
-    int64 const stop = std::min(end ? *end : limit, mFinds.NextWhole(offset, limit));
-    auto const textEnd = [&](int64 from) -> int64 {
-        if (stop - from < 4)
-            return -1;
-        auto const length = At<int32>(from);
-        return length < 0 || length % 2 != 0 || length > stop - from - 4 ? -1 : from + 4 + length;
-    };
-    uint32 entries = 0;
-    while (entries < count)
-    {
-        int64 const key = textEnd(at);
-        int64 const value = key < 0 ? -1 : textEnd(key);
-        if (value < 0)
-            break;
-        at = value;
-        ++entries;
-    }
-    if (entries == 0)
-        return 0;
-    Keep(offset, at, Fate::Type::kPartial, path, fmt::format("{} of {} entries", entries, count));
-    mOut.Begin(LoadId(mContent.data() + offset, mOrder));
-    mOut.Put(entries);
-    Copy(offset + kHeader + 4, at);
-    mOut.Put(int32{0});
-    mOut.End();
-    return at;
 }
 
 /// Whatever is whole is kept, even where following the records did not come to it.
@@ -303,6 +261,31 @@ void Salvager::KeepTheRest()
     }
 }
 
+/// What was put together is looked at as readers will see it: nothing else goes into the result. 0 where it
+/// is not known where the record ends.
+int64 Salvager::BrokenAtTop(int64 offset)
+{
+    std::size_t const written = mOut.Size();
+    std::size_t const fates = mFates.size();
+    Taken const taken = Broken(offset, mSize, 0, Place(Place(), std::to_string(mTop)));
+    if (taken.isKept)
+    {
+        DecodeOptions options;
+        options.order = mOrder;
+        auto const size = static_cast<int64>(mOut.Size());
+        Node const record = DecodeRecord(mOut.Written(), static_cast<int64>(written), size, options);
+        if (!IsDamaged(record) && record.End() == size)
+        {
+            ++mTop;
+            return taken.end;
+        }
+        mOut.Cut(written);
+        mFates.resize(fates);
+        return 0;
+    }
+    return taken.end;
+}
+
 Salvaged Salvager::Run()
 {
     for (int64 at = 0; at < mSize;)
@@ -315,8 +298,7 @@ Salvaged Salvager::Run()
         }
         if (mFinds.BrokenAt(at))
         {
-            int64 const end = Broken(at, mSize, 0, "/" + std::to_string(mTop));
-            mTop += end != 0 ? 1 : 0;
+            int64 const end = BrokenAtTop(at);
             at = end != 0 ? end : at + 1;
             continue;
         }
@@ -339,12 +321,12 @@ Salvaged Salvager::Run()
     for (Fate& fate : mFates)
     {
         if (fate.offset > at)
-            salvaged.fates.push_back({Fate::Type::kLost, at, fate.offset - at, "", ""});
+            salvaged.fates.push_back({Fate::Type::kLost, at, fate.offset - at, {}, ""});
         at = fate.offset + fate.length;
         salvaged.fates.push_back(std::move(fate));
     }
     if (at < mSize)
-        salvaged.fates.push_back({Fate::Type::kLost, at, mSize - at, "", ""});
+        salvaged.fates.push_back({Fate::Type::kLost, at, mSize - at, {}, ""});
     salvaged.content = mOut.Take();
     return salvaged;
 }
@@ -369,6 +351,20 @@ char const* FateName(Fate::Type type)
 
 Salvaged Salvage(ByteView content, Order order, Limits const& limits, Progress* progress)
 {
-    return Salvager(content, order, limits, progress).Run();
+    int64 const bound = kLooksPerByte * static_cast<int64>(content.size());
+    Limits bounded = limits;
+    bounded.count = std::min(limits.count, bound);
+    try
+    {
+        return Salvager(content, order, bounded, progress).Run();
+    }
+    catch (Failure const& failure)
+    {
+        if (failure.Code() != Exit::kLimit || limits.count <= bound || limits.depth < kDeepest)
+            throw;
+        throw Failure(Exit::kLimit, fmt::format("it takes more than {} looks at what could be records: they "
+                                                "overlap, as damage does not leave them",
+                                                bound));
+    }
 }
 } // namespace TOOL

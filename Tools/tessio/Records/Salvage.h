@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Records/Decoder.h"
+#include "Records/Place.h"
 
 #include <string>
 #include <vector>
@@ -17,8 +18,7 @@ struct Fate
         kKept,
         /// Whole but for lengths or counts, which are put right.
         kRepaired,
-        /// A record of which something is missing, or whose content makes no sense; what is left of it is
-        /// kept.
+        /// A dictionary of which something is missing; what is left of it is kept.
         kPartial,
         /// Of a class that nobody knows, kept because its length leads exactly to what comes next.
         kOpaque,
@@ -30,7 +30,7 @@ struct Fate
     KORVA::int64 offset = 0;
     KORVA::int64 length = 0;
     /// Where it is in the result.
-    std::string path;
+    Place path;
     std::string words;
 };
 
@@ -43,9 +43,11 @@ struct Salvaged
     std::vector<Fate> fates;
 };
 
-/// Makes a sound record file of everything that is whole. A record of a known class with none of its bytes
-/// damaged is always kept: under its key where the dictionary around it can still be followed, else at the
-/// top. What damage has made the body of a record of some unknown class, to all appearances, is kept as that.
-/// Ends the command when it has to look at more records than `limits` allow.
+/// Makes a sound record file of everything that is whole: reading the result finds no damage, and salvaging
+/// it again changes nothing. What can't be made sound is left out; the result is empty when nothing is whole.
+/// A record of a known class with none of its bytes damaged is always kept: under its key where the
+/// dictionary around it can still be followed, else at the top. What damage has made the body of a record of
+/// some unknown class, to all appearances, is kept as that. Ends the command when it has to look at more
+/// records than `limits` allow.
 Salvaged Salvage(ByteView content, Order order, Limits const& limits = {}, Progress* progress = nullptr);
 } // namespace TOOL

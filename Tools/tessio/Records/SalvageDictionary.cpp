@@ -61,7 +61,7 @@ bool Salvager::Entry(Rebuilding& dictionary)
     if (dictionary.lastKey && key <= *dictionary.lastKey &&
         !(dictionary.end && Reaches(dictionary.at, dictionary)))
         return false;
-    std::string const path = fmt::format("{}/dict[{}]", dictionary.path, key);
+    Place const path = Place(dictionary.path, fmt::format("dict[{}]", key));
     if (int64 const whole = mFinds.WholeAt(record); whole != 0 && whole <= reach)
     {
         KeepWhole(dictionary.at, record, whole, path);
@@ -71,15 +71,16 @@ bool Salvager::Entry(Rebuilding& dictionary)
     {
         std::size_t const before = mOut.Size();
         Copy(dictionary.at, record);
-        int64 const stop = Broken(record, reach, dictionary.depth + 1, path);
-        if (stop == 0)
+        Taken const taken = Broken(record, reach, dictionary.depth + 1, path);
+        dictionary.isDamaged = true;
+        if (!taken.isKept)
         {
             mOut.Cut(before);
-            return false;
+            dictionary.at = taken.end != 0 ? taken.end : dictionary.at;
+            return taken.end != 0;
         }
         Keep(dictionary.at, record, Fate::Type::kKept, path, "key");
-        dictionary.isDamaged = true;
-        dictionary.at = stop;
+        dictionary.at = taken.end;
     }
     else
     {
@@ -151,10 +152,16 @@ bool Salvager::FindNextEntry(Rebuilding& dictionary)
 int64 Salvager::Aggregates(Rebuilding& dictionary)
 {
     int64 const end = *EndOfAggregates(dictionary.at, dictionary.limit);
-    int64 at = dictionary.at + 4;
-    int64 from = dictionary.at;
-    Copy(from, at);
-    while (at < end)
+    Copy(dictionary.at, dictionary.at + 4);
+    CopyAggregates(dictionary.at, dictionary.at + 4, end, dictionary.path);
+    return end;
+}
+
+/// Interface ids and the records behind them, which are whole or of unknown classes. What becomes of the
+/// bytes from `from` on is told with them.
+void Salvager::CopyAggregates(int64 from, int64 first, int64 end, Place const& path)
+{
+    for (int64 at = first; at < end;)
     {
         int64 const record = at + 16;
         GUID const iid = LoadId(mContent.data() + at, mOrder);
@@ -163,19 +170,17 @@ int64 Salvager::Aggregates(Rebuilding& dictionary)
         CopyRecord(record, at);
         if (!mFinds.NameOf(record))
             continue;
-        Keep(from, record, Fate::Type::kKept, dictionary.path, "aggregates");
-        Keep(record, at, Fate::Type::kRepaired, dictionary.path + "/" + GUIDToText(iid),
-             "its class id was damaged");
+        Keep(from, record, Fate::Type::kKept, path, "aggregates");
+        Keep(record, at, Fate::Type::kRepaired, Place(path, GUIDToText(iid)), "its class id was damaged");
         from = at;
     }
-    Keep(from, end, Fate::Type::kKept, dictionary.path, "aggregates");
-    return end;
+    Keep(from, end, Fate::Type::kKept, path, "aggregates");
 }
 
-int64 Salvager::Dictionary(int64 offset, int64 limit, int depth, std::string const& path)
+Salvager::Taken Salvager::Dictionary(int64 offset, int64 limit, int depth, Place const& path)
 {
     if (std::min(limit, mFinds.NextWhole(offset, limit)) - offset < kHeader + 4)
-        return 0;
+        return {};
     Rebuilding dictionary{.offset = offset,
                           .end = EndByLength(offset, limit),
                           .limit = limit,
@@ -220,6 +225,6 @@ int64 Salvager::Dictionary(int64 offset, int64 limit, int depth, std::string con
          : words.empty() ? Fate::Type::kKept
                          : Fate::Type::kRepaired,
          path, words);
-    return end;
+    return {end, true};
 }
 } // namespace TOOL

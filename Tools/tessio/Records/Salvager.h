@@ -42,19 +42,49 @@ private:
     std::optional<KORVA::int64> EndOfAggregates(KORVA::int64 offset, KORVA::int64 limit) const;
 
     // What becomes of them.
-    void Keep(KORVA::int64 from, KORVA::int64 to, Fate::Type type, std::string path, std::string words = {});
+    void Keep(KORVA::int64 from, KORVA::int64 to, Fate::Type type, Place path, std::string words = {});
     void Copy(KORVA::int64 from, KORVA::int64 to)
     {
         mOut.Put(mContent.subspan(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
     }
-    std::string TopPath() { return "/" + std::to_string(mTop++); }
+    Place TopPath() { return Place(Place(), std::to_string(mTop++)); }
     void Unknown(KORVA::int64 from, KORVA::int64 to);
     void CopyRecord(KORVA::int64 from, KORVA::int64 to);
-    void KeepWhole(KORVA::int64 from, KORVA::int64 record, KORVA::int64 to, std::string const& path);
-    KORVA::int64 Broken(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
-    KORVA::int64 Leaf(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
-    KORVA::int64 Strings(KORVA::int64 offset, KORVA::int64 limit, std::string const& path);
-    KORVA::int64 Dictionary(KORVA::int64 offset, KORVA::int64 limit, int depth, std::string const& path);
+    void KeepWhole(KORVA::int64 from, KORVA::int64 record, KORVA::int64 to, Place const& path);
+    /// What was made of a damaged record.
+    struct Taken
+    {
+        /// Where it ends; 0 where that is not known.
+        KORVA::int64 end = 0;
+        /// Whether there is a record of it in the result.
+        bool isKept = false;
+    };
+    KORVA::int64 BrokenAtTop(KORVA::int64 offset);
+    Taken Broken(KORVA::int64 offset, KORVA::int64 limit, int depth, Place const& path);
+    Taken Leaf(KORVA::int64 offset, KORVA::int64 limit, int depth, Place const& path);
+    struct TextAt
+    {
+        /// Bytes of whole units.
+        KORVA::int64 length = 0;
+        KORVA::int64 end = 0;
+        /// Whether a writer makes such a length.
+        bool isPlain = true;
+    };
+    struct TextEntries
+    {
+        KORVA::uint32 count = 0;
+        KORVA::int64 end = 0;
+        /// Texts that are not plain.
+        KORVA::uint32 odd = 0;
+    };
+    std::optional<TextAt> LenientText(KORVA::int64 offset, KORVA::int64 stop) const;
+    TextEntries TextsFrom(KORVA::int64 offset, KORVA::int64 stop, KORVA::uint32 count, bool isLenient) const;
+    void CopyTexts(KORVA::int64 offset, TextEntries const& entries);
+    Taken Strings(KORVA::int64 offset, KORVA::int64 limit, int depth, Place const& path);
+    Taken Dictionary(KORVA::int64 offset, KORVA::int64 limit, int depth, Place const& path);
+    std::optional<KORVA::uint32> AggregatesBetween(KORVA::int64 from, KORVA::int64 to) const;
+    std::string AggregatesAnew(KORVA::int64 number, KORVA::int64 end, Place const& path);
+    void CopyAggregates(KORVA::int64 from, KORVA::int64 first, KORVA::int64 end, Place const& path);
     struct Rebuilding;
     bool Entry(Rebuilding& dictionary);
     bool Ends(Rebuilding const& dictionary);
@@ -85,7 +115,7 @@ struct Salvager::Rebuilding
     std::optional<KORVA::int64> end;
     KORVA::int64 limit = 0;
     int depth = 0;
-    std::string path;
+    Place path;
     /// Where the next key should stand.
     KORVA::int64 at = 0;
     KORVA::uint32 entries = 0;

@@ -50,7 +50,7 @@ private:
     void NewLine(int depth)
     {
         mText += '\n';
-        mText.append(2 * static_cast<std::size_t>(depth), ' ');
+        mText.append(static_cast<std::size_t>(Indent(depth)), ' ');
     }
     template <class... Arguments>
     void Add(fmt::format_string<Arguments...> format, Arguments&&... arguments)

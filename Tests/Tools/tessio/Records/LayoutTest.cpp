@@ -27,7 +27,7 @@ std::string Lines(std::vector<LayoutRow> const& rows)
     {
         if (row.isRecord)
         {
-            text += row.path + " at " + std::to_string(row.field.offset) + ", " +
+            text += row.place.Text() + " at " + std::to_string(row.field.offset) + ", " +
                     std::to_string(row.field.length) + ": " + row.field.value + "\n";
             for (TOOL::Finding const& finding : row.findings)
                 text += "! " + finding.words + "\n";
@@ -182,8 +182,8 @@ TEST(Layout, RowsOfARecordStandBehindItWithItsDepth)
 {
     for (LayoutRow const& row : Rows(kLittle, Laid(kLittle, kEvery)))
     {
-        bool const isInside = row.path.find('/', 1) != std::string::npos;
-        EXPECT_EQ(row.depth, isInside ? 1 : 0) << row.path;
+        bool const isInside = row.place.Text().find('/', 1) != std::string::npos;
+        EXPECT_EQ(row.depth, isInside ? 1 : 0) << row.place.Text();
     }
 }
 } // namespace

@@ -1,6 +1,7 @@
 // How much work salvaging takes: about as much as there is to read, whatever the shape of the file.
 #include "Failure.h"
 #include "Records/Salvage.h"
+#include "Support/HostileFiles.h"
 #include "Support/Laid.h"
 
 #include <gtest/gtest.h>
@@ -88,6 +89,23 @@ TEST(SalvageEffort, IsBoundedByTheLimitOfTheDepthOfWhatIsDamaged)
     {
         EXPECT_EQ(failure.Code(), TOOL::Exit::kLimit);
         EXPECT_STREQ(failure.what(), "the record at offset 96 is nested more than 3 deep");
+    }
+}
+
+TEST(SalvageEffort, OfRecordsMadeToOverlapIsBounded)
+{
+    Bytes const file = HostileKindNamed("OverlappingTexts").make(65536);
+    try
+    {
+        TOOL::Salvage(file, kLittle);
+        ADD_FAILURE() << "nothing was said";
+    }
+    catch (TOOL::Failure const& failure)
+    {
+        EXPECT_EQ(failure.Code(), TOOL::Exit::kLimit);
+        EXPECT_EQ(std::string(failure.what()),
+                  "it takes more than " + std::to_string(16 * file.size()) +
+                      " looks at what could be records: they overlap, as damage does not leave them");
     }
 }
 
