@@ -4,7 +4,7 @@
 #include "CoreRegistry/CoreRegistry.h"
 #include "FileIO/IFile.h"
 #include "ObjectModel/TObject.h"
-#include "TessIO/IDataProvider.h"
+#include "Support/ForwardingProvider.h"
 #include "TessIO/IDataProviderStatus.h"
 
 #include <functional>
@@ -70,11 +70,11 @@ struct Trouble
 };
 
 /// Passes everything on to another provider, and tells of trouble as a provider of files does.
-class FailingProvider final : public TObject<IO::IDataProvider>, public IO::IDataProviderStatus
+class FailingProvider final : public ForwardingProvider, public IO::IDataProviderStatus
 {
 public:
     FailingProvider(TInterfacePtr<IO::IDataProvider> below, Trouble& trouble)
-        : mBelow(std::move(below)), mTrouble(trouble)
+        : ForwardingProvider(std::move(below)), mTrouble(trouble)
     {}
 
     int64 GetLostBytes() const override { return mLost; }
@@ -87,35 +87,13 @@ public:
     }
     ErrCode FlushToDevice() override { return WriteOut(); }
 
-    void InitHandleBased(int mode) override { mBelow->InitHandleBased(mode); }
-    ErrCode InitReadOnlyMem(void const* data, int32 size) override
-    {
-        return mBelow->InitReadOnlyMem(data, size);
-    }
-    ErrCode InitURIBased(IO::IURI& uri, int mode, IO::IReporter* reporter) override
-    {
-        return mBelow->InitURIBased(uri, mode, reporter);
-    }
     OperationId Write(void const* data, std::size_t count) override
     {
         mHoldsBack = true;
-        return mBelow->Write(data, count);
+        return ForwardingProvider::Write(data, count);
     }
-    OperationId Read(void* buffer, int32& count) override { return mBelow->Read(buffer, count); }
-    ErrCode SetPosition(int64 offset, Offset origin) override { return mBelow->SetPosition(offset, origin); }
-    int64 Size() const override { return mBelow->Size(); }
-    ErrCode SetSize(int64 size) override { return mBelow->SetSize(size); }
-    int64 GetPosition() const override { return mBelow->GetPosition(); }
-    Endian GetEndian() const override { return mBelow->GetEndian(); }
-    bool IsNative() const override { return mBelow->IsNative(); }
-    void SetEndian(Endian endian) override { mBelow->SetEndian(endian); }
-    bool AtEnd() override { return mBelow->AtEnd(); }
-    ErrCode Flush() override { return mBelow->Flush(); }
-    bool GetAutoFlush() override { return mBelow->GetAutoFlush(); }
-    void SetAutoFlush(bool autoFlush) override { mBelow->SetAutoFlush(autoFlush); }
 
 private:
-    TInterfacePtr<IO::IDataProvider> mBelow;
     Trouble& mTrouble;
     int64 mLost = 0;
     bool mHoldsBack = false;

@@ -7,6 +7,7 @@
 #include "Platform/Posix/ResourceLimit.h"
 #include "SDK/Cxx/Note.h"
 #include "SDK/Cxx/StandIns.h"
+#include "Support/ForwardingProvider.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
 
@@ -37,11 +38,11 @@ protected:
 };
 
 /// A provider of files that can't be read on from some place.
-class Unreadable final : public TObject<IO::IDataProvider>, public IO::IDataProviderStatus
+class Unreadable final : public ForwardingProvider, public IO::IDataProviderStatus
 {
 public:
     Unreadable(TInterfacePtr<IO::IDataProvider> below, int64 from, int32 error)
-        : mBelow(std::move(below)), mFrom(from), mError(error)
+        : ForwardingProvider(std::move(below)), mFrom(from), mError(error)
     {}
 
     int64 GetLostBytes() const override { return 0; }
@@ -52,36 +53,13 @@ public:
     OperationId Read(void* buffer, int32& count) override
     {
         if (GetPosition() + count <= mFrom)
-            return mBelow->Read(buffer, count);
+            return ForwardingProvider::Read(buffer, count);
         mHasFailed = true;
         count = 0;
         return IO::kNoData;
     }
 
-    void InitHandleBased(int mode) override { mBelow->InitHandleBased(mode); }
-    ErrCode InitReadOnlyMem(void const* data, int32 size) override
-    {
-        return mBelow->InitReadOnlyMem(data, size);
-    }
-    ErrCode InitURIBased(IO::IURI& uri, int mode, IO::IReporter* reporter) override
-    {
-        return mBelow->InitURIBased(uri, mode, reporter);
-    }
-    OperationId Write(void const* data, std::size_t count) override { return mBelow->Write(data, count); }
-    ErrCode SetPosition(int64 offset, Offset origin) override { return mBelow->SetPosition(offset, origin); }
-    int64 Size() const override { return mBelow->Size(); }
-    ErrCode SetSize(int64 size) override { return mBelow->SetSize(size); }
-    int64 GetPosition() const override { return mBelow->GetPosition(); }
-    Endian GetEndian() const override { return mBelow->GetEndian(); }
-    bool IsNative() const override { return mBelow->IsNative(); }
-    void SetEndian(Endian endian) override { mBelow->SetEndian(endian); }
-    bool AtEnd() override { return mBelow->AtEnd(); }
-    ErrCode Flush() override { return mBelow->Flush(); }
-    bool GetAutoFlush() override { return mBelow->GetAutoFlush(); }
-    void SetAutoFlush(bool autoFlush) override { mBelow->SetAutoFlush(autoFlush); }
-
 private:
-    TInterfacePtr<IO::IDataProvider> mBelow;
     int64 mFrom;
     int32 mError;
     bool mHasFailed = false;

@@ -2,8 +2,8 @@
 // stand for the work done.
 #include "Support/HostileFiles.h"
 
-#include "ObjectModel/TObject.h"
 #include "Platform/Posix/FreshProcess.h"
+#include "Support/ForwardingProvider.h"
 #include "Support/Laid.h"
 #include "Support/Library.h"
 #include "TessIO/ClassIds.h"
@@ -23,49 +23,26 @@ using IO::IDataProvider;
 namespace fs = std::filesystem;
 
 /// Hands all on to another provider and counts.
-class CountingProvider final : public TObject<IDataProvider>
+class CountingProvider final : public ForwardingProvider
 {
 public:
-    explicit CountingProvider(IDataProvider& provider) { mProvider.Share(&provider); }
+    using ForwardingProvider::ForwardingProvider;
 
     int64 calls = 0;
     int64 bytes = 0;
 
-    void InitHandleBased(int mode) override { mProvider->InitHandleBased(mode); }
-    ErrCode InitReadOnlyMem(void const* data, int32 size) override
-    {
-        return mProvider->InitReadOnlyMem(data, size);
-    }
-    ErrCode InitURIBased(IO::IURI& uri, int mode, IO::IReporter* reporter) override
-    {
-        return mProvider->InitURIBased(uri, mode, reporter);
-    }
-    OperationId Write(void const* data, std::size_t count) override { return mProvider->Write(data, count); }
     OperationId Read(void* buffer, int32& count) override
     {
         ++calls;
-        OperationId const result = mProvider->Read(buffer, count);
+        OperationId const result = ForwardingProvider::Read(buffer, count);
         bytes += count;
         return result;
     }
-    int64 Size() const override { return mProvider->Size(); }
-    ErrCode SetSize(int64 size) override { return mProvider->SetSize(size); }
     ErrCode SetPosition(int64 offset, Offset origin) override
     {
         ++calls;
-        return mProvider->SetPosition(offset, origin);
+        return ForwardingProvider::SetPosition(offset, origin);
     }
-    int64 GetPosition() const override { return mProvider->GetPosition(); }
-    Endian GetEndian() const override { return mProvider->GetEndian(); }
-    bool IsNative() const override { return mProvider->IsNative(); }
-    void SetEndian(Endian endian) override { mProvider->SetEndian(endian); }
-    bool AtEnd() override { return mProvider->AtEnd(); }
-    ErrCode Flush() override { return mProvider->Flush(); }
-    bool GetAutoFlush() override { return mProvider->GetAutoFlush(); }
-    void SetAutoFlush(bool autoFlush) override { mProvider->SetAutoFlush(autoFlush); }
-
-private:
-    TInterfacePtr<IDataProvider> mProvider;
 };
 
 /// Counts messages and keeps none.
@@ -138,7 +115,7 @@ TEST_P(HostileFile, CostsInProportionToItsSize)
         auto const memory = COREREGISTRY::CreateObject<IDataProvider>(IO::IID_IDATAPROVIDER);
         ASSERT_EQ(memory->InitReadOnlyMem(file.data(), static_cast<int32>(size)), 0);
         TInterfacePtr<CountingProvider> counting;
-        counting.Adopt(new CountingProvider(*memory));
+        counting.Adopt(new CountingProvider(memory));
         auto const stream = MakeStream(*counting);
         CountingSink sink;
         int64 const before = MemoryOf("VmRSS");
