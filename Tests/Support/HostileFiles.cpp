@@ -122,6 +122,24 @@ Bytes OverlappingTexts(std::size_t size)
 }
 } // namespace
 
+/// A dictionary that covers the file, with a false count. In front stand pairs of a record that claims to end
+/// far behind the file, and of a dictionary that reads on from there; `behind` follows them to the end.
+Bytes ReadOnBehindFalseEnds(std::size_t pairs, std::string_view reader, std::string_view behind,
+                            std::size_t size)
+{
+    Bytes file = Laid(kLittle, "Dict 0:8 0xFFFFFFFF:4");
+    for (std::size_t i = 0; i < pairs; ++i)
+    {
+        Append(file, Laid(kLittle, "24:4 {00000000-0000-0000-0000-000000000001} 0x7FFFFFFF:8"));
+        Append(file, Laid(kLittle, "28:4 " + std::string(reader)));
+    }
+    for (uint32 key = 100; file.size() + 56 <= size; ++key)
+        Append(file, Laid(kLittle, behind.empty() ? "0:8 0:8 0:8 0:8 0:8 0:8 0:8"
+                                                  : std::to_string(key) + ":4 " + std::string(behind)));
+    StoreAt(file, 16, file.size() - kHeader, 8);
+    return file;
+}
+
 std::vector<HostileKind> const& HostileKinds()
 {
     static std::vector<HostileKind> const sKinds = {
@@ -155,6 +173,14 @@ std::vector<HostileKind> const& HostileKinds()
         {"NestedFalseLengths", &NestedFalseLengths},
         {"DeeperThanIsRead", &DeeperThanIsRead},
         {"OverlappingTexts", &OverlappingTexts},
+        {"TextsBehindFalseEnds",
+         [](std::size_t size) { return ReadOnBehindFalseEnds(280, "Strings 4:8 0xFFFFFFFF:4", "", size); }},
+        {"LeavesBehindFalseEnds",
+         [](std::size_t size) {
+             return ReadOnBehindFalseEnds(300, "Dict 4:8 0xFFFFFFFF:4",
+                                          "Value 0x7FFFFFFF:8 'S32V 7:8 7:8 0:4", size);
+         }},
+        {"FlatFalseEnds", [](std::size_t size) { return Flat("Value 0x7FFFFFFF:8 'UNNT 0:4", size); }},
         // Something to say of each of very many small things.
         {"EmptyRecords", [](std::size_t size) { return Repeated("Dict 0:8", size); }},
         {"FlatEmptyRecords", [](std::size_t size) { return Flat("Value 0:8", size); }},

@@ -68,6 +68,7 @@ ErrCode BufferedDataProvider::Init(IDataProvider& provider, int bufferSize, int 
     mBufferSize = bufferSize;
     mMode = mode;
     mDirty = false;
+    mRefused = 0;
     mBuffer.Alloc(bufferSize);
     mProvider.Reset();
     int32 const references = provider.AddRef();
@@ -108,9 +109,11 @@ void BufferedDataProvider::FlushBuffers()
 {
     if (BuffersWrites() && mDirty && mBuffer.mLength > 0)
     {
-        static_cast<void>(mProvider->SetPosition(mBuffer.mStart, kFromStart));
+        ErrCode const placed = mProvider->SetPosition(mBuffer.mStart, kFromStart);
         // Up to the cursor, not to the length: a seek back gave up what stands behind.
-        if (mProvider->Write(mBuffer.mData.get(), static_cast<std::size_t>(mBuffer.mCursor)) != kNoError)
+        OperationId const written =
+            mProvider->Write(mBuffer.mData.get(), static_cast<std::size_t>(mBuffer.mCursor));
+        if (placed != kNoError || written != kNoError)
             mRefused += mBuffer.mCursor;
         mBuffer.mStart = mProvider->GetPosition();
         mDirty = false;

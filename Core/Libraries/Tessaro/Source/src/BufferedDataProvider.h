@@ -93,7 +93,8 @@ private:
     Buffer mBuffer;
     bool8 mDirty = false;
     bool8 mAutoFlush = true;
-    /// Bytes that the wrapped provider refused when the buffer was flushed.
+    /// Bytes that the wrapped provider refused, or would not have at their place, when the buffer was
+    /// flushed.
     int64 mRefused = 0;
 };
 } // namespace KORVA::IO

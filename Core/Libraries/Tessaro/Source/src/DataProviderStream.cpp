@@ -21,9 +21,15 @@ public:
     {
         // An odd count has a last byte that belongs to no unit; the buffer must hold it all the same.
         std::size_t const units = (size + 1) / 2;
-        auto grown = std::make_unique_for_overwrite<UniChar[]>(units);
-        std::copy_n(mUnits.get(), mCount, grown.get());
-        mUnits = std::move(grown);
+        if (units > mCapacity)
+        {
+            // Twice as much, so that a text that comes in steps is not copied at each.
+            std::size_t const capacity = std::max(units, 2 * mCapacity);
+            auto grown = std::make_unique_for_overwrite<UniChar[]>(capacity);
+            std::copy_n(mUnits.get(), mCount, grown.get());
+            mUnits = std::move(grown);
+            mCapacity = capacity;
+        }
         mCount = units;
         return reinterpret_cast<unsigned char*>(mUnits.get());
     }
@@ -33,6 +39,7 @@ public:
 private:
     std::unique_ptr<UniChar[]> mUnits;
     std::size_t mCount = 0;
+    std::size_t mCapacity = 0;
 };
 
 UniChar SwapBytes(UniChar unit) { return static_cast<UniChar>((unit << 8) | (unit >> 8)); }

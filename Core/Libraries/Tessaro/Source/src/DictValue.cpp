@@ -61,8 +61,10 @@ public:
     void* Detach(std::size_t used)
     {
         constexpr std::size_t kMuch = 4096;
+        // Where the allocator can't, the larger block does as well.
         if (mSize - used >= kMuch)
-            Grow(used);
+            if (void* const smaller = std::realloc(mBlock, std::max<std::size_t>(used, 1)))
+                mBlock = smaller;
         return std::exchange(mBlock, nullptr);
     }
 
@@ -151,7 +153,7 @@ IDataProviderStream& DictValue::Write(IDataProviderStream& stream) const
     TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
     // An identifier is whole, also one that was read from a cut file: what was missing is zero.
     auto const size = mTag == ValueTag::kGUID ? sizeof(GUID) : static_cast<std::size_t>(mBufferLength);
-    if ((hasLength || mTag == ValueTag::kGUID) && provider && size > 0)
+    if ((hasLength || mTag == ValueTag::kGUID) && provider && mBuffer && size > 0)
         static_cast<void>(provider->Write(mBuffer, size));
     return stream;
 }

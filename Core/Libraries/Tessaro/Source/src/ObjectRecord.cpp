@@ -208,11 +208,13 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
             if (record.IsWorthAMessage())
                 Log(kSiteResynchronised, L"Incorrect dp position after read an IObject, currently at ",
                     position, L" should be ", end);
-            static_cast<void>(mProvider->SetPosition(end, IDataProvider::kFromStart));
+            if (record.LeadsToItsEnd())
+                static_cast<void>(mProvider->SetPosition(end, IDataProvider::kFromStart));
         }
         return *this;
     }
-    if (mProvider->SetPosition(end, IDataProvider::kFromStart) == kBadArgument && record.IsWorthAMessage())
+    if (record.LeadsToItsEnd() && mProvider->SetPosition(end, IDataProvider::kFromStart) == kBadArgument &&
+        record.IsWorthASecondMessage())
         Log(kSitePreposterous, L"Trying to set the dp position to something probably preposterous (", end,
             L") bytes from start.");
     return *this;

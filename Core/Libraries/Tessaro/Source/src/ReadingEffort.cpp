@@ -28,7 +28,8 @@ thread_local ReadingEffort::Account ReadingEffort::sAccount;
 void ReadingEffort::Account::Pass(int64 position)
 {
     readBehind += std::max<int64>(0, position - std::max(end, at));
-    at = std::max(at, position);
+    // Backwards too: where a record claims to end behind the data, the provider stays in front.
+    at = position;
 }
 
 bool ReadingEffort::Account::IsUsedUp()
@@ -60,7 +61,11 @@ void ReadingEffort::CountBytes(IDataProvider const& provider, int64 count)
 void ReadingEffort::ExpectBytes(IDataProvider const& provider, int64 count)
 {
     Account* const account = AccountOf(provider);
-    if (account && account->at + count > account->end && account->IsUsedUp())
+    if (!account || account->at + count <= account->end)
+        return;
+    // A body may have set the position back by itself.
+    account->at = provider.GetPosition();
+    if (account->at + count > account->end && account->IsUsedUp())
         Refuse();
 }
 
@@ -114,6 +119,7 @@ void ReadingEffort::Record::HasHeader(int64 position, int64 end)
         sAccount.isOpen = true;
         sAccount.start = position;
         sAccount.at = position;
+        sAccount.last = end;
     }
     else
     {
@@ -135,15 +141,24 @@ void ReadingEffort::Record::BeginBody() const
 
 bool ReadingEffort::Record::IsWorthAMessage() const
 {
-    if (!mIsBehind)
-        return true;
+    bool const endsBehind = mHasHeader && mEnd > mEndAround;
+    return (!mIsBehind && !endsBehind) || IsWorthASecondMessage();
+}
+
+bool ReadingEffort::Record::LeadsToItsEnd() const
+{
+    return mIsOutermost || mEnd <= sAccount.last || sAccount.messages <= kMostMessages;
+}
+
+bool ReadingEffort::Record::IsWorthASecondMessage() const
+{
     if (sAccount.messages > kMostMessages)
         return false;
     if (++sAccount.messages <= kMostMessages)
         return true;
     Log(kSiteNoMore,
-        L"Too many records are read from behind the end of another one. Further messages about such "
-        L"records are left out.");
+        L"Too many records are read from where none can be, or claim to end there. Further messages "
+        L"about such records are left out.");
     return false;
 }
 } // namespace KORVA::IO

@@ -38,6 +38,8 @@ class ReadingEffort
         int64 at = 0;
         /// Where the innermost record ends, or the first of those around it to end.
         int64 end = std::numeric_limits<int64>::max();
+        /// Where the outermost record ends.
+        int64 last = std::numeric_limits<int64>::max();
         int64 readBehind = 0;
         /// How much of that is allowed; negative until the provider has been asked for its size.
         int64 allowance = -1;
@@ -64,9 +66,15 @@ public:
         void HasHeader(int64 position, int64 end);
         /// The body is going to be read. Throws when nothing may be read any more where it stands.
         void BeginBody() const;
-        /// Whether a message about it is to be logged. Of records behind the end of another one only some
-        /// hundred are worth it; the last message says so.
+        /// Whether a message about it is to be logged. Of records behind the end of another one, or that
+        /// claim to end there, only some hundred are worth it; the last message says so.
         bool IsWorthAMessage() const;
+        /// The same where the provider has logged something about it already: only some hundred, of any
+        /// records.
+        bool IsWorthASecondMessage() const;
+        /// Whether the provider is to be moved to the record's end. Not to one behind the outermost record's,
+        /// once there were too many: memory refuses that, and logs it each time.
+        bool LeadsToItsEnd() const;
 
     private:
         IDataProvider const& mProvider;

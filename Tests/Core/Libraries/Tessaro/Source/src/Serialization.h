@@ -33,10 +33,10 @@ inline Logged ReadThrew() { return {kStreamSource, kReading, 341, "Object thrown
 
 inline Logged NoMoreMessages()
 {
-    return {
-        kStreamSource, kReading, 0,
-        "Too many records are read from behind the end of another one. Further messages about such records "
-        "are left out."};
+    return {kStreamSource, kReading, 0,
+            "Too many records are read from where none can be, or claim to end there. Further messages about "
+            "such "
+            "records are left out."};
 }
 
 inline Logged WriteThrew() { return {kStreamSource, kWriting, 435, "Object thrown expection during write."}; }
