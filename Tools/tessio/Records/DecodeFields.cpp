@@ -107,11 +107,31 @@ void Decoder::CheckOrder(Node& node, Node const& entry, std::set<CoreString>& se
              fmt::format("the key {} stands behind {}", Quoted(key), Quoted(before)));
 }
 
+/// How many of `count` string entries are there, by their lengths alone.
+std::size_t Decoder::StringEntriesAhead(uint32 count, int64 end) const
+{
+    int64 at = mPosition;
+    for (std::size_t texts = 0; texts < std::size_t{2} * count; ++texts)
+    {
+        if (end - at < 4)
+            return texts / 2;
+        auto const length = Load<int32>(mContent.data() + at, mOptions.order);
+        at += 4;
+        if (length < 0 || length > end - at)
+            return texts / 2;
+        at += length < 2 ? 0 : length;
+    }
+    return count;
+}
+
 void Decoder::Strings(Node& node, int64 end)
 {
     std::set<CoreString> seen;
     int64 const at = mPosition;
     auto const count = Read<uint32>(end, Role::kCount, "entries", "the number of entries");
+    // Room for all of them at once: a list that grows stands in memory twice meanwhile.
+    if (!mOptions.sound)
+        node.entries.reserve(StringEntriesAhead(count, end));
     for (uint32 i = 0; i < count; ++i)
     {
         if (end - mPosition < 8)

@@ -34,6 +34,7 @@ private:
     void ReadContent(Node& node, KORVA::int64 end, int depth);
     void Body(Node& node, KORVA::int64 end, int depth);
     void Dictionary(Node& node, KORVA::int64 end, int depth);
+    std::size_t StringEntriesAhead(KORVA::uint32 count, KORVA::int64 end) const;
     void Strings(Node& node, KORVA::int64 end);
     void CheckOrder(Node& node, Node const& entry, std::set<KORVA::STRING::CoreString>& seen);
     void Relative(Node& node, KORVA::int64 end);

@@ -118,27 +118,28 @@ Salvager::Taken Salvager::Strings(int64 offset, int64 limit, int depth, Place co
 {
     if (limit - offset < kHeader + 4)
         return {};
-    auto end = EndByLength(offset, limit);
-    if (end && !IsBoundary(*end, limit, depth))
-        end.reset();
+    // Where it ends by its own length, if that can be; else 0.
+    int64 end = 0;
+    if (auto const claimed = EndByLength(offset, limit); claimed && IsBoundary(*claimed, limit, depth))
+        end = *claimed;
     auto const count = At<uint32>(offset + kHeader);
     int64 const first = offset + kHeader + 4;
-    int64 const stop = std::min(end ? *end : limit, mFinds.NextWhole(offset, limit));
+    int64 const stop = std::min(end > 0 ? end : limit, mFinds.NextWhole(offset, limit));
     // A length below zero reads as no text. Where all that comes behind is right, it is but that length that
     // is wrong; otherwise nothing behind it can be believed.
     TextEntries entries = TextsFrom(first, stop, count, true);
-    bool const isWhole =
-        end && entries.count == count && *end - entries.end >= 4 && AggregatesBetween(entries.end + 4, *end);
+    bool const isWhole = end > 0 && entries.count == count && end - entries.end >= 4 &&
+                         AggregatesBetween(entries.end + 4, end);
     if (!isWhole)
         entries = TextsFrom(first, stop, count, false);
     if (entries.count == 0 && !isWhole)
-        return {end && mFinds.NextWhole(offset, limit) >= *end ? *end : 0, false};
+        return {mFinds.NextWhole(offset, limit) >= end ? end : 0, false};
     mOut.Begin(LoadId(mContent.data() + offset, mOrder));
     mOut.Put(entries.count);
     CopyTexts(first, entries);
     std::string words;
     if (isWhole)
-        words = AggregatesAnew(entries.end, *end, path);
+        words = AggregatesAnew(entries.end, end, path);
     else
         mOut.Put(int32{0});
     mOut.End();
@@ -150,7 +151,7 @@ Salvager::Taken Salvager::Strings(int64 offset, int64 limit, int depth, Place co
     if (isWhole)
     {
         Keep(offset, entries.end + 4, Fate::Type::kRepaired, path, words);
-        return {*end, true};
+        return {end, true};
     }
     Keep(offset, entries.end, Fate::Type::kPartial, path,
          fmt::format("{} of {} entries", entries.count, count));
