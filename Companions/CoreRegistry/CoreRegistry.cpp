@@ -118,15 +118,16 @@ private:
             auto const found = registry.Find(factory);
             if (found == registry.mFactories.end() || registry.IsClosedTo(thread, typeid(*factory)))
                 return;
-            registry.mCalls.push_back(this);
-            mFactory = *found;
             type = &typeid(*factory);
+            registry.mCalls.push_back(this);
+            mIsNoted = true;
+            mFactory = *found;
         }
         Call(Call const&) = delete;
         Call& operator=(Call const&) = delete;
         ~Call()
         {
-            if (!IsAllowed())
+            if (!mIsNoted)
                 return;
             // If this was the last reference, the code of the factory is still needed.
             mFactory.Reset();
@@ -136,7 +137,7 @@ private:
         }
 
         /// False when the factory is not to be asked.
-        bool IsAllowed() const { return type != nullptr; }
+        bool IsAllowed() const { return static_cast<bool>(mFactory); }
         IClassFactory* operator->() const { return mFactory.Get(); }
 
         std::thread::id const thread = std::this_thread::get_id();
@@ -145,6 +146,7 @@ private:
     private:
         CoreRegistry& mRegistry;
         TInterfacePtr<IClassFactory> mFactory;
+        bool mIsNoted = false;
     };
 
     Factories::iterator Find(IClassFactory const* factory)

@@ -59,8 +59,9 @@ bool PlugIn::Start(std::string& error)
     if (int const result = init(mRegistry); result != kNoError)
     {
         error = mFile + ": " + kPlugInInit + " answered " + std::to_string(result);
-        // It may have left something behind; what was there before is another's, who has it under another
-        // name.
+        // What it registered is not to be asked any more. Objects that were there before it started are those
+        // of another plug-in of the same file.
+        factories.Remove();
         if (mObjects && mObjects() <= before)
             mObject.Unload();
         mObject.LeaveLoaded();

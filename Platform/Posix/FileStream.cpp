@@ -3,6 +3,7 @@
 #include "Platform/StringServices.h"
 
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -27,6 +28,37 @@ int AccessFlags(Access access)
     }
     return O_RDONLY;
 }
+
+/// Whether the path leads to the opened file. Whoever saves replaces a file, and lets go of the old one: a
+/// lock on that is worth nothing.
+bool IsStillNamed(PathString const& path, int opened)
+{
+    struct stat own;
+    struct stat named;
+    return fstat(opened, &own) != 0 || stat(path.FileSystemRepresentation(), &named) != 0 ||
+           (own.st_dev == named.st_dev && own.st_ino == named.st_ino);
+}
+
+/// As `OpenFile`; nothing where the file was replaced before it was locked.
+std::optional<OpenResult> OpenOnce(PathString const& path, Access access, Lock lock, int& descriptor)
+{
+    int const opened = open(path.FileSystemRepresentation(), AccessFlags(access) | O_NONBLOCK | O_CLOEXEC);
+    if (opened < 0)
+        return errno == EAGAIN ? OpenResult::kLocked : OpenResult::kFailed;
+    if (lock != Lock::kNone && flock(opened, (lock == Lock::kShared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0)
+    {
+        bool const held = errno == EWOULDBLOCK;
+        close(opened);
+        return held ? OpenResult::kLocked : OpenResult::kFailed;
+    }
+    if (lock != Lock::kNone && !IsStillNamed(path, opened))
+    {
+        close(opened);
+        return std::nullopt;
+    }
+    descriptor = opened;
+    return OpenResult::kOpened;
+}
 } // namespace
 
 std::unique_ptr<PathString> PathString::From(std::u16string_view path)
@@ -39,17 +71,12 @@ std::unique_ptr<PathString> PathString::From(std::u16string_view path)
 
 OpenResult OpenFile(PathString const& path, Access access, Lock lock, int& descriptor)
 {
-    int const opened = open(path.FileSystemRepresentation(), AccessFlags(access) | O_NONBLOCK | O_CLOEXEC);
-    if (opened < 0)
-        return errno == EAGAIN ? OpenResult::kLocked : OpenResult::kFailed;
-    if (lock != Lock::kNone && flock(opened, (lock == Lock::kShared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0)
-    {
-        bool const held = errno == EWOULDBLOCK;
-        close(opened);
-        return held ? OpenResult::kLocked : OpenResult::kFailed;
-    }
-    descriptor = opened;
-    return OpenResult::kOpened;
+    constexpr int kAttempts = 10;
+    for (int attempt = 0; attempt < kAttempts; ++attempt)
+        if (std::optional<OpenResult> const result = OpenOnce(path, access, lock, descriptor))
+            return *result;
+    // Replaced again and again: others hold it all the time.
+    return OpenResult::kLocked;
 }
 
 void CloseFile(int descriptor) { close(descriptor); }
@@ -69,10 +96,11 @@ std::size_t FileStream::Write(void const* bytes, std::size_t count)
     if (mLast == Last::kRead)
         Seek(0, SEEK_CUR);
     mLast = Last::kWrite;
+    std::size_t const held = __fpending(mStream);
     std::size_t const taken = std::fwrite(bytes, 1, count, mStream);
     // The C library answers that all was taken also when it has just dropped it.
     if (std::ferror(mStream))
-        NoteLoss(taken);
+        NoteLoss(taken, held);
     else if (mPosition >= 0)
         mPosition += static_cast<std::int64_t>(taken);
     return taken;
@@ -96,10 +124,11 @@ bool FileStream::Seek(std::int64_t offset, int whence)
     // Relative to where the caller stands, not to where the bytes have come.
     std::int64_t const from = mPosition;
     bool const hasWritten = mLast == Last::kWrite;
+    std::size_t const held = __fpending(mStream);
     bool moved = fseeko(mStream, offset, whence) == 0;
     if (!moved && hasWritten && std::ferror(mStream))
     {
-        NoteLoss(0);
+        NoteLoss(0, held);
         if (whence == SEEK_CUR && from >= 0)
             moved = fseeko(mStream, from, SEEK_SET) == 0 && fseeko(mStream, offset, SEEK_CUR) == 0;
         else
@@ -123,9 +152,10 @@ bool FileStream::WriteOut()
 {
     if (mLast != Last::kWrite)
         return true;
+    std::size_t const held = __fpending(mStream);
     if (std::fflush(mStream) == 0)
         return true;
-    NoteLoss(0);
+    NoteLoss(0, held);
     return false;
 }
 
@@ -151,16 +181,19 @@ void FileStream::NoteError()
 {
     if (mFirstError == 0)
         mFirstError = errno;
+    // It is noted; the next failure is to be seen as one.
+    std::clearerr(mStream);
 }
 
 /// After a failure: what the caller was told minus where the stream has come is lost. `taken` is what the
-/// call that failed has answered.
-void FileStream::NoteLoss(std::size_t taken)
+/// call that failed has answered, `held` what was held back before.
+void FileStream::NoteLoss(std::size_t taken, std::size_t held)
 {
     NoteError();
     if (mPosition < 0)
     {
-        mLostBytes += taken;
+        // Of a file without positions nobody knows how much of it went through.
+        mLostBytes += held + taken - __fpending(mStream);
         return;
     }
     std::int64_t const told = mPosition + static_cast<std::int64_t>(taken);

@@ -28,13 +28,14 @@ bool StaysBehind(std::string_view name)
            name == "security.evm";
 }
 
-std::string ListOf(std::string const& path)
+/// Each name ends with a null character. False when they can't be told.
+bool ListNames(std::string const& path, std::string& names)
 {
     ssize_t const size = listxattr(path.c_str(), nullptr, 0);
-    std::string names(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
-    ssize_t const came = names.empty() ? 0 : listxattr(path.c_str(), names.data(), names.size());
+    names.assign(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+    ssize_t const came = names.empty() ? size : listxattr(path.c_str(), names.data(), names.size());
     names.resize(came > 0 ? static_cast<std::size_t>(came) : 0);
-    return names;
+    return came >= 0 || errno == EOPNOTSUPP;
 }
 
 bool KeepOne(std::string const& path, std::string const& name, int to)
@@ -50,7 +51,9 @@ bool KeepOne(std::string const& path, std::string const& name, int to)
 void KeepExtended(int from, int to, NotKept& notKept)
 {
     std::string const path = PathOf(from);
-    std::string const names = ListOf(path);
+    std::string names;
+    if (!ListNames(path, names))
+        notKept.emplace_back("extended attributes");
     for (std::size_t at = 0; at < names.size();)
     {
         std::string const name = names.c_str() + at;

@@ -72,22 +72,24 @@ Replacement::Replacement(std::string const& target, Temporary temporary)
     mode_t const permissions = mOld || temporary == Temporary::kUserAlone ? 0600 : 0666;
     for (int attempt = 0; attempt < kNameAttempts && !mDescriptor; ++attempt)
     {
-        std::string const name = NewName();
+        // Kept before the file is made: what throws afterwards must not leave it behind.
+        mTemporary = NewName();
         mDescriptor = Descriptor(
-            openat(mDirectory.Get(), name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
+            openat(mDirectory.Get(), mTemporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
         mError = mDescriptor ? 0 : errno;
-        if (mDescriptor)
-            mTemporary = name;
-        else if (mError != EEXIST)
+        if (!mDescriptor)
+            mTemporary.clear();
+        if (mError != EEXIST)
             break;
     }
 }
 
 Replacement::~Replacement()
 {
-    for (std::string const& name : {mTemporary, mHeldOld})
-        if (!name.empty())
-            unlinkat(mDirectory.Get(), name.c_str(), 0);
+    if (!mTemporary.empty())
+        unlinkat(mDirectory.Get(), mTemporary.c_str(), 0);
+    if (!mHeldOld.empty())
+        unlinkat(mDirectory.Get(), mHeldOld.c_str(), 0);
 }
 
 std::string Replacement::NewName() const

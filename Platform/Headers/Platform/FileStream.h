@@ -48,7 +48,8 @@ enum class OpenResult
 };
 
 /// Opens an existing file without waiting, neither for a lock nor for a peer, and takes the lock, which is
-/// held until the descriptor is closed. `descriptor` is set on `kOpened` only; the caller owns it.
+/// held until the descriptor is closed. A locked file is the one that the path names once it is locked.
+/// `descriptor` is set on `kOpened` only; the caller owns it.
 OpenResult OpenFile(PathString const& path, Access access, Lock lock, int& descriptor);
 
 void CloseFile(int descriptor);
@@ -88,8 +89,7 @@ public:
     /// The same, then waits until the content is on the device. False when either fails.
     bool FlushToDevice();
 
-    /// Bytes that were taken and that no file has. For a file without positions, those of the calls that
-    /// failed.
+    /// Bytes that were taken and that no file has. For a file without positions, all that may be lost.
     std::uint64_t LostBytes() const { return mLostBytes; }
     /// The system's number of the first failure in moving bytes; 0 when there was none.
     int FirstError() const { return mFirstError; }
@@ -108,7 +108,7 @@ private:
     FileStream(std::FILE* stream, std::int64_t position) : mStream(stream), mPosition(position) {}
 
     void NoteError();
-    void NoteLoss(std::size_t taken);
+    void NoteLoss(std::size_t taken, std::size_t held);
 
     std::FILE* mStream;
     /// Where the stream stands by all that was answered; negative for a file without positions.

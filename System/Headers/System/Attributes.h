@@ -27,8 +27,8 @@ using NotKept = std::vector<std::string>;
 /// On failure `to` is still for its user alone.
 ErrorNumber KeepAttributes(int from, int to, NotKept& notKept);
 
-/// Gives a copy the permissions and the access list of its source, but no owner and no extended attributes.
-/// Otherwise the same.
+/// Gives a copy the permissions and the access list of its source, but no owner, no group and no extended
+/// attributes: what the source's group may do, the copy's group may, as with any copy. Otherwise the same.
 ErrorNumber CopyPermissions(int from, int to, NotKept& notKept);
 
 /// Gives `to` the dates of access and modification of `from`.

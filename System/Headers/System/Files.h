@@ -29,8 +29,8 @@ ErrorNumber MakeFile(std::string const& path);
 /// Removes a file (not a directory).
 ErrorNumber RemoveFile(std::string const& path);
 
-/// Waits until the names in a directory are on the device. Where a file system can't be told to, it orders
-/// renames itself, and the answer is 0.
+/// Waits until the names in a directory are on the device. File systems that
+/// can't be told to wait order renames by themselves: 0.
 ///@{
 ErrorNumber FlushNames(Descriptor const& directory);
 ErrorNumber FlushDirectoryOf(std::string const& path);

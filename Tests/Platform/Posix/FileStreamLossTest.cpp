@@ -12,6 +12,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -224,6 +225,29 @@ TEST(FullyDeliveredPipe, LosesNothing)
     char read[3] = {};
     EXPECT_EQ(::read(ends[0], read, 3), 3);
     close(ends[0]);
+}
+/// A pipe with nobody who reads takes some bytes, and then none; emptied, it takes them again.
+TEST(FullPipe, LosesWhatItWasGivenAndNoMore)
+{
+    TemporaryDirectory const directory;
+    fs::path const path = directory.Path() / "pipe";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    int const descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(descriptor, 0);
+    std::string const page(4'096, 'x');
+    while (write(descriptor, page.data(), page.size()) > 0)
+    {}
+    auto const stream = FileStream::Over(descriptor, "r+b");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(stream->Write("0123456789", 10), 10u);
+    EXPECT_FALSE(stream->WriteOut());
+    EXPECT_EQ(stream->LostBytes(), 10u);
+    EXPECT_EQ(stream->FirstError(), EAGAIN);
+    std::string emptied(1 << 20, ' ');
+    EXPECT_GT(read(descriptor, emptied.data(), emptied.size()), 0);
+    EXPECT_EQ(stream->Write("abc", 3), 3u);
+    EXPECT_TRUE(stream->WriteOut());
+    EXPECT_EQ(stream->LostBytes(), 10u);
 }
 } // namespace
 } // namespace KORVA::TESTS

@@ -147,9 +147,8 @@ Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& op
 ///
 /// - `kFileNotFound`; `kNotAFile`; `kOpenRefused` (no permission, say); `kLocked` where the scheme looks at
 ///   locks: local files are read whoever has them open for writing;
-/// - `kDeviceFailed`; `kOutOfResources`, for memory too; `kFileSystemFailed`, with the system's words:
-/// nothing
-///   is said of the file then;
+/// - `kDeviceFailed`; `kOutOfResources`, for memory too; `kFileSystemFailed`, with the system's words.
+///   Nothing is said of the file then;
 /// - `kNotARecord`, an empty file included; `kTruncated`;
 /// - `kUnknownClass`, with its id in the message; `kNotPersistent`; `kOtherClass`, when its objects are no
 ///   `T`: nothing of it has been read then;

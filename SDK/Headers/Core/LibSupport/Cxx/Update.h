@@ -71,7 +71,9 @@ Result<void> UpdateFile(std::filesystem::path const& path, Change&& change, Load
 /// nobody set, and whoever comes second is told.
 ///
 /// `change` is called once, on this thread, and should be short: others wait for half a minute, then they get
-/// `kLocked`. So does `change` itself when it saves to the same file.
+/// `kLocked`. A `change` that saves to the same file waits for itself and gets `kLocked`. Nothing of this
+/// holds against others that make, remove or rename the file meanwhile by other means, `File::Create` among
+/// them.
 template <HandleType T, ChangeOf<T> Change>
 Result<void> Update(std::filesystem::path const& path, Change&& change, LoadOptions const& options = {})
 {

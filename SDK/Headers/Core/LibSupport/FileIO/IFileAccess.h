@@ -30,8 +30,9 @@ public:
     ///
     /// The lock is that of the name. A file that is replaced is another one afterwards, so whoever waited for
     /// the old one waits for the new one. Where no file of that name is there yet, its directory is locked
-    /// instead, until there is one. Hold the lock from before the file is read until it has been replaced,
-    /// and nothing that another holder wrote is lost.
+    /// instead, as long as the lock is held. Hold the lock from before the file is read until it has been
+    /// replaced, and nothing that another holder wrote is lost. Whoever makes, removes or renames the file by
+    /// other means takes no part in this: then two may hold locks of one name.
     ///
     /// Waits up to `waitMilliseconds` for who has opened the file with a lock, and thirty times as long for
     /// others that hold a lock of this kind: they save, and may have to wait for the disk. 0; 93 it is still

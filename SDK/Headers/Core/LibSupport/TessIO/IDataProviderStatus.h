@@ -27,8 +27,8 @@ public:
     virtual int64 GetLostBytes() const = 0;
 
     /// The system's number (`errno`) of the first failure in reading, writing or flushing since the provider
-    /// was initialised; 0 when there was none. It tells a file that can't be read from one that has ended:
-    /// `Read` answers 3 for both.
+    /// was    /// initialised, those of `ReadAsync` and `WriteAsync` excepted; 0 when there was none. It
+    /// tells a file that can't be read from one that has ended: `Read` answers 3 for both.
     virtual int32 GetSystemError() const = 0;
 
     /// Hands all that is held back to the system, so that every other reader of the file sees it. 0 when
@@ -36,7 +36,8 @@ public:
     virtual ErrCode WriteOut() = 0;
 
     /// The same, then waits until the file's content is on the device. 2 also when the device fails. What no
-    /// device holds (a terminal, memory) is there at once.
+    /// device holds (a terminal, memory) is there at once. A buffered provider over one of others' make can
+    /// do no more than that one's `Flush`.
     virtual ErrCode FlushToDevice() = 0;
 
 protected:
