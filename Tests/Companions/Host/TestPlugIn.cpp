@@ -14,6 +14,7 @@ enum class Kind
 {
     kFirst,
     kSecond,
+    /// Registers its factory, and refuses to start then.
     kRefusing,
     /// Keeps an object when it is shut down.
     kLeaving,
@@ -70,11 +71,10 @@ void Note(char const* what)
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     Note("init");
-    if (kKind == Kind::kRefusing)
-        return 42;
     sRegistry = registry;
     sFactory = new Factory;
-    return registry->RegisterFactory(sFactory);
+    int const result = registry->RegisterFactory(sFactory);
+    return kKind == Kind::kRefusing ? 42 : result;
 }
 
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
