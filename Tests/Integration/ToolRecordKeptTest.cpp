@@ -38,15 +38,23 @@ protected:
     }
 };
 
+/// HERE stands for the directory's path.
 struct OntoRow
 {
     char const* name;
     std::vector<std::string> arguments;
-    char const* err;
+    std::string err;
 };
 
 class ToolRecordOnto : public ToolRecordKept, public ::testing::WithParamInterface<OntoRow>
 {
+protected:
+    std::string Here(std::string text) const
+    {
+        if (std::size_t const at = text.find("HERE"); at != std::string::npos)
+            text.replace(at, 4, directory.Path().string());
+        return text;
+    }
 };
 
 TEST_P(ToolRecordOnto, IsRefused)
@@ -56,7 +64,12 @@ TEST_P(ToolRecordOnto, IsRefused)
     fs::create_symlink("f", Path("l"));
     fs::create_hard_link(Path("f"), Path("h"));
     fs::create_symlink("t", Path("s"));
-    Fails(GetParam().arguments, 2, std::string("tessio: ") + GetParam().err);
+    fs::create_symlink("new", Path("d"));
+    std::vector<std::string> arguments;
+    for (std::string const& argument : GetParam().arguments)
+        arguments.push_back(Here(argument));
+    Fails(arguments, 2, "tessio: " + Here(GetParam().err));
+    EXPECT_FALSE(fs::exists(Path("new")));
     EXPECT_EQ(Content(Path("f")), content);
     EXPECT_EQ(Content(Path("t")), "tessio-dump 1 little-endian\n");
 }
@@ -84,6 +97,30 @@ INSTANTIATE_TEST_SUITE_P(
         OntoRow{"SetOntoTheRecordsFile",
                 {"set", "t", "/0", "record", "f", "-o", "f"},
                 "\"f\" is the file itself, which is only read\n"},
+        OntoRow{"SetOntoTheValuesFile",
+                {"set", "f", "/0/1", "file", "t", "-o", "t"},
+                "\"t\" is the file itself, which is only read\n"},
+        OntoRow{"PageOntoAFileNamedByAURL",
+                {"tree", "file://HERE/f", "--html", "f"},
+                "\"f\" is the file itself, which is only read\n"},
+        OntoRow{"PageNamedByAURL",
+                {"verify", "f", "--html", "file://HERE/f"},
+                "\"file://HERE/f\" is the file itself, which is only read\n"},
+        OntoRow{"DumpOntoAURLWithAHost",
+                {"dump", "f", "-o", "file://localhostHERE/f"},
+                "\"file://localhostHERE/f\" is the file itself, which is only read\n"},
+        OntoRow{"ConvertOntoAURL",
+                {"convert", "f", "--endian", "big", "-o", "file://HERE/f"},
+                "\"file://HERE/f\" is the file itself: use --in-place, which keeps \"f~\"\n"},
+        OntoRow{"ReportOntoADamagedFileNamedByAURL",
+                {"salvage", "file://HERE/f", "-o", "r", "--report", "f"},
+                "\"f\" is the file itself, which is only read\n"},
+        OntoRow{"ReportOntoResultByAURL",
+                {"salvage", "f", "-o", "r", "--report", "file://HERE/r"},
+                "result and report can't both be \"r\"\n"},
+        OntoRow{"ReportOntoResultByALinkToNothingYet",
+                {"salvage", "f", "-o", "new", "--report", "d"},
+                "result and report can't both be \"new\"\n"},
         OntoRow{"ReportOntoResultByAnotherName",
                 {"salvage", "f", "-o", "r", "--report", "./r"},
                 "result and report can't both be \"r\"\n"},
@@ -94,6 +131,41 @@ INSTANTIATE_TEST_SUITE_P(
                 {"salvage", "f", "-o", "r", "--report", "r"},
                 "result and report can't both be \"r\"\n"}),
     RowName());
+
+TEST_F(ToolRecordKept, StandardInputIsAFileThatIsReadToo)
+{
+    std::string const content = Put("f", kSeven);
+    TESTS::Outcome const run =
+        TESTS::RunProgram({"/bin/sh", "-c", std::string(TESSIO_BINARY_DIR "/bin/tessio tree - --html f <f")},
+                          directory.Path().string());
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(Content(Path("f")), content);
+}
+
+TEST_F(ToolRecordKept, TwoNamesOfOneFileAreNotEditedInPlace)
+{
+    std::string const content = Put("f", kSeven);
+    fs::create_symlink("f", Path("f~"));
+    Fails({"set", "f", "/0/1", "int32", "8", "-i"}, 3,
+          "tessio: cannot keep \"f~\": it leads to \"f\" itself; nothing is changed\n");
+    EXPECT_EQ(Content(Path("f")), content);
+    EXPECT_TRUE(fs::is_symlink(Path("f~")));
+}
+
+/// Whoever is told that the edit is done finds it in the file, whatever others do at the same time.
+TEST_F(ToolRecordKept, EditsAtOnceLoseNothingThatWasToldAsDone)
+{
+    Put("f", kSeven);
+    std::string const script =
+        "for p in 1 2 3 4; do (for i in 1 2 3 4 5 6 7 8; do "
+        "if " TESSIO_BINARY_DIR "/bin/tessio set f /0/$((p * 100 + i)) int32 1 -i 2>/dev/null; "
+        "then echo $((p * 100 + i)) >>done.$p; fi; done) & done; wait; "
+        "for k in $(cat done.*); do " TESSIO_BINARY_DIR
+        "/bin/tessio get f /0/$k >/dev/null || echo lost $k; done";
+    TESTS::Outcome const run = TESTS::RunProgram({"/bin/sh", "-c", script}, directory.Path().string());
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.exitCode, 0);
+}
 
 TEST_F(ToolRecordKept, TheCopyOfAPrivateFileIsPrivate)
 {

@@ -24,8 +24,8 @@ struct Arguments
 
 void Dump(Common const& common, Arguments const& arguments)
 {
-    CheckOther(arguments.out, arguments.source.file);
     Session const session(common);
+    CheckOther(session, arguments.out, arguments.source.file);
     Document const document = LoadDocument(session, common, arguments.source);
     std::string const format = common.json ? "json" : arguments.format;
     std::string text;
@@ -47,8 +47,8 @@ void Dump(Common const& common, Arguments const& arguments)
 void Build(Common const& common, Arguments const& arguments)
 {
     std::string const& file = arguments.source.file;
-    CheckOther(arguments.out, file);
     Session const session(common);
+    CheckOther(session, arguments.out, file);
     Bytes const content = ReadInput(session, common, file);
     std::string_view const text(reinterpret_cast<char const*>(content.data()), content.size());
     std::size_t const start = text.find_first_not_of(" \t\r\n");

@@ -127,10 +127,10 @@ Bytes NewContent(Session const& session, Common const& common, Arguments const& 
 void Set(Common const& common, Arguments const& arguments)
 {
     static_cast<void>(PathArgument(arguments.path));
-    CheckTarget(arguments.target, arguments.source.file);
-    if (arguments.type == "record")
-        CheckOther(arguments.target.out, arguments.value);
     Session const session(common);
+    CheckTarget(session, arguments.target, arguments.source.file);
+    if ((arguments.type == "record" || arguments.type == "file") && !arguments.target.inPlace)
+        CheckOther(session, arguments.target.out, arguments.value);
     Document const document = LoadDocument(session, common, arguments.source);
     Bytes const content = NewContent(session, common, arguments, document.tree.order);
     WriteTarget(session, arguments.target, document,
@@ -139,8 +139,8 @@ void Set(Common const& common, Arguments const& arguments)
 
 void Convert(Common const& common, Arguments const& arguments)
 {
-    CheckTarget(arguments.target, arguments.source.file);
     Session const session(common);
+    CheckTarget(session, arguments.target, arguments.source.file);
     Document const document = LoadDocument(session, common, {arguments.source.file, ""});
     Order const order = *OrderArgument(arguments.order);
     WriteTarget(session, arguments.target, document,
@@ -149,9 +149,9 @@ void Convert(Common const& common, Arguments const& arguments)
 
 void Extract(Common const& common, Arguments const& arguments)
 {
-    CheckOther(arguments.target.out, arguments.source.file);
     static_cast<void>(PathArgument(arguments.path));
     Session const session(common);
+    CheckOther(session, arguments.target.out, arguments.source.file);
     Document const document = LoadDocument(session, common, arguments.source);
     Node const& node = NodeAt(document.tree, arguments.path, document.file);
     if (arguments.raw)
@@ -165,8 +165,8 @@ void Extract(Common const& common, Arguments const& arguments)
 
 void RemovePlace(Common const& common, std::string const& file, std::string const& path, Target const& target)
 {
-    CheckTarget(target, file);
     Session const session(common);
+    CheckTarget(session, target, file);
     Document const document = LoadDocument(session, common, {file, ""});
     WriteTarget(session, target, document, WithoutPlace(document, path, ProofBy(session)));
 }

@@ -1,5 +1,6 @@
 #include "RecordFile.h"
 
+#include "DirectoryLock.h"
 #include "Failure.h"
 #include "Location.h"
 #include "ObjectModel/GUIDText.h"
@@ -11,15 +12,7 @@
 
 #include <fmt/format.h>
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <chrono>
-#include <filesystem>
-#include <thread>
 
 namespace TOOL
 {
@@ -30,8 +23,6 @@ using IO::IDataProviderStream;
 namespace
 {
 constexpr std::size_t kLargestFile = 2147483647;
-constexpr int kLockAttempts = 500;
-constexpr std::chrono::milliseconds kLockPause{20};
 
 /// The object of the first record in `content`, which is borrowed for the call alone; null when there is
 /// none.
@@ -48,39 +39,6 @@ TInterfacePtr<IObject> FirstObject(Session const& session, std::span<unsigned ch
     return object;
 }
 } // namespace
-
-/// The lock on a file goes with the file, and saving puts a new one in its place; the directory stays.
-class RecordFile::DirectoryLock
-{
-public:
-    DirectoryLock(std::filesystem::path const& file, std::string const& location)
-    {
-        std::error_code error;
-        std::filesystem::path const directory =
-            std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error).parent_path();
-        mDescriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        for (int attempt = 0; mDescriptor >= 0 && flock(mDescriptor, LOCK_EX | LOCK_NB) != 0; ++attempt)
-        {
-            // Where directories can't be locked, the comparison before saving must do.
-            if (errno != EWOULDBLOCK)
-                return;
-            if (attempt == kLockAttempts)
-                throw Failure(Exit::kInputOutput, "cannot open " + Quoted(location) +
-                                                      ": its directory is locked by another process");
-            std::this_thread::sleep_for(kLockPause);
-        }
-    }
-    DirectoryLock(DirectoryLock const&) = delete;
-    DirectoryLock& operator=(DirectoryLock const&) = delete;
-    ~DirectoryLock()
-    {
-        if (mDescriptor >= 0)
-            close(mDescriptor);
-    }
-
-private:
-    int mDescriptor = -1;
-};
 
 RecordFile::RecordFile(Session const& session, std::string location, GUID const& classId, Use use)
     : mSession(session), mLocation(std::move(location))

@@ -13,6 +13,8 @@
 
 namespace TOOL
 {
+class DirectoryLock;
+
 /// Loads the first record of a file as an object, and writes it back among the other records, which keep
 /// their bytes. While it is open for editing, others can't open the file for writing, and other runs of the
 /// tool wait.
@@ -45,7 +47,6 @@ private:
     void Load(GUID const& classId, Use use);
 
     /// Keeps other runs of the tool from editing files of the same directory meanwhile.
-    class DirectoryLock;
 
     Session const& mSession;
     std::string mLocation;

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "JsonPrinter.h"
 #include "Location.h"
+#include "OneFile.h"
 #include "Output.h"
 #include "Records/Document.h"
 #include "Records/FileOrder.h"
@@ -13,7 +14,6 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <filesystem>
 #include <memory>
 
 namespace TOOL
@@ -31,15 +31,6 @@ struct Arguments
     std::string out;
     std::string report;
 };
-
-/// Whether writing the one would replace the other. Neither need be there.
-bool AreOneFile(std::string const& a, std::string const& b)
-{
-    std::error_code error;
-    return a == b || std::filesystem::equivalent(a, b, error) ||
-           std::filesystem::weakly_canonical(std::filesystem::absolute(a), error) ==
-               std::filesystem::weakly_canonical(std::filesystem::absolute(b), error);
-}
 
 int64 BytesOf(Salvaged const& salvaged, Fate::Type type)
 {
@@ -114,15 +105,18 @@ Salvaged SalvageFile(Bytes const& content, std::string const& file, Order order,
 void Run(Common const& common, Arguments const& arguments)
 {
     std::string const& file = arguments.source.file;
-    // The damaged file may be all that is left.
-    CheckOther(arguments.out, file);
-    CheckOther(arguments.report, file);
-    if (!arguments.report.empty() && arguments.out != "-" && AreOneFile(arguments.report, arguments.out))
-        throw Failure(Exit::kUsage, "result and report can't both be " + Quoted(arguments.out));
     if (arguments.out == "-" && (arguments.report.empty() || arguments.report == "-"))
         throw Failure(Exit::kUsage,
                       "only one of result and report can go to standard output: name a file with --report");
     Session const session(common);
+    // The damaged file may be all that is left.
+    CheckOther(session, arguments.out, file);
+    if (!arguments.report.empty() && arguments.report != "-")
+    {
+        CheckOther(session, arguments.report, file);
+        if (arguments.out != "-" && AreOneFile(session, arguments.report, arguments.out))
+            throw Failure(Exit::kUsage, "result and report can't both be " + Quoted(arguments.out));
+    }
     Bytes const content = ReadInput(session, common, file);
     std::optional<Order> const order = OrderArgument(arguments.source.endian);
     auto const size = static_cast<int64>(content.size());

@@ -1,14 +1,15 @@
 #include "Target.h"
 
+#include "DirectoryLock.h"
 #include "Failure.h"
 #include "Location.h"
+#include "OneFile.h"
 #include "Output.h"
 #include "Saving.h"
 #include "System/Replacement.h"
 #include "System/Transfer.h"
 
 #include <cerrno>
-#include <filesystem>
 
 namespace TOOL
 {
@@ -20,23 +21,21 @@ void AddTarget(Command const& command, Target& target)
         .Excludes(out);
 }
 
-void CheckTarget(Target const& target, std::string const& file)
+void CheckTarget(Session const& session, Target const& target, std::string const& file)
 {
     if (target.out.empty() && !target.inPlace)
         throw Failure(Exit::kUsage,
                       "say where the result goes: -o OUT, or --in-place, which keeps " + Quoted(file + "~"));
     if (target.inPlace && file == "-")
         throw Failure(Exit::kUsage, "standard input can't be changed in place");
-    std::error_code error;
-    if (!target.inPlace && target.out != "-" && std::filesystem::equivalent(target.out, file, error))
+    if (!target.inPlace && target.out != "-" && AreOneFile(session, target.out, file))
         throw Failure(Exit::kUsage, Quoted(target.out) + " is the file itself: use --in-place, which keeps " +
                                         Quoted(file + "~"));
 }
 
-void CheckOther(std::string const& out, std::string const& file)
+void CheckOther(Session const& session, std::string const& out, std::string const& file)
 {
-    std::error_code error;
-    if (out != "-" && std::filesystem::equivalent(out, file, error))
+    if (out != "-" && AreOneFile(session, out, file))
         throw Failure(Exit::kUsage, Quoted(out) + " is the file itself, which is only read");
 }
 
@@ -73,6 +72,10 @@ void ReplaceInPlace(Session const& session, Document const& document, Bytes cons
 {
     std::string const kept = document.file + "~";
     std::string const path = SystemPathOf(session, document.file);
+    // Links can make two names of one: the kept would go with the replaced.
+    if (LeadToOneName(path, path + "~"))
+        throw Failure(Exit::kInputOutput, "cannot keep " + Quoted(kept) + ": it leads to " +
+                                              Quoted(document.file) + " itself; nothing is changed");
     HeldInterrupts const held;
     NotKept notKept;
     NotKept notKeptOfOld;
@@ -82,6 +85,7 @@ void ReplaceInPlace(Session const& session, Document const& document, Bytes cons
         CannotWrite(document.file, ENOENT, "nothing is changed");
     Prepare(old, kept, document.content, file.Old(), notKeptOfOld);
     Prepare(file, document.file, content, -1, notKept);
+    DirectoryLock const lock(path, document.file);
     if (ReadWhole(session, *OpenToRead(session, document.file), document.file) != document.content)
         throw Failure(Exit::kInputOutput,
                       Quoted(document.file) +

@@ -21,10 +21,10 @@ struct Target
 void AddTarget(Command const& command, Target& target);
 
 /// Ends the command unless it is said where the result of changing `file` goes.
-void CheckTarget(Target const& target, std::string const& file);
+void CheckTarget(Session const& session, Target const& target, std::string const& file);
 
 /// Ends the command when the output is a file that is read.
-void CheckOther(std::string const& out, std::string const& file);
+void CheckOther(Session const& session, std::string const& out, std::string const& file);
 
 /// Writes the result. In place, the file must still be what was read, and "FILE~" keeps it.
 void WriteTarget(Session const& session, Target const& target, Document const& document,

@@ -82,8 +82,8 @@ void Run(Common const& common, Arguments const& arguments)
 {
     if (!arguments.path.empty())
         static_cast<void>(PathArgument(arguments.path));
-    CheckOther(arguments.page, arguments.source.file);
     Session const session(common);
+    CheckOther(session, arguments.page, arguments.source.file);
     Source source = arguments.source;
     if (arguments.bigEndian)
         source.endian = "big";

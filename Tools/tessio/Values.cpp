@@ -6,16 +6,17 @@
 #include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "RelativeNames.h"
+#include "Saving.h"
+#include "System/Files.h"
+#include "System/Transfer.h"
 #include "TessIO/ClassIds.h"
 
 #include <fmt/format.h>
 
 #include <bit>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 
 namespace TOOL
@@ -91,16 +92,25 @@ std::vector<unsigned char> HexBytes(std::string const& text)
 
 std::vector<unsigned char> FileBytes(std::string const& name)
 {
-    std::error_code error;
-    if (std::filesystem::file_size(name, error) > static_cast<std::size_t>(std::numeric_limits<int>::max()) &&
-        !error)
-        throw Failure(Exit::kUsage, Quoted(name) + ": a byte string holds 2147483647 bytes at most");
-    std::ifstream file(name, std::ios::binary);
+    constexpr std::size_t kStep = std::size_t{1} << 20;
+    constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<int>::max());
+    SYSTEM::ErrorNumber error = 0;
+    SYSTEM::Descriptor const file = SYSTEM::OpenFile(name, SYSTEM::Access::kRead, error);
     if (!file)
-        throw Failure(Exit::kInputOutput, "cannot open " + Quoted(name) + ": no such file, or no permission");
-    std::vector<unsigned char> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (file.bad())
-        throw Failure(Exit::kInputOutput, "cannot read " + Quoted(name));
+        throw Failure(error == ENOENT || error == ENOTDIR ? Exit::kNotFound : Exit::kInputOutput,
+                      "cannot open " + Quoted(name) + ": " + WordsOf(error));
+    std::vector<unsigned char> bytes;
+    std::size_t came = kStep;
+    while (came == kStep)
+    {
+        std::size_t const before = bytes.size();
+        if (before > kMost)
+            throw Failure(Exit::kUsage, Quoted(name) + ": a byte string holds 2147483647 bytes at most");
+        bytes.resize(before + kStep);
+        if ((error = SYSTEM::ReadAll(file.Get(), bytes.data() + before, came)) != 0)
+            throw Failure(Exit::kInputOutput, "cannot read " + Quoted(name) + ": " + WordsOf(error));
+        bytes.resize(before + came);
+    }
     return bytes;
 }
 

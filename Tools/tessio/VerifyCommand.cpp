@@ -135,8 +135,8 @@ void PrintFindings(Findings const& findings, std::string const& file, Tally cons
 
 void Verify(Common const& common, Arguments const& arguments)
 {
-    CheckOther(arguments.page, arguments.source.file);
     Session const session(common);
+    CheckOther(session, arguments.page, arguments.source.file);
     Document const document = LoadDocument(session, common, arguments.source);
     Findings const findings = AllFindings(document.tree);
     Tally const tally = TallyOf(document.tree, findings);
