@@ -191,7 +191,8 @@ std::string Resolve(std::string const& file, std::string const& header)
 {
     fs::path const root = TESSIO_SOURCE_DIR;
     std::string const beside = fs::path(file).parent_path().string();
-    std::vector<std::string> roots{beside, kSDK, "Platform/Headers", "System/Headers", kLibrary, "Tools/tessio"};
+    std::vector<std::string> roots{beside,           kSDK,     "Platform/Headers",
+                                   "System/Headers", kLibrary, "Tools/tessio"};
     for (std::string const& start : roots)
     {
         fs::path const candidate = (fs::path(start) / header).lexically_normal();
@@ -231,7 +232,8 @@ std::vector<Include> const& Includes()
     static std::vector<Include> const sIncludes = [] {
         std::regex const include(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
         std::vector<Include> all;
-        for (char const* const folder : {"SDK", "Core", "Platform", "System", "Companions", "Tools", "Examples"})
+        for (char const* const folder :
+             {"SDK", "Core", "Platform", "System", "Companions", "Tools", "Examples"})
             for (fs::path const& file : SourcesBelow(folder))
                 for (std::string const& line : LinesOf(file))
                     if (std::smatch match; std::regex_search(line, match, include))
