@@ -18,8 +18,8 @@ constexpr std::size_t kMaxLines = 600;
 std::vector<fs::path> AllSources()
 {
     std::vector<fs::path> all;
-    for (char const* const folder :
-         {"SDK", "Core", "Platform", "System", "Companions", "Tools", "Examples", "Tests", "Fuzz", "Benchmarks"})
+    for (char const* const folder : {"SDK", "Core", "Platform", "System", "Companions", "Tools", "Examples",
+                                     "Tests", "Fuzz", "Benchmarks"})
         for (fs::path const& file : SourcesBelow(folder))
             all.push_back(file);
     return all;
