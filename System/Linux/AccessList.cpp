@@ -16,8 +16,8 @@ constexpr std::size_t kEntry = 8;
 /// Larger than any list that a file system takes.
 constexpr std::size_t kMost = 65536;
 
+// Whom an entry is for. Named users (2) are nowhere treated by themselves.
 constexpr unsigned kOwner = 0x01;
-constexpr unsigned kNamedUser = 0x02;
 constexpr unsigned kGroup = 0x04;
 constexpr unsigned kNamedGroup = 0x08;
 constexpr unsigned kMask = 0x10;
