@@ -3,6 +3,7 @@
 #include "CoreRegistry/ICoreRegistry.h"
 #include "ObjectModel/ClassFactory.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <fstream>
 
@@ -32,6 +33,11 @@ constexpr GUID kNeverMade = TESTS::ClassOf(kNumber, TESTS::kMeetingOnly);
 
 COREREGISTRY::ICoreRegistry* sRegistry = nullptr;
 IClassFactory* sFactory = nullptr;
+/// What is left behind on purpose, so that it is not taken for forgotten. The code stays with it.
+IObject* sLeft[8];
+std::size_t sLeftCount = 0;
+
+void Leave(IObject* object) { sLeft[sLeftCount++ % 8] = object; }
 
 class Thing final : public TObject<IObject>
 {
@@ -80,10 +86,15 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     Note("shutdown");
-    if (kKind == Kind::kForgetful || !sFactory)
+    if (!sFactory)
         return 0;
+    if (kKind == Kind::kForgetful)
+    {
+        Leave(sFactory);
+        return 0;
+    }
     if (kKind == Kind::kLeaving)
-        static_cast<void>(*new Thing);
+        Leave(new Thing);
     int const result = registry->UnregisterFactory(sFactory);
     sFactory->Release();
     sFactory = nullptr;
