@@ -59,9 +59,8 @@ bool PlugIn::Start(std::string& error)
     if (int const result = init(mRegistry); result != kNoError)
     {
         error = mFile + ": " + kPlugInInit + " answered " + std::to_string(result);
-        // What it registered is not to be asked any more. Objects that were there before it started are those
-        // of another plug-in of the same file.
-        factories.Remove();
+        // It may have left something behind. What was there before belongs to another plug-in: the same file,
+        // loaded under another name.
         if (mObjects && mObjects() <= before)
             mObject.Unload();
         mObject.LeaveLoaded();

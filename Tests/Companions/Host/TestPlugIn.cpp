@@ -15,7 +15,6 @@ enum class Kind
 {
     kFirst,
     kSecond,
-    /// Registers its factory, and refuses to start then.
     kRefusing,
     /// Keeps an object when it is shut down.
     kLeaving,
@@ -77,10 +76,11 @@ void Note(char const* what)
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     Note("init");
+    if (kKind == Kind::kRefusing)
+        return 42;
     sRegistry = registry;
     sFactory = new Factory;
-    int const result = registry->RegisterFactory(sFactory);
-    return kKind == Kind::kRefusing ? 42 : result;
+    return registry->RegisterFactory(sFactory);
 }
 
 extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
