@@ -1,14 +1,14 @@
 // Reading a cached file at explicit positions: the asynchronous reader of a file-based provider against the
 // system's positional read and against a loop with a thread pool of the same width. Compare the rows of one
 // group within one run.
-#include "CoreRegistry/CoreRegistry.h"
-#include "Host/Host.h"
 #include "Peers/LoopReader.h"
 #include "Peers/PlainFile.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/FilePaths.h"
-#include "TessIO/IAsyncReader.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/Host.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/FilePaths.h>
+#include <tessio/TessIO/IAsyncReader.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <benchmark/benchmark.h>
 

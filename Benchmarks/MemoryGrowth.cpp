@@ -1,10 +1,10 @@
 // Appending in small writes: the memory-handle provider through its facade against realloc with the same
 // step. Compare the two rows of one size for the factor, and the bytes per second of all sizes for linearity.
-#include "CoreRegistry/CoreRegistry.h"
 #include "Peers/ReallocBuffer.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProvider.h"
-#include "TessIO/TessIO.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProvider.h>
+#include <tessio/TessIO/TessIO.h>
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
-#include "CoreRegistry/CoreRegistry.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
 
-#include "CoreRegistry/IFactoryGate.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/CoreRegistry/IFactoryGate.h>
+#include <tessio/ObjectModel/TObject.h>
 
 #include <algorithm>
 #include <condition_variable>

@@ -1,4 +1,4 @@
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>

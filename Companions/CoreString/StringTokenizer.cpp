@@ -1,4 +1,4 @@
-#include "CoreString/StringTokenizer.h"
+#include <tessio/CoreString/StringTokenizer.h>
 
 namespace KORVA::STRING
 {

@@ -1,14 +1,14 @@
 #include "File.h"
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Descriptor.h"
-#include "FileIO/ICopyProgress.h"
 #include "FileStatus.h"
-#include "Logger/LogSite.h"
 #include "System/CopyFile.h"
 #include "System/Files.h"
 #include "System/Replacement.h"
 #include "SystemPath.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/FileIO/ICopyProgress.h>
+#include <tessio/Logger/LogSite.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,8 +1,8 @@
 // The file object on the real file system.
 #pragma once
 
-#include "FileIO/IFile.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/FileIO/IFile.h>
+#include <tessio/ObjectModel/TObject.h>
 
 #include <string>
 

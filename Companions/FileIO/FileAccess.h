@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Descriptor.h"
-#include "FileIO/IFileAccess.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/FileIO/IFileAccess.h>
+#include <tessio/ObjectModel/TObject.h>
 
 namespace KORVA::FILE_SYS
 {

@@ -1,8 +1,8 @@
 // From the system's error numbers to the library's statuses.
 #pragma once
 
-#include "FileIO/IFile.h"
 #include "System/ErrorNumber.h"
+#include <tessio/FileIO/IFile.h>
 
 namespace KORVA::FILE_SYS
 {

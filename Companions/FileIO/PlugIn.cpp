@@ -1,9 +1,10 @@
 // Entry points of the file-system companion: a host loads it like a plug-in.
-#include "CoreRegistry/ICoreRegistry.h"
 #include "File.h"
 #include "FileAccess.h"
-#include "ObjectModel/ClassFactory.h"
 #include "SystemDirContainer.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/Export.h>
 
 namespace
 {
@@ -17,7 +18,7 @@ using FileFactory =
 IClassFactory* sFactory = nullptr;
 } // namespace
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     if (!registry)
         return kIllegalArgument;
@@ -25,7 +26,7 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
     return registry->RegisterFactory(sFactory);
 }
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     if (!registry || !sFactory)
         return kIllegalArgument;

@@ -1,8 +1,8 @@
 // The well-known directories, as objects.
 #pragma once
 
-#include "FileIO/ISystemDirContainer.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/FileIO/ISystemDirContainer.h>
+#include <tessio/ObjectModel/TObject.h>
 
 #include <map>
 

@@ -1,7 +1,7 @@
 // Where the well-known directories are.
 #pragma once
 
-#include "FileIO/DirType.h"
+#include <tessio/FileIO/DirType.h>
 
 #include <string>
 

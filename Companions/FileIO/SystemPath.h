@@ -1,7 +1,7 @@
 // From the library's texts to paths of the system.
 #pragma once
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // The names of the functions that a host calls in what it loads.
 #pragma once
 
-#include "CoreRegistry/ICoreRegistry.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
 
 namespace KORVA::HOST
 {

@@ -1,8 +1,8 @@
-#include "Host/Host.h"
+#include <tessio/Host/Host.h>
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "EntryPoints.h"
 #include "PlugIn.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
 
 #include <algorithm>
 #include <optional>

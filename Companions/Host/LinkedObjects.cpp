@@ -1,8 +1,8 @@
 #include "LinkedObjects.h"
 
 #include "EntryPoints.h"
-#include "Host/Host.h"
-#include "TessIO/TessIO.h"
+#include <tessio/Host/Host.h>
+#include <tessio/TessIO/TessIO.h>
 
 // The file-system companion's entry points. An archive can't have the names that every plug-in has.
 extern "C" KORVA::HOST::PlugInFunction KorvaFileIOInit;

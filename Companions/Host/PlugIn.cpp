@@ -1,7 +1,7 @@
 #include "PlugIn.h"
 
-#include "CoreRegistry/IFactoryGate.h"
 #include "OtherThreads.h"
+#include <tessio/CoreRegistry/IFactoryGate.h>
 
 #include <utility>
 

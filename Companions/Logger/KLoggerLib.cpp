@@ -1,5 +1,5 @@
 #include "LogFile.h"
-#include "Logger/KLoggerLibInterface.h"
+#include <tessio/Logger/KLoggerLibInterface.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,8 +1,8 @@
 #include "Bookmark.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "TessIO/PersistentData.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/PersistentData.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "IBookmark.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDataProviderStream.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProviderStream.h>
 
 namespace BOOKMARKS
 {

@@ -1,9 +1,10 @@
 // What the plug-in of this folder offers: a bookmark that lives in record files.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IRelativeURI.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IRelativeURI.h>
 
 namespace BOOKMARKS
 {
@@ -14,7 +15,7 @@ inline constexpr GUID IID_BOOKMARK{
 
 /// A place in a file, when it was marked, and what there is to say about it. Persistent; a damaged or foreign
 /// record in it costs that member only. Used by one thread at a time.
-class [[gnu::visibility("default")]] IBookmark : public KORVA::IObject
+class TESSIO_EXPORT IBookmark : public KORVA::IObject
 {
 public:
     /// Valid until it is set anew or the object dies.
@@ -28,10 +29,10 @@ public:
     /// The file, named from a well-known directory; borrowed, null when there is none.
     virtual KORVA::IO::IRelativeURI* GetPlace() const = 0;
     /// Shares `place`; null forgets it.
-    virtual void SetPlace(KORVA::IO::IRelativeURI * place) = 0;
+    virtual void SetPlace(KORVA::IO::IRelativeURI* place) = 0;
     /// Where the file is on this machine, for this user: 0; 26 and `path` unchanged without a place, or where
     /// its directory is not known here.
-    virtual KORVA::ErrCode GetPath(KORVA::STRING::CoreString & path) const = 0;
+    virtual KORVA::ErrCode GetPath(KORVA::STRING::CoreString& path) const = 0;
 
     /// Borrowed, to be read and filled; never null while the library is loaded.
     virtual KORVA::IDictionary* GetRemarks() const = 0;

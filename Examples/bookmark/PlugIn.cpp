@@ -1,8 +1,9 @@
 // Where a host enters the plug-in.
-#include "Host/PlugIn.h"
 #include "Bookmark.h"
-#include "CoreRegistry/ICoreRegistry.h"
-#include "ObjectModel/ClassFactory.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/Host/PlugIn.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/Export.h>
 
 //! [entry]
 namespace
@@ -13,7 +14,7 @@ using BookmarkFactory = TClassFactory<Makes<&New<BOOKMARKS::Bookmark>, BOOKMARKS
 IClassFactory* sFactory = nullptr;
 } // namespace
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     // A host that knows the file by two names may come twice.
     if (!registry || sFactory)
@@ -22,7 +23,7 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
     return registry->RegisterFactory(sFactory);
 }
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     if (!registry || !sFactory)
         return kIllegalArgument;

@@ -1,5 +1,6 @@
-#include "Cxx/TessIO.h"
-#include "Host/Host.h"
+#include <tessio/Cxx/TessIO.h>
+#include <tessio/Host/Host.h>
+
 #include <cstdio>
 
 using namespace KORVA;

@@ -1,8 +1,8 @@
 #include "HttpDataProvider.h"
 
 #include "RequestURL.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
 #include <cerrno>

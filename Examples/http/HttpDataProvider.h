@@ -1,11 +1,11 @@
 // The data provider over a file of a web server.
 #pragma once
 
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
 #include "Outcome.h"
-#include "TessIO/IURIDataProvider.h"
 #include "Transfer.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IURIDataProvider.h>
 
 #include <optional>
 

@@ -1,11 +1,11 @@
 #include "HttpFile.h"
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "HttpDataProvider.h"
 #include "RequestURL.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IURIAuthenticationChallenge.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IURIAuthenticationChallenge.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <utility>
 

@@ -1,12 +1,12 @@
 // The file object for a file of a web server.
 #pragma once
 
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
 #include "Outcome.h"
-#include "TessIO/IURICredential.h"
-#include "TessIO/IURIFile.h"
 #include "Transfer.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IURICredential.h>
+#include <tessio/TessIO/IURIFile.h>
 
 namespace HTTP
 {

@@ -1,7 +1,7 @@
 // What the plug-in of this folder offers: files of the schemes http and https, to be read.
 #pragma once
 
-#include "ObjectModel/GUID.h"
+#include <tessio/ObjectModel/GUID.h>
 
 namespace HTTP
 {

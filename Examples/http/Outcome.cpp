@@ -1,6 +1,6 @@
 #include "Outcome.h"
 
-#include "TessIO/ResultCodes.h"
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <cerrno>
 

@@ -1,10 +1,10 @@
 // What an answer, or the lack of one, means to a caller.
 #pragma once
 
-#include "Logger/LogSite.h"
 #include "Reply.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/IURI.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/IURI.h>
 
 #include <string>
 

@@ -1,14 +1,15 @@
 // Where a host enters the plug-in.
-#include "Host/PlugIn.h"
-#include "CoreRegistry/CoreRegistry.h"
 #include "HttpDataProvider.h"
 #include "HttpFile.h"
 #include "HttpScheme.h"
-#include "ObjectModel/ClassFactory.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IURIRegistry.h"
-#include "TessIO/ResultCodes.h"
-#include "TessIO/URISchemes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/PlugIn.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IURIRegistry.h>
+#include <tessio/TessIO/ResultCodes.h>
+#include <tessio/TessIO/URISchemes.h>
 
 #include <curl/curl.h>
 
@@ -22,7 +23,7 @@ using HttpFactory = TClassFactory<Makes<&New<HTTP::HttpFile>, HTTP::IID_HTTP_FIL
 IClassFactory* sFactory = nullptr;
 } // namespace
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     // A host that knows the file by two names may come twice.
     if (!registry || sFactory)
@@ -37,7 +38,7 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
 }
 
 /// The schemes stay registered, as schemes do; without the factory they lead nowhere (-1004).
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     if (!registry || !sFactory)
         return kIllegalArgument;

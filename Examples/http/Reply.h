@@ -1,7 +1,7 @@
 // What a server says before the bytes.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 // From a URI to the text that is asked for.
 #pragma once
 
-#include "TessIO/IURI.h"
+#include <tessio/TessIO/IURI.h>
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "Settings.h"
 
 #include "HttpScheme.h"
-#include "Logger/LogSite.h"
+#include <tessio/Logger/LogSite.h>
 
 #include <charconv>
 #include <cstdlib>

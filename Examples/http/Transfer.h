@@ -3,8 +3,8 @@
 
 #include "Reply.h"
 #include "Settings.h"
-#include "TessIO/IURICredential.h"
 #include "Window.h"
+#include <tessio/TessIO/IURICredential.h>
 
 #include <curl/curl.h>
 

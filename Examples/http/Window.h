@@ -1,7 +1,7 @@
 // The piece of a file that is in memory.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,13 +1,13 @@
 // Prints what is in a record file: example_walk [PLUGIN...] FILE
-#include "CoreRegistry/CoreRegistry.h"
-#include "Host/Host.h"
-#include "ObjectModel/GUIDText.h"
-#include "TessIO/FilePaths.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IPersistentData.h"
-#include "TessIO/IStringDictionary.h"
-#include "TessIO/IURIRegistry.h"
 #include <cstdio>
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/Host.h>
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/FilePaths.h>
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/IStringDictionary.h>
+#include <tessio/TessIO/IURIRegistry.h>
 
 using namespace KORVA;
 using COREREGISTRY::CreateObject;

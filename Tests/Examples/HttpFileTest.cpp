@@ -1,7 +1,7 @@
 // What can be learnt of a web server's files without reading them, and what can't be done to them.
 #include "Examples/HttpTest.h"
 #include "Support/RowName.h"
-#include "TessIO/IStringDictionary.h"
+#include <tessio/TessIO/IStringDictionary.h>
 
 #include <chrono>
 #include <future>

@@ -1,8 +1,8 @@
 // Reading what web servers send.
 #include "Examples/HttpTest.h"
 #include "Support/RowName.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IURIDataProvider.h"
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IURIDataProvider.h>
 
 namespace KORVA::TESTS
 {

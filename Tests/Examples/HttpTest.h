@@ -4,10 +4,10 @@
 #include "Examples/OddServer.h"
 #include "Examples/WebServer.h"
 #include "Integration/HostTest.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/IURIAuthenticationChallenge.h"
 #include "http/HttpScheme.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/IURIAuthenticationChallenge.h>
 
 #include <cstdlib>
 

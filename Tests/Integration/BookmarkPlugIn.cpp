@@ -1,11 +1,12 @@
 // A plug-in with one persistent class, for the tests of plug-ins.
-#include "CoreRegistry/ICoreRegistry.h"
-#include "CoreString/CoreString.h"
-#include "Host/PlugIn.h"
 #include "Integration/IBookmark.h"
-#include "ObjectModel/ClassFactory.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/PersistentData.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/Host/PlugIn.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/PersistentData.h>
 
 namespace
 {
@@ -78,13 +79,13 @@ using BookmarkFactory =
 IClassFactory* sFactory = nullptr;
 } // namespace
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     sFactory = new BookmarkFactory;
     return registry->RegisterFactory(sFactory);
 }
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     int const result = registry->UnregisterFactory(sFactory);
     sFactory->Release();

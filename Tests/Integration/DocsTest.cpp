@@ -2,9 +2,9 @@
 #include "Integration/HostTest.h"
 #include "Support/Bytes.h"
 #include "Support/Process.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IRelativeURI.h"
-#include "TessIO/IStringDictionary.h"
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IRelativeURI.h>
+#include <tessio/TessIO/IStringDictionary.h>
 
 #include <map>
 #include <sstream>

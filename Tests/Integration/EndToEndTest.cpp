@@ -1,8 +1,8 @@
 // A host saves dictionaries to a file that a URI names, and another process reads them.
 #include "Integration/HostTest.h"
 #include "Support/Process.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IStringDictionary.h"
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IStringDictionary.h>
 
 namespace KORVA::TESTS
 {

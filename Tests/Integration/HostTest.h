@@ -1,13 +1,13 @@
 // The shared library booted by a host, as in a real process.
 #pragma once
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "Host/Host.h"
 #include "Support/LogCapture.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IURIRegistry.h"
-#include "TessIO/LibUtils.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/Host.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IURIRegistry.h>
+#include <tessio/TessIO/LibUtils.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,9 @@
 // What the tests' plug-in offers.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "ObjectModel/IObject.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
 
 namespace KORVA::TESTS
 {
@@ -12,7 +13,7 @@ inline constexpr GUID IID_BOOKMARK{
 inline constexpr GUID IID_SHELF{0x5E1F0001, 0x5D0E, 0x4A63, {0xB4, 0x1C, 0x2F, 0x9D, 0x08, 0xE6, 0x73, 0xA5}};
 inline constexpr GUID IID_BOX{0xB0C50002, 0x5D0E, 0x4A63, {0xB4, 0x1C, 0x2F, 0x9D, 0x08, 0xE6, 0x73, 0xA5}};
 
-class [[gnu::visibility("default")]] IBookmark : public IObject
+class TESSIO_EXPORT IBookmark : public IObject
 {
 public:
     virtual void Set(STRING::CoreString const& title, int32 page) = 0;

@@ -1,7 +1,7 @@
 // A class of an outside author: saved, skipped exactly while its plug-in is not loaded, loaded when it is.
 #include "Integration/HostTest.h"
 #include "Integration/IBookmark.h"
-#include "TessIO/IDictionary.h"
+#include <tessio/TessIO/IDictionary.h>
 
 namespace KORVA::TESTS
 {

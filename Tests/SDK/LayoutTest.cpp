@@ -13,12 +13,12 @@
 #include "RelativeURI.h"
 #include "StringDictionary.h"
 #include "Support/Library.h"
-#include "TessIO/PersistentData.h"
 #include "URI.h"
 #include "URIAuthenticationChallenge.h"
 #include "URICredential.h"
 #include "URIRegistry.h"
 #include "UniCharUtils.h"
+#include <tessio/TessIO/PersistentData.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // A component that tells what happens to it.
 #pragma once
 
-#include "ObjectModel/TObject.h"
+#include <tessio/ObjectModel/TObject.h>
 
 #include <functional>
 #include <string>

@@ -1,9 +1,9 @@
 // A data provider over another one, for tests that change a few operations.
 #pragma once
 
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <utility>
 

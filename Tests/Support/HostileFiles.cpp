@@ -1,7 +1,7 @@
 #include "Support/HostileFiles.h"
 
-#include "ObjectModel/Types.h"
 #include "Support/Laid.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <stdexcept>
 #include <string>

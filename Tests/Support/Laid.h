@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Support/Bytes.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 #include "Support/Library.h"
 
-#include "TessIO/ClassIds.h"
-#include "TessIO/TessIO.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/TessIO.h>
 
 extern "C" int KorvaPlugInInit(KORVA::COREREGISTRY::ICoreRegistry*);
 extern "C" int KorvaPlugInShutdown(KORVA::COREREGISTRY::ICoreRegistry*);

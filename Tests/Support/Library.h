@@ -1,13 +1,13 @@
 // The library booted inside a test.
 #pragma once
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Support/Bytes.h"
 #include "Support/LogCapture.h"
 #include "Support/RowName.h"
-#include "TessIO/IDataProvider.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IURI.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/IDataProvider.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IURI.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "Support/LogCapture.h"
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Captures what the code under test logs.
 #pragma once
 
-#include "Logger/KLoggerLibInterface.h"
+#include <tessio/Logger/KLoggerLibInterface.h>
 
 #include <mutex>
 #include <ostream>

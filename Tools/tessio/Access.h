@@ -2,10 +2,10 @@
 #pragma once
 
 #include "CommandLine.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/IURICredential.h"
-#include "TessIO/IURIFile.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/IURICredential.h>
+#include <tessio/TessIO/IURIFile.h>
 
 #include <string>
 

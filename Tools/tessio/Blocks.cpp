@@ -1,6 +1,6 @@
 #include "Blocks.h"
 
-#include "TessIO/ClassIds.h"
+#include <tessio/TessIO/ClassIds.h>
 
 namespace TOOL
 {

@@ -1,9 +1,9 @@
 // Pieces of a file on their way.
 #pragma once
 
-#include "TessIO/IAsyncReader.h"
-#include "TessIO/IAsyncWriter.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/TessIO/IAsyncReader.h>
+#include <tessio/TessIO/IAsyncWriter.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <cstddef>
 #include <vector>

@@ -5,8 +5,8 @@
 #include "Failure.h"
 #include "Location.h"
 #include "Output.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IBufferedDataProvider.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IBufferedDataProvider.h>
 
 #include <fmt/format.h>
 

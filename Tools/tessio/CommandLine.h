@@ -2,7 +2,7 @@
 // it.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <functional>
 #include <optional>

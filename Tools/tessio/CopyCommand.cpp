@@ -9,7 +9,7 @@
 #include "Saving.h"
 #include "System/CopyFile.h"
 #include "System/Files.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <fmt/format.h>
 

@@ -1,9 +1,9 @@
 // A provider that counts how often it is read.
 #pragma once
 
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <utility>
 

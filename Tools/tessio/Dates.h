@@ -1,7 +1,7 @@
 // Dates as people read them.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <string>
 

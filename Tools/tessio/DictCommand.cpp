@@ -5,9 +5,9 @@
 #include "RecordFile.h"
 #include "Records/Json.h"
 #include "RelativeNames.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDictionary.h"
 #include "Values.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDictionary.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

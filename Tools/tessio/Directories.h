@@ -1,7 +1,7 @@
 // The well-known directories and the names that people give them.
 #pragma once
 
-#include "FileIO/ISystemDirContainer.h"
+#include <tessio/FileIO/ISystemDirContainer.h>
 
 #include <string>
 #include <vector>

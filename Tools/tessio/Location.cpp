@@ -4,11 +4,11 @@
 #include "Output.h"
 #include "Saving.h"
 #include "System/Files.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/FilePaths.h"
-#include "TessIO/IDataProviderStatus.h"
-#include "TessIO/IURIRegistry.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/FilePaths.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
+#include <tessio/TessIO/IURIRegistry.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
 #include <cerrno>

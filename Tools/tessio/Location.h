@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Session.h"
-#include "TessIO/IURIFile.h"
+#include <tessio/TessIO/IURIFile.h>
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // What commands print.
 #pragma once
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <nlohmann/json_fwd.hpp>
 

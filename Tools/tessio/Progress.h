@@ -1,7 +1,7 @@
 // Work that takes long enough to wonder about.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <chrono>
 #include <string>

@@ -3,12 +3,12 @@
 #include "DirectoryLock.h"
 #include "Failure.h"
 #include "Location.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "Records/Document.h"
 #include "Records/FileOrder.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IPersistentData.h"
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IPersistentData.h>
 
 #include <fmt/format.h>
 

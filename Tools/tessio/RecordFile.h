@@ -3,7 +3,7 @@
 
 #include "Records/Node.h"
 #include "Session.h"
-#include "TessIO/IDataProviderStream.h"
+#include <tessio/TessIO/IDataProviderStream.h>
 
 #include <memory>
 #include <optional>

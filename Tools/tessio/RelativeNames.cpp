@@ -1,8 +1,8 @@
 #include "RelativeNames.h"
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Output.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
 

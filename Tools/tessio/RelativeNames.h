@@ -3,7 +3,7 @@
 
 #include "Directories.h"
 #include "Failure.h"
-#include "TessIO/IRelativeURI.h"
+#include <tessio/TessIO/IRelativeURI.h>
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #include "Session.h"
 
 #include "Failure.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <cstdio>
 #include <new>

@@ -3,10 +3,10 @@
 
 #include "Access.h"
 #include "Common.h"
-#include "CoreRegistry/CoreRegistry.h"
-#include "Host/Host.h"
-#include "Logger/KLoggerLibInterface.h"
 #include "System/Descriptor.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/Host.h>
+#include <tessio/Logger/KLoggerLibInterface.h>
 
 #include <memory>
 #include <utility>

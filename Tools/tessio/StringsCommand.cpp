@@ -5,8 +5,8 @@
 #include "Output.h"
 #include "RecordFile.h"
 #include "Records/Document.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IStringDictionary.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IStringDictionary.h>
 
 #include <memory>
 #include <nlohmann/json.hpp>

@@ -2,13 +2,13 @@
 #include "Commands.h"
 #include "Directories.h"
 #include "JsonPrinter.h"
-#include "ObjectModel/GUIDText.h"
 #include "Page/Page.h"
 #include "Records/Document.h"
 #include "Records/Json.h"
 #include "Records/Path.h"
 #include "Records/Summary.h"
 #include "Target.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -5,7 +5,7 @@
 #include "Output.h"
 #include "RelativeNames.h"
 #include "Session.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

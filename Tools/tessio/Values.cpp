@@ -1,15 +1,15 @@
 #include "Values.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "CoreString/CoreString.h"
 #include "Failure.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "RelativeNames.h"
 #include "Saving.h"
 #include "System/Files.h"
 #include "System/Transfer.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
 

@@ -1,9 +1,9 @@
 // Dictionary values as people write and read them.
 #pragma once
 
-#include "ObjectModel/GUID.h"
-#include "ObjectModel/Types.h"
-#include "TessIO/IDictionary.h"
+#include <tessio/ObjectModel/GUID.h>
+#include <tessio/ObjectModel/Types.h>
+#include <tessio/TessIO/IDictionary.h>
 
 #include <optional>
 #include <string>

@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 #include <fcntl.h>
+#include <fmt/format.h>
+#include <tessio/TessIO/Version.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -61,7 +63,9 @@ int Run(int argc, char** argv)
     CLI::App app(kAbout, "tessio");
     Common common;
     app.require_subcommand(1);
-    app.set_version_flag("--version", TESSIO_VERSION);
+    std::string const version =
+        fmt::format("tessio {}.{}.{}", TESSIO_VERSION_MAJOR, TESSIO_VERSION_MINOR, TESSIO_VERSION_PATCH);
+    app.set_version_flag("--version", version);
     app.add_flag("-v,--verbose", common.verbose, "Show the library's own messages on standard error");
     app.add_flag("--json", common.json, "Print one JSON document instead of text");
     app.add_option("--plugin", common.plugIns,
@@ -98,7 +102,7 @@ int Run(int argc, char** argv)
     AddFileCommands(commands, common);
     AddCatCommand(commands, common);
     AddCopyCommand(commands, common);
-    AddDocumentCommand(app, TESSIO_VERSION);
+    AddDocumentCommand(app, version);
     try
     {
         app.parse(argc, argv);

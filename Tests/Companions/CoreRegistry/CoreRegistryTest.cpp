@@ -1,5 +1,5 @@
 // Registration of factories and creation by class id.
-#include "CoreRegistry/CoreRegistry.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
 
 #include "Companions/CoreRegistry/FakeFactory.h"
 #include "SDK/Tracked.h"

@@ -1,6 +1,6 @@
 // The registry used from several threads at once.
-#include "CoreRegistry/CoreRegistry.h"
-#include "ObjectModel/ClassFactory.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/ObjectModel/ClassFactory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Keeping threads out of factories whose code is to go.
-#include "CoreRegistry/IFactoryGate.h"
+#include <tessio/CoreRegistry/IFactoryGate.h>
 
 #include "Companions/CoreRegistry/FakeFactory.h"
-#include "CoreRegistry/CoreRegistry.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
 
 #include <gtest/gtest.h>
 

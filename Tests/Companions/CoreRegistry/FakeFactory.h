@@ -1,8 +1,8 @@
 // A factory whose answers a test decides.
 #pragma once
 
-#include "ObjectModel/IClassFactory.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/ObjectModel/IClassFactory.h>
+#include <tessio/ObjectModel/TObject.h>
 
 #include <functional>
 #include <string>

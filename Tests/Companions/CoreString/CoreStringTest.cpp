@@ -1,5 +1,5 @@
 // The string as a sequence of code units.
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Between UTF-16, UTF-8 and wide text.
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include "Support/Library.h"
 

@@ -1,5 +1,5 @@
 // Splitting at delimiters.
-#include "CoreString/StringTokenizer.h"
+#include <tessio/CoreString/StringTokenizer.h>
 
 #include "Support/Library.h"
 

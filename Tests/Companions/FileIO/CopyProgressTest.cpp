@@ -1,7 +1,7 @@
 // Following and stopping a copy.
 #include "Companions/FileIO/FileFixture.h"
-#include "FileIO/ICopyProgress.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/FileIO/ICopyProgress.h>
+#include <tessio/ObjectModel/TObject.h>
 
 #include <unistd.h>
 

@@ -3,8 +3,8 @@
 
 #include "Companions/FileIO/Environment.h"
 #include "Companions/FileIO/FileFixture.h"
-#include "FileIO/ISystemDirContainer.h"
 #include "Support/RowName.h"
+#include <tessio/FileIO/ISystemDirContainer.h>
 
 namespace KORVA::TESTS
 {

@@ -1,5 +1,5 @@
 // Locks by name, and why a file can't be opened.
-#include "FileIO/IFileAccess.h"
+#include <tessio/FileIO/IFileAccess.h>
 
 #include "Companions/FileIO/FileFixture.h"
 #include "Platform/Posix/ChildProcess.h"

@@ -1,10 +1,10 @@
 // File objects as a client gets them, in a directory of the test's own.
 #pragma once
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "FileIO/IFile.h"
 #include "Support/LogCapture.h"
 #include "Support/TemporaryDirectory.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/FileIO/IFile.h>
 
 #include <gtest/gtest.h>
 

@@ -1,15 +1,15 @@
 // Booting a process through the installed libraries, found by name.
-#include "Host/Host.h"
+#include <tessio/Host/Host.h>
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "FileIO/IFile.h"
 #include "Support/LogCapture.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IURIFile.h"
-#include "TessIO/IURIRegistry.h"
-#include "TessIO/LibUtils.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/FileIO/IFile.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IURIFile.h>
+#include <tessio/TessIO/IURIRegistry.h>
+#include <tessio/TessIO/LibUtils.h>
 
 #include <gtest/gtest.h>
 

@@ -1,14 +1,15 @@
 // Where a test meets its plug-ins: what they call from inside their factories.
 #pragma once
 
-#include "ObjectModel/IObject.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
 
 namespace KORVA::TESTS
 {
 /// Class ids of what a test registers for its plug-ins.
 inline constexpr GUID IID_MEETING{0x7E57C1A6, 0, 0, {}};
 
-class [[gnu::visibility("default")]] IMeeting : public IObject
+class TESSIO_EXPORT IMeeting : public IObject
 {
 public:
     /// Called by a plug-in's factory before it answers.

@@ -1,8 +1,8 @@
 // Loading and unloading plug-ins.
-#include "CoreRegistry/CoreRegistry.h"
-#include "Host/Host.h"
 #include "Support/LogCapture.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/Host.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gtest/gtest.h>
 

@@ -1,2 +1,2 @@
 // Beside TestPlugIn.cpp in the plug-ins that say how many of their objects live.
-#include "Host/PlugIn.h"
+#include <tessio/Host/PlugIn.h>

@@ -1,7 +1,8 @@
 // A plug-in for the host's tests. It writes what is asked of it to the file that TEST_PLUG_IN_LOG names.
 #include "Companions/Host/IMeeting.h"
-#include "CoreRegistry/ICoreRegistry.h"
-#include "ObjectModel/ClassFactory.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/Export.h>
 
 #include <cstddef>
 #include <cstdlib>
@@ -73,7 +74,7 @@ void Note(char const* what)
 }
 } // namespace
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     Note("init");
     if (kKind == Kind::kRefusing)
@@ -83,7 +84,7 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
     return registry->RegisterFactory(sFactory);
 }
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     Note("shutdown");
     if (!sFactory)

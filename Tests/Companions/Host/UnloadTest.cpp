@@ -1,10 +1,10 @@
 // Unloading plug-ins that are in use.
 #include "Companions/Host/IMeeting.h"
-#include "CoreRegistry/CoreRegistry.h"
-#include "Host/Host.h"
-#include "ObjectModel/TObject.h"
 #include "Support/LogCapture.h"
 #include "Support/RowName.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/Host.h>
+#include <tessio/ObjectModel/TObject.h>
 
 #include <gtest/gtest.h>
 

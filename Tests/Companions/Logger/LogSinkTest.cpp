@@ -1,5 +1,5 @@
 // Sinks see every message whole.
-#include "Logger/KLoggerLibInterface.h"
+#include <tessio/Logger/KLoggerLibInterface.h>
 
 #include <gtest/gtest.h>
 

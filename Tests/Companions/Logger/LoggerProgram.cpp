@@ -4,7 +4,7 @@
 //   renamed NAME NAME TEXT  names the file twice, then logs
 //   sink NAME TEXT TEXT     lets a sink take the first and pass the second
 //   many NAME COUNT         logs COUNT lines of 1,000 characters and waits for the last
-#include "Logger/KLoggerLibInterface.h"
+#include <tessio/Logger/KLoggerLibInterface.h>
 
 #include <unistd.h>
 

@@ -1,12 +1,12 @@
 // Saves a dictionary and a text to the file of the first argument, loads them, and uses the plug-in of the
 // second.
-#include "CoreRegistry/CoreRegistry.h"
 #include "Counter.h"
-#include "Host/Host.h"
-#include "Logger/KLoggerLibInterface.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IURIRegistry.h"
-#include "TessIO/LibUtils.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Host/Host.h>
+#include <tessio/Logger/KLoggerLibInterface.h>
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IURIRegistry.h>
+#include <tessio/TessIO/LibUtils.h>
 
 #include <cstdio>
 #include <string>

@@ -1,9 +1,10 @@
-#include "Host/PlugIn.h"
-#include "CoreRegistry/CoreRegistry.h"
-#include "CoreString/StringTokenizer.h"
 #include "Counter.h"
-#include "Logger/LogSite.h"
-#include "ObjectModel/ClassFactory.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/CoreString/StringTokenizer.h>
+#include <tessio/Host/PlugIn.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/Export.h>
 
 namespace
 {
@@ -27,7 +28,7 @@ using Factory = TClassFactory<Makes<&New<Counter>, CONSUMER::IID_COUNTER>>;
 IClassFactory* sFactory = nullptr;
 } // namespace
 
-extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
     // A plug-in with a registry of its own would be a stranger to its host.
     if (registry != COREREGISTRY::GetCoreRegistry())
@@ -36,7 +37,7 @@ extern "C" [[gnu::visibility("default")]] int KorvaPlugInInit(COREREGISTRY::ICor
     return registry->RegisterFactory(sFactory);
 }
 
-extern "C" [[gnu::visibility("default")]] void KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
+extern "C" TESSIO_EXPORT void KorvaPlugInShutdown(COREREGISTRY::ICoreRegistry* registry)
 {
     registry->UnregisterFactory(sFactory);
     sFactory->Release();

@@ -1,9 +1,9 @@
 // Creating through the process's registry.
-#include "CoreRegistry/CoreRegistry.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
 
-#include "ObjectModel/ClassFactory.h"
 #include "SDK/Tracked.h"
 #include "Support/LogCapture.h"
+#include <tessio/ObjectModel/ClassFactory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Data providers behind the friendly layer.
-#include "Cxx/DataProvider.h"
+#include <tessio/Cxx/DataProvider.h>
 
 #include "Core/Libraries/Tessaro/Source/src/WatchedProvider.h"
 #include "Support/Library.h"

@@ -1,9 +1,9 @@
 // Going over dictionaries.
-#include "Cxx/Dictionary.h"
-#include "Cxx/StringDictionary.h"
 #include "SDK/Cxx/Note.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/StringDictionary.h>
 
 #include <algorithm>
 #include <iterator>

@@ -1,10 +1,10 @@
 // The dictionary behind the friendly layer: values in, values out.
-#include "Cxx/Dictionary.h"
+#include <tessio/Cxx/Dictionary.h>
 
-#include "Cxx/StringDictionary.h"
 #include "SDK/Cxx/Note.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
+#include <tessio/Cxx/StringDictionary.h>
 
 #include <cmath>
 #include <limits>

@@ -1,12 +1,12 @@
 // Saving only what nobody else has changed, and what became of the file.
-#include "Cxx/FileState.h"
+#include <tessio/Cxx/FileState.h>
 
-#include "Cxx/Dictionary.h"
-#include "Cxx/Update.h"
-#include "FileIO/IFileAccess.h"
 #include "SDK/Cxx/StandIns.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/Update.h>
+#include <tessio/FileIO/IFileAccess.h>
 
 #include <fcntl.h>
 #include <sys/syscall.h>

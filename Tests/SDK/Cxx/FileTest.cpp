@@ -1,10 +1,10 @@
 // URIs and files behind the friendly layer.
-#include "Cxx/File.h"
+#include <tessio/Cxx/File.h>
 
-#include "ObjectModel/TObject.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
+#include <tessio/ObjectModel/TObject.h>
 
 #include <array>
 

@@ -1,10 +1,10 @@
 // Owning handles.
-#include "Cxx/Handle.h"
+#include <tessio/Cxx/Handle.h>
 
-#include "Cxx/Dictionary.h"
 #include "SDK/Cxx/Note.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
+#include <tessio/Cxx/Dictionary.h>
 
 namespace KORVA::TESTS
 {

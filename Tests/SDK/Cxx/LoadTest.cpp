@@ -1,12 +1,12 @@
 // Loading: what is there, or what is the matter.
-#include "Cxx/Load.h"
+#include <tessio/Cxx/Load.h>
 
-#include "Cxx/Dictionary.h"
-#include "Cxx/StringDictionary.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/StringDictionary.h>
 
 namespace KORVA::TESTS
 {

@@ -1,11 +1,12 @@
 // A persistent class that does to a record whatever a test wants.
 #pragma once
 
-#include "CoreRegistry/ICoreRegistry.h"
-#include "Cxx/Handle.h"
-#include "ObjectModel/ClassFactory.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/PersistentData.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/Cxx/Handle.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/PersistentData.h>
 
 #include <new>
 #include <stdexcept>
@@ -27,7 +28,7 @@ enum class Fault : int
     kFindsNoMemoryInRead
 };
 
-class [[gnu::visibility("default")]] INote : public IObject
+class TESSIO_EXPORT INote : public IObject
 {
 public:
     virtual void Set(int number, Fault fault) = 0;

@@ -1,12 +1,12 @@
 // What goes into a record and comes out of it when somebody watches.
 #include "Core/Libraries/Tessaro/Source/src/WatchedProvider.h"
-#include "Cxx/Dictionary.h"
-#include "Cxx/Load.h"
-#include "Cxx/Save.h"
-#include "Cxx/Stream.h"
-#include "Cxx/WatchedProvider.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/Load.h>
+#include <tessio/Cxx/Save.h>
+#include <tessio/Cxx/Stream.h>
+#include <tessio/Cxx/WatchedProvider.h>
 
 namespace KORVA::TESTS
 {

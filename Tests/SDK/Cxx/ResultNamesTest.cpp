@@ -1,5 +1,5 @@
 // Every result code has its name.
-#include "Cxx/ResultNames.h"
+#include <tessio/Cxx/ResultNames.h>
 
 #include "Support/RowName.h"
 #include "Support/TemporaryDirectory.h"

@@ -1,5 +1,5 @@
 // Results and errors.
-#include "Cxx/Result.h"
+#include <tessio/Cxx/Result.h>
 
 #include "Support/RowName.h"
 

@@ -1,10 +1,10 @@
 // A process that dies while it saves leaves the old file or the new one.
-#include "Cxx/Dictionary.h"
-#include "Cxx/Load.h"
-#include "Cxx/Save.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/Load.h>
+#include <tessio/Cxx/Save.h>
 
 #include <random>
 

@@ -1,15 +1,15 @@
 // Saving: whole or not at all.
-#include "Cxx/Save.h"
+#include <tessio/Cxx/Save.h>
 
-#include "Cxx/Dictionary.h"
-#include "Cxx/File.h"
-#include "Cxx/Load.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "Platform/Posix/ResourceLimit.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/TessIO.h"
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/File.h>
+#include <tessio/Cxx/Load.h>
+#include <tessio/TessIO/TessIO.h>
 
 #include <sched.h>
 #include <sys/mount.h>

@@ -1,11 +1,11 @@
 // Objects that stand in for those of the library.
 #pragma once
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "FileIO/IFile.h"
-#include "ObjectModel/TObject.h"
 #include "Support/ForwardingProvider.h"
-#include "TessIO/IDataProviderStatus.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/FileIO/IFile.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
 
 #include <functional>
 #include <utility>

@@ -1,5 +1,5 @@
 // Bytes that a file took, held back and could not deliver: who asks is told, and a log where nobody asks.
-#include "Cxx/File.h"
+#include <tessio/Cxx/File.h>
 
 #include "Platform/Posix/ChildProcess.h"
 #include "Platform/Posix/ResourceLimit.h"

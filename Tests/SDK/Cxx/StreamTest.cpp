@@ -1,9 +1,9 @@
 // The typed stream behind the friendly layer: nothing is lost without a word.
-#include "Cxx/Stream.h"
+#include <tessio/Cxx/Stream.h>
 
-#include "Cxx/Dictionary.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
+#include <tessio/Cxx/Dictionary.h>
 
 namespace KORVA::TESTS
 {

@@ -1,5 +1,5 @@
 // The dictionary of texts behind the friendly layer.
-#include "Cxx/StringDictionary.h"
+#include <tessio/Cxx/StringDictionary.h>
 
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"

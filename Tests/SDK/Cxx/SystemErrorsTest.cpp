@@ -1,8 +1,6 @@
 // What the system can't do is told as that, and not as something that is the matter with a file.
-#include "Cxx/SystemErrors.h"
+#include <tessio/Cxx/SystemErrors.h>
 
-#include "Cxx/Dictionary.h"
-#include "Cxx/Update.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "Platform/Posix/ResourceLimit.h"
 #include "SDK/Cxx/Note.h"
@@ -10,6 +8,8 @@
 #include "Support/ForwardingProvider.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/Update.h>
 
 #include <array>
 #include <new>

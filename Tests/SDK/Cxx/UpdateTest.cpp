@@ -1,11 +1,11 @@
 // What several processes change at once: nothing is lost.
-#include "Cxx/Update.h"
+#include <tessio/Cxx/Update.h>
 
-#include "Cxx/Dictionary.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
+#include <tessio/Cxx/Dictionary.h>
 
 #include <cstdio>
 #include <memory>

@@ -1,9 +1,9 @@
 // Creating and binding a file object through a factory.
-#include "FileIO/LibUtils.h"
+#include <tessio/FileIO/LibUtils.h>
 
-#include "ObjectModel/TObject.h"
 #include "SDK/Tracked.h"
 #include "Support/LogCapture.h"
+#include <tessio/ObjectModel/TObject.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Building and sending one message.
-#include "Logger/LogSite.h"
+#include <tessio/Logger/LogSite.h>
 
 #include "Support/LogCapture.h"
 

@@ -1,9 +1,9 @@
 // Factories made from a table of class ids.
-#include "ObjectModel/ClassFactory.h"
+#include <tessio/ObjectModel/ClassFactory.h>
 
-#include "ObjectModel/TInterfacePtr.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 #include <gtest/gtest.h>
 

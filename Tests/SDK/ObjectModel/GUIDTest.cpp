@@ -1,5 +1,5 @@
 // Equality and order of identifiers: four host-order words.
-#include "ObjectModel/GUID.h"
+#include <tessio/ObjectModel/GUID.h>
 
 #include "Support/Library.h"
 

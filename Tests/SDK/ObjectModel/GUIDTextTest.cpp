@@ -1,5 +1,5 @@
 // The registry text form of identifiers.
-#include "ObjectModel/GUIDText.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include "Support/Library.h"
 

@@ -1,8 +1,8 @@
 // The pointer that holds components.
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
-#include "ObjectModel/IClassFactory.h"
 #include "SDK/Tracked.h"
+#include <tessio/ObjectModel/IClassFactory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Counting, querying and aggregation.
-#include "ObjectModel/TObject.h"
+#include <tessio/ObjectModel/TObject.h>
 
-#include "ObjectModel/IClassFactory.h"
 #include "SDK/Tracked.h"
+#include <tessio/ObjectModel/IClassFactory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // The values of the class and interface ids. They are in files for good.
-#include "TessIO/ClassIds.h"
+#include <tessio/TessIO/ClassIds.h>
 
-#include "FileIO/IFile.h"
-#include "FileIO/IFileAccess.h"
-#include "FileIO/ISystemDirContainer.h"
-#include "ObjectModel/GUIDText.h"
 #include "Support/Library.h"
+#include <tessio/FileIO/IFile.h>
+#include <tessio/FileIO/IFileAccess.h>
+#include <tessio/FileIO/ISystemDirContainer.h>
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <gtest/gtest.h>
 

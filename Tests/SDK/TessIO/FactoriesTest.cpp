@@ -3,7 +3,6 @@
 #include "DataProvider.h"
 #include "DataProviderStream.h"
 #include "DictValue.h"
-#include "FileIO/ISystemDirContainer.h"
 #include "FileProxy.h"
 #include "PersistentDictionary.h"
 #include "RelativeURI.h"
@@ -11,11 +10,12 @@
 #include "SDK/Tracked.h"
 #include "StringDictionary.h"
 #include "Support/Library.h"
-#include "TessIO/TessIO.h"
 #include "URI.h"
 #include "URIAuthenticationChallenge.h"
 #include "URICredential.h"
 #include "URIRegistry.h"
+#include <tessio/FileIO/ISystemDirContainer.h>
+#include <tessio/TessIO/TessIO.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Between file paths and URIs: what a URI made from a path names is that very file.
-#include "TessIO/FilePaths.h"
+#include <tessio/TessIO/FilePaths.h>
 
 #include "SDK/Tracked.h"
 #include "Support/Library.h"

@@ -1,16 +1,16 @@
 // Initialisation: what is registered, in which order, and what failures do.
-#include "TessIO/TessIO.h"
+#include <tessio/TessIO/TessIO.h>
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Registration.h"
 #include "SDK/TessIO/RecordingRegistry.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IURIRegistry.h"
 #include "URI.h"
 #include "URIRegistry.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IURIRegistry.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // Creating and initialising a URI through a factory.
-#include "TessIO/LibUtils.h"
+#include <tessio/TessIO/LibUtils.h>
 
-#include "ObjectModel/TObject.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
+#include <tessio/ObjectModel/TObject.h>
 
 #include <gtest/gtest.h>
 

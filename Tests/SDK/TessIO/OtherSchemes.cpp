@@ -1,7 +1,7 @@
 // A second source with the scheme names, to tell its copies from the test's.
 #include "SDK/TessIO/OtherSchemes.h"
 
-#include "TessIO/URISchemes.h"
+#include <tessio/TessIO/URISchemes.h>
 
 namespace KORVA::TESTS
 {

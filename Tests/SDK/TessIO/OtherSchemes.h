@@ -1,7 +1,7 @@
 // The scheme names as another source has them.
 #pragma once
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <array>
 

@@ -1,9 +1,9 @@
 // Making a class of one's own persistent.
-#include "TessIO/PersistentData.h"
+#include <tessio/TessIO/PersistentData.h>
 
-#include "ObjectModel/ClassFactory.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
+#include <tessio/ObjectModel/ClassFactory.h>
 
 #include <gtest/gtest.h>
 

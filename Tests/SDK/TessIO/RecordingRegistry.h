@@ -1,8 +1,8 @@
 // A registry that remembers what is registered with it.
 #pragma once
 
-#include "CoreRegistry/ICoreRegistry.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/ObjectModel/TObject.h>
 
 #include <vector>
 

@@ -1,5 +1,5 @@
 // The scheme names, spelt as they are.
-#include "TessIO/URISchemes.h"
+#include <tessio/TessIO/URISchemes.h>
 
 #include "LoggingInterface.h"
 #include "SDK/TessIO/OtherSchemes.h"

@@ -1,9 +1,9 @@
 // Numbers as they lie in record files, in either byte order.
 #pragma once
 
-#include "ObjectModel/GUID.h"
-#include "ObjectModel/Types.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/ObjectModel/GUID.h>
+#include <tessio/ObjectModel/Types.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <array>
 #include <cstring>

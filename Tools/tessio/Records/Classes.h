@@ -1,8 +1,8 @@
 // The classes whose bodies the tool knows, and the types of values.
 #pragma once
 
-#include "ObjectModel/GUID.h"
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/GUID.h>
+#include <tessio/ObjectModel/Types.h>
 
 #include <span>
 #include <string>

@@ -1,9 +1,9 @@
 #include "Records/Compare.h"
 
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "Records/Decoder.h"
 #include "Records/Summary.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 

@@ -2,8 +2,8 @@
 #include "Records/DecoderClass.h"
 
 #include "Directories.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <bit>
 

@@ -1,9 +1,9 @@
 #include "Records/DecoderClass.h"
 
 #include "Failure.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <algorithm>
 #include <set>

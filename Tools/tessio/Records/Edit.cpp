@@ -1,12 +1,12 @@
 #include "Records/Edit.h"
 
 #include "Failure.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "RecordFile.h"
 #include "Records/RecordWriter.h"
 #include "Records/Text.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
 

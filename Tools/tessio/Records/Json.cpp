@@ -1,7 +1,7 @@
 #include "Records/Json.h"
 
 #include "Directories.h"
-#include "ObjectModel/GUIDText.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <cmath>
 #include <limits>

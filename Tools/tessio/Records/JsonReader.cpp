@@ -1,9 +1,9 @@
 #include "Failure.h"
-#include "ObjectModel/GUIDText.h"
 #include "Records/Decoder.h"
 #include "Records/JsonDump.h"
 #include "Records/RecordWriter.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

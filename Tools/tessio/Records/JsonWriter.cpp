@@ -1,6 +1,6 @@
-#include "ObjectModel/GUIDText.h"
 #include "Records/Decoder.h"
 #include "Records/JsonDump.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 // How much of a file a command takes on.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <limits>
 

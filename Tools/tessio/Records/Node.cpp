@@ -1,7 +1,7 @@
 #include "Records/Node.h"
 
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 

@@ -1,10 +1,10 @@
 // What is in a record file, byte range by byte range.
 #pragma once
 
-#include "CoreString/CoreString.h"
 #include "Records/Bytes.h"
 #include "Records/Classes.h"
 #include "Values.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <string>
 #include <vector>

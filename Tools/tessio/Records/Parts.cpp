@@ -1,7 +1,7 @@
 // The typed values that plug-ins' classes read of their bodies.
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "Records/Decoder.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 

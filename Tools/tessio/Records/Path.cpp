@@ -1,9 +1,9 @@
 #include "Records/Path.h"
 
 #include "Failure.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "Values.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 // From values to the bytes of records.
 #pragma once
 
-#include "CoreString/CoreString.h"
 #include "Records/Bytes.h"
+#include <tessio/CoreString/CoreString.h>
 
 #include <optional>
 #include <string_view>

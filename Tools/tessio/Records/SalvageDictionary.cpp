@@ -1,6 +1,6 @@
 // Dictionaries of which something is damaged.
-#include "ObjectModel/GUIDText.h"
 #include "Records/Salvager.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 

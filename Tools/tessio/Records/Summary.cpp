@@ -1,8 +1,8 @@
 #include "Records/Summary.h"
 
 #include "Directories.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
+#include <tessio/ObjectModel/GUIDText.h>
 
 #include <fmt/format.h>
 

@@ -1,11 +1,11 @@
 #include "Directories.h"
 #include "Failure.h"
-#include "ObjectModel/GUIDText.h"
 #include "Output.h"
 #include "Records/Decoder.h"
 #include "Records/RecordWriter.h"
 #include "Records/Text.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "UniCharUtils.h"
 
-#include "Logger/LogSite.h"
+#include <tessio/Logger/LogSite.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
 // Helpers for zero-terminated texts of UTF-16 units.
 #pragma once
 
-#include "ObjectModel/Types.h"
 #include "Platform/MutableString.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <memory>
 #include <string>

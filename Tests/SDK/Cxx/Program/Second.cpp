@@ -1,7 +1,7 @@
 // The same layer once more: what it defines must be inline.
 #include "SDK/Cxx/Program/Second.h"
 
-#include "Cxx/TessIO.h"
+#include <tessio/Cxx/TessIO.h>
 
 using namespace KORVA;
 

@@ -1,6 +1,6 @@
 // A program that uses every part of the friendly layer and links what it would link without.
-#include "Cxx/TessIO.h"
 #include "SDK/Cxx/Program/Second.h"
+#include <tessio/Cxx/TessIO.h>
 
 #include <cstdio>
 

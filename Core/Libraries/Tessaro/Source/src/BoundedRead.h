@@ -1,7 +1,7 @@
 // Reads blocks whose length comes from a file.
 #pragma once
 
-#include "TessIO/IDataProvider.h"
+#include <tessio/TessIO/IDataProvider.h>
 
 namespace KORVA::IO
 {

@@ -1,10 +1,10 @@
 #include "BufferedDataProvider.h"
 
-#include "Logger/LogSite.h"
-#include "ObjectModel/ClassFactory.h"
 #include "Registration.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,10 +1,10 @@
 // The provider that buffers another.
 #pragma once
 
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IBufferedDataProvider.h"
-#include "TessIO/IDataProviderStatus.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IBufferedDataProvider.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
 
 #include <memory>
 

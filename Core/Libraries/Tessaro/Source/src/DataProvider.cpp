@@ -1,11 +1,11 @@
 #include "DataProvider.h"
 
 #include "DataProviderStream.h"
-#include "Logger/LogSite.h"
 #include "ReadOnlyDataProvider.h"
 #include "Registration.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 namespace KORVA::IO
 {

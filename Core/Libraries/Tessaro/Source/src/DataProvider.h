@@ -2,10 +2,10 @@
 #pragma once
 
 #include "DataProviderImpl.h"
-#include "ObjectModel/ClassFactory.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDataProviderStatus.h"
-#include "TessIO/IURIDataProvider.h"
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
+#include <tessio/TessIO/IURIDataProvider.h>
 
 namespace KORVA::IO
 {

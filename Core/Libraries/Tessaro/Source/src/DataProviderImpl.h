@@ -1,7 +1,7 @@
 // The base of the concrete data providers, and how the facade makes them.
 #pragma once
 
-#include "TessIO/IDataProvider.h"
+#include <tessio/TessIO/IDataProvider.h>
 
 namespace KORVA::IO
 {

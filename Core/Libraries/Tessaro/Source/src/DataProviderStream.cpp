@@ -1,7 +1,7 @@
 #include "DataProviderStream.h"
 
 #include "BoundedRead.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,9 +1,9 @@
 // The typed stream, and the object records on it.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IDataProviderStreamStatus.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IDataProviderStreamStatus.h>
 
 namespace KORVA::IO
 {

@@ -1,7 +1,7 @@
 #include "DictValue.h"
 
 #include "BoundedRead.h"
-#include "TessIO/PersistentData.h"
+#include <tessio/TessIO/PersistentData.h>
 
 #include <algorithm>
 #include <cmath>

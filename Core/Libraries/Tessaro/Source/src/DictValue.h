@@ -1,9 +1,9 @@
 // The wrapper of a plain value in a persistent dictionary.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProviderStream.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProviderStream.h>
 
 namespace KORVA::IO
 {

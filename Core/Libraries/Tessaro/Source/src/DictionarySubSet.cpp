@@ -1,9 +1,9 @@
 // Comparison of persistent dictionaries, by value and across number types.
 #include "DictValue.h"
-#include "Logger/LogSite.h"
 #include "PersistentDictionary.h"
-#include "TessIO/IPersistentData.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <cstring>
 

@@ -1,9 +1,9 @@
 #include "FileProxy.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "Logger/LogSite.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 namespace KORVA::IO
 {

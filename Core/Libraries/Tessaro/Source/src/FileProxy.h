@@ -1,10 +1,10 @@
 // A file named by a URI.
 #pragma once
 
-#include "FileIO/IFile.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/IURIFile.h"
+#include <tessio/FileIO/IFile.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/IURIFile.h>
 
 namespace KORVA::IO
 {

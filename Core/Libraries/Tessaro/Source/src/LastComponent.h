@@ -1,7 +1,7 @@
 // The name at the end of a path.
 #pragma once
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 namespace KORVA::IO
 {

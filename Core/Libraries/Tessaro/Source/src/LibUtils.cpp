@@ -1,6 +1,6 @@
-#include "Logger/LogSite.h"
 #include "Registration.h"
-#include "TessIO/TessIO.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/TessIO.h>
 
 namespace KORVA::IO
 {

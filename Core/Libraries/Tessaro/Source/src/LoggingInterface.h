@@ -1,7 +1,7 @@
 // The logging service of the library.
 #pragma once
 
-#include "Logger/KLoggerLibInterface.h"
+#include <tessio/Logger/KLoggerLibInterface.h>
 
 namespace KORVA::IO
 {

@@ -1,12 +1,12 @@
 // The object operators of the stream: self-delimiting records around what objects write of themselves.
 #include "DataProviderStream.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "Logger/LogSite.h"
 #include "ReadingEffort.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IPersistentData.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <new>
 #include <stdexcept>

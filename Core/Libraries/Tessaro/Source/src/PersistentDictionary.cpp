@@ -1,12 +1,12 @@
 #include "PersistentDictionary.h"
 
 #include "DictValue.h"
-#include "Logger/LogSite.h"
-#include "ObjectModel/ClassFactory.h"
 #include "ReadingEffort.h"
 #include "Registration.h"
-#include "TessIO/PersistentData.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/PersistentData.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <cstring>
 

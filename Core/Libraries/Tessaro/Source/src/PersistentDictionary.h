@@ -1,10 +1,10 @@
 // The map from numbers to values and objects.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IDictionary.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IDictionary.h>
 
 #include <map>
 

@@ -1,7 +1,7 @@
 #include "ReadingEffort.h"
 
-#include "Logger/LogSite.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,7 +1,7 @@
 // Bounds what damaged and crafted files cost their reader.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <limits>
 

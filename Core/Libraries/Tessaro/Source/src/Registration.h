@@ -2,7 +2,7 @@
 // reference and returns the registry's result.
 #pragma once
 
-#include "CoreRegistry/ICoreRegistry.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
 
 namespace KORVA::IO
 {

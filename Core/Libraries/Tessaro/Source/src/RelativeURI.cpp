@@ -1,14 +1,14 @@
 #include "RelativeURI.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "CoreString/StringTokenizer.h"
-#include "FileIO/ISystemDirContainer.h"
 #include "LastComponent.h"
-#include "Logger/LogSite.h"
-#include "ObjectModel/ClassFactory.h"
 #include "Registration.h"
-#include "TessIO/PersistentData.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/CoreString/StringTokenizer.h>
+#include <tessio/FileIO/ISystemDirContainer.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/PersistentData.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
 #include <vector>

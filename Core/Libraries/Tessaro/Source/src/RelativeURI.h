@@ -1,10 +1,10 @@
 // A file named from a system directory.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IRelativeURI.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IRelativeURI.h>
 
 namespace KORVA::IO
 {

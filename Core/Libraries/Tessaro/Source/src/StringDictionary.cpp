@@ -1,9 +1,9 @@
 #include "StringDictionary.h"
 
-#include "ObjectModel/ClassFactory.h"
 #include "ReadingEffort.h"
 #include "Registration.h"
-#include "TessIO/PersistentData.h"
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/PersistentData.h>
 
 namespace KORVA::IO
 {

@@ -1,10 +1,10 @@
 // The map from strings to strings.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IStringDictionary.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IStringDictionary.h>
 
 #include <map>
 

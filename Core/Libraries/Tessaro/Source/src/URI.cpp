@@ -1,11 +1,11 @@
 #include "URI.h"
 
 #include "LastComponent.h"
-#include "ObjectModel/ClassFactory.h"
 #include "Platform/StringServices.h"
 #include "Registration.h"
-#include "TessIO/PersistentData.h"
 #include "ValidURLString.h"
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/PersistentData.h>
 
 #include <optional>
 #include <utility>

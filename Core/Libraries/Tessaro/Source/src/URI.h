@@ -1,11 +1,11 @@
 // The general resource locator.
 #pragma once
 
-#include "ObjectModel/TObject.h"
 #include "Platform/URL.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IURI.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IURI.h>
 
 namespace KORVA::IO
 {

@@ -1,8 +1,8 @@
 #include "URIAuthenticationChallenge.h"
 
-#include "ObjectModel/ClassFactory.h"
 #include "Registration.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
 
 namespace KORVA::IO
 {

@@ -1,8 +1,8 @@
 // What is known when a resource asks who is there.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/IURIAuthenticationChallenge.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IURIAuthenticationChallenge.h>
 
 namespace KORVA::IO
 {

@@ -1,9 +1,9 @@
 #include "URICredential.h"
 
-#include "ObjectModel/ClassFactory.h"
 #include "Platform/SecureMemory.h"
 #include "Registration.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <utility>
 

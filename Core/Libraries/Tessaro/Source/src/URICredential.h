@@ -1,8 +1,8 @@
 // User name and password.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/IURICredential.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IURICredential.h>
 
 namespace KORVA::IO
 {

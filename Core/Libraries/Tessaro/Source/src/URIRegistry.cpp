@@ -1,14 +1,14 @@
 #include "URIRegistry.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "Logger/LogSite.h"
 #include "LoggingInterface.h"
-#include "ObjectModel/ClassFactory.h"
 #include "Registration.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/ResultCodes.h"
-#include "TessIO/URISchemes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/ResultCodes.h>
+#include <tessio/TessIO/URISchemes.h>
 
 #include <map>
 

@@ -1,8 +1,8 @@
 // Which component serves which URI scheme.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/IURIRegistry.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IURIRegistry.h>
 
 namespace KORVA::IO
 {

@@ -1,8 +1,8 @@
 // The factory of the classes that serve the library's own URI schemes.
 #include "FileProxy.h"
-#include "ObjectModel/ClassFactory.h"
 #include "Registration.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
 
 namespace KORVA::IO
 {

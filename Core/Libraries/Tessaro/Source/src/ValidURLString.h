@@ -1,7 +1,7 @@
 // From what people write to URL text.
 #pragma once
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 namespace KORVA::IO::UTILITIES
 {

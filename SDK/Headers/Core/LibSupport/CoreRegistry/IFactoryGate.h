@@ -1,6 +1,8 @@
 // What a host asks of its registry before it takes the code of factories out of memory.
 #pragma once
 
+#include <tessio/ObjectModel/Export.h>
+
 #include <typeinfo>
 
 namespace KORVA::COREREGISTRY
@@ -17,7 +19,7 @@ protected:
 };
 
 /// Found on the registry of `CreateCoreRegistry` by its run-time type (`dynamic_cast`). Safe from any thread.
-class [[gnu::visibility("default")]] IFactoryGate
+class TESSIO_EXPORT IFactoryGate
 {
 public:
     /// Whether the calling thread is inside a call of one of them that the registry makes. Then `Close` would

@@ -1,7 +1,8 @@
 // The UTF-16 string that all interfaces pass.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/Types.h>
 
 #include <cstddef>
 #include <optional>
@@ -13,7 +14,7 @@ namespace KORVA::STRING
 {
 /// A value type over UTF-16 code units with the vocabulary of the standard string. Any sequence of units is
 /// kept as it is, lone surrogates included; positions and lengths count code units.
-class [[gnu::visibility("default")]] CoreString
+class TESSIO_EXPORT CoreString
 {
 public:
     /// No position.
@@ -101,5 +102,5 @@ private:
 };
 
 /// The two texts joined.
-[[gnu::visibility("default")]] CoreString operator+(CoreString const& a, CoreString const& b);
+TESSIO_EXPORT CoreString operator+(CoreString const& a, CoreString const& b);
 } // namespace KORVA::STRING

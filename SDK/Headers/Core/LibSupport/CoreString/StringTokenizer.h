@@ -1,14 +1,15 @@
 // Splits a text at delimiter characters.
 #pragma once
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
 
 #include <vector>
 
 namespace KORVA::STRING
 {
 /// The non-empty pieces of a text between any of the delimiter characters; empty pieces don't count.
-class [[gnu::visibility("default")]] StringTokenizer
+class TESSIO_EXPORT StringTokenizer
 {
 public:
     /// `flag` is reserved and must be 0.

@@ -1,10 +1,10 @@
 // Bytes with a position.
 #pragma once
 
-#include "Cxx/Handle.h"
-#include "Cxx/SystemErrors.h"
-#include "TessIO/IDataProvider.h"
-#include "TessIO/IDataProviderStatus.h"
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/SystemErrors.h>
+#include <tessio/TessIO/IDataProvider.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
 
 #include <algorithm>
 #include <bit>

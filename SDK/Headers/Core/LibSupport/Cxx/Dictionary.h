@@ -1,8 +1,8 @@
 // The dictionary from numbers to values and objects.
 #pragma once
 
-#include "Cxx/DictionaryValues.h"
-#include "Cxx/SnapshotIterator.h"
+#include <tessio/Cxx/DictionaryValues.h>
+#include <tessio/Cxx/SnapshotIterator.h>
 
 #include <cstddef>
 #include <iterator>

@@ -1,9 +1,9 @@
 // What a dictionary's entry holds, and how it becomes a value of C++.
 #pragma once
 
-#include "Cxx/Handle.h"
-#include "Cxx/Text.h"
-#include "TessIO/IDictionary.h"
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/Text.h>
+#include <tessio/TessIO/IDictionary.h>
 
 #include <cmath>
 #include <concepts>

@@ -1,7 +1,7 @@
 // Why something could not be done.
 #pragma once
 
-#include "Cxx/ResultNames.h"
+#include <tessio/Cxx/ResultNames.h>
 
 #include <stdexcept>
 #include <string>

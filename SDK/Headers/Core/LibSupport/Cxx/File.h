@@ -1,12 +1,12 @@
 // Files, by path or URI.
 #pragma once
 
-#include "Cxx/Handle.h"
-#include "Cxx/Stream.h"
-#include "Cxx/SystemErrors.h"
-#include "Cxx/URI.h"
-#include "TessIO/IURIFile.h"
-#include "TessIO/IURIRegistry.h"
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/Stream.h>
+#include <tessio/Cxx/SystemErrors.h>
+#include <tessio/Cxx/URI.h>
+#include <tessio/TessIO/IURIFile.h>
+#include <tessio/TessIO/IURIRegistry.h>
 
 #include <chrono>
 #include <filesystem>

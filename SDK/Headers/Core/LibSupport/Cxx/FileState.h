@@ -1,7 +1,7 @@
 // What a file held when somebody looked.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 #include <cstddef>
 #include <span>

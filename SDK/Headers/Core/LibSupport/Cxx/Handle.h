@@ -1,12 +1,12 @@
 // Owning handles of components.
 #pragma once
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "Cxx/Result.h"
-#include "ObjectModel/GUIDText.h"
-#include "ObjectModel/TInterfacePtr.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IPersistentData.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Cxx/Result.h>
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IPersistentData.h>
 
 #include <concepts>
 #include <string>

@@ -1,14 +1,14 @@
 // Loading objects, and telling why that is not possible.
 #pragma once
 
-#include "Cxx/DataProvider.h"
-#include "Cxx/FileState.h"
-#include "Cxx/Handle.h"
-#include "Cxx/LocalFile.h"
-#include "Cxx/LockedFile.h"
-#include "Cxx/Records.h"
-#include "Cxx/Save.h"
-#include "Cxx/URI.h"
+#include <tessio/Cxx/DataProvider.h>
+#include <tessio/Cxx/FileState.h>
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/LocalFile.h>
+#include <tessio/Cxx/LockedFile.h>
+#include <tessio/Cxx/Records.h>
+#include <tessio/Cxx/Save.h>
+#include <tessio/Cxx/URI.h>
 
 #include <cstddef>
 #include <filesystem>

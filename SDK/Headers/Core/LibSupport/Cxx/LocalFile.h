@@ -1,12 +1,12 @@
 // Files to load: which one a name stands for, opened, and what it holds.
 #pragma once
 
-#include "Cxx/DataProvider.h"
-#include "Cxx/File.h"
-#include "Cxx/FileState.h"
-#include "Cxx/Records.h"
-#include "Cxx/SystemErrors.h"
-#include "Cxx/URI.h"
+#include <tessio/Cxx/DataProvider.h>
+#include <tessio/Cxx/File.h>
+#include <tessio/Cxx/FileState.h>
+#include <tessio/Cxx/Records.h>
+#include <tessio/Cxx/SystemErrors.h>
+#include <tessio/Cxx/URI.h>
 
 #include <algorithm>
 #include <array>

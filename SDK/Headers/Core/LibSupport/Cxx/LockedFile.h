@@ -1,13 +1,13 @@
 // A file that is locked while it is read and replaced.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "Cxx/FileState.h"
-#include "Cxx/LocalFile.h"
-#include "Cxx/Records.h"
-#include "Cxx/SystemErrors.h"
-#include "FileIO/IFile.h"
-#include "FileIO/IFileAccess.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/Cxx/FileState.h>
+#include <tessio/Cxx/LocalFile.h>
+#include <tessio/Cxx/Records.h>
+#include <tessio/Cxx/SystemErrors.h>
+#include <tessio/FileIO/IFile.h>
+#include <tessio/FileIO/IFileAccess.h>
 
 #include <cstddef>
 #include <filesystem>

@@ -1,9 +1,9 @@
 // A file that is open to be written, and whether everything arrived.
 #pragma once
 
-#include "Cxx/DataProvider.h"
-#include "Logger/LogSite.h"
-#include "TessIO/IDataProviderStatus.h"
+#include <tessio/Cxx/DataProvider.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
 
 #include <string>
 #include <utility>

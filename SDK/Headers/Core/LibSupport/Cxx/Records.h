@@ -1,15 +1,15 @@
 // Object records: one object written, one object read, and what was the matter.
 #pragma once
 
-#include "Cxx/DataProvider.h"
-#include "Cxx/Handle.h"
-#include "Cxx/SystemErrors.h"
-#include "Cxx/WatchedProvider.h"
-#include "Cxx/WatchedWriting.h"
-#include "ObjectModel/GUIDText.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IDataProviderStreamStatus.h"
-#include "TessIO/IPersistentData.h"
+#include <tessio/Cxx/DataProvider.h>
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/SystemErrors.h>
+#include <tessio/Cxx/WatchedProvider.h>
+#include <tessio/Cxx/WatchedWriting.h>
+#include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IDataProviderStreamStatus.h>
+#include <tessio/TessIO/IPersistentData.h>
 
 #include <limits>
 #include <string>

@@ -1,7 +1,7 @@
 // A value, or the reason why there is none.
 #pragma once
 
-#include "Cxx/Error.h"
+#include <tessio/Cxx/Error.h>
 
 #include <concepts>
 #include <functional>

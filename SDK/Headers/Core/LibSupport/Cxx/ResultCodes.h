@@ -1,7 +1,7 @@
 // What can go wrong beyond the library's own result codes.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 /// The friendly layer for C++ programs: header-only over the interfaces.
 namespace KORVA::CXX

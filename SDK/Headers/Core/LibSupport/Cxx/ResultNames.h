@@ -1,8 +1,8 @@
 // The names of result codes, and what they mean in words.
 #pragma once
 
-#include "Cxx/ResultCodes.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Cxx/ResultCodes.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <string>
 #include <string_view>

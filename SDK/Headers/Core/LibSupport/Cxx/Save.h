@@ -1,13 +1,13 @@
 // Saving objects so that a crash leaves the old file or the new one.
 #pragma once
 
-#include "Cxx/DataProvider.h"
-#include "Cxx/FileState.h"
-#include "Cxx/Handle.h"
-#include "Cxx/LocalFile.h"
-#include "Cxx/LockedFile.h"
-#include "Cxx/Records.h"
-#include "Cxx/URI.h"
+#include <tessio/Cxx/DataProvider.h>
+#include <tessio/Cxx/FileState.h>
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/LocalFile.h>
+#include <tessio/Cxx/LockedFile.h>
+#include <tessio/Cxx/Records.h>
+#include <tessio/Cxx/URI.h>
 
 #include <cstddef>
 #include <filesystem>

@@ -1,12 +1,12 @@
 // The typed stream, with its failures in sight.
 #pragma once
 
-#include "Cxx/DataProvider.h"
-#include "Cxx/DictionaryValues.h"
-#include "Cxx/OpenFile.h"
-#include "Cxx/Records.h"
-#include "Cxx/Text.h"
-#include "TessIO/IDataProviderStream.h"
+#include <tessio/Cxx/DataProvider.h>
+#include <tessio/Cxx/DictionaryValues.h>
+#include <tessio/Cxx/OpenFile.h>
+#include <tessio/Cxx/Records.h>
+#include <tessio/Cxx/Text.h>
+#include <tessio/TessIO/IDataProviderStream.h>
 
 #include <concepts>
 #include <cstddef>

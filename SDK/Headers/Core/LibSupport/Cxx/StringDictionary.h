@@ -1,10 +1,10 @@
 // The dictionary from texts to texts.
 #pragma once
 
-#include "Cxx/Handle.h"
-#include "Cxx/SnapshotIterator.h"
-#include "Cxx/Text.h"
-#include "TessIO/IStringDictionary.h"
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/SnapshotIterator.h>
+#include <tessio/Cxx/Text.h>
+#include <tessio/TessIO/IStringDictionary.h>
 
 #include <algorithm>
 #include <concepts>

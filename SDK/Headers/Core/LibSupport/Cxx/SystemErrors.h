@@ -1,12 +1,12 @@
 // The system's reasons, which the library's codes don't tell.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "Cxx/Error.h"
-#include "Cxx/Handle.h"
-#include "FileIO/IFileAccess.h"
-#include "TessIO/IDataProvider.h"
-#include "TessIO/IDataProviderStatus.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/Cxx/Error.h>
+#include <tessio/Cxx/Handle.h>
+#include <tessio/FileIO/IFileAccess.h>
+#include <tessio/TessIO/IDataProvider.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
 
 #include <cerrno>
 #include <filesystem>

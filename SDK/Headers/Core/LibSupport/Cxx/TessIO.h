@@ -1,19 +1,19 @@
 // The whole friendly layer.
 #pragma once
 
-#include "Cxx/DataProvider.h"
-#include "Cxx/Dictionary.h"
-#include "Cxx/Error.h"
-#include "Cxx/File.h"
-#include "Cxx/FileState.h"
-#include "Cxx/Handle.h"
-#include "Cxx/Load.h"
-#include "Cxx/Result.h"
-#include "Cxx/ResultCodes.h"
-#include "Cxx/ResultNames.h"
-#include "Cxx/Save.h"
-#include "Cxx/Stream.h"
-#include "Cxx/StringDictionary.h"
-#include "Cxx/Text.h"
-#include "Cxx/URI.h"
-#include "Cxx/Update.h"
+#include <tessio/Cxx/DataProvider.h>
+#include <tessio/Cxx/Dictionary.h>
+#include <tessio/Cxx/Error.h>
+#include <tessio/Cxx/File.h>
+#include <tessio/Cxx/FileState.h>
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/Load.h>
+#include <tessio/Cxx/Result.h>
+#include <tessio/Cxx/ResultCodes.h>
+#include <tessio/Cxx/ResultNames.h>
+#include <tessio/Cxx/Save.h>
+#include <tessio/Cxx/Stream.h>
+#include <tessio/Cxx/StringDictionary.h>
+#include <tessio/Cxx/Text.h>
+#include <tessio/Cxx/URI.h>
+#include <tessio/Cxx/Update.h>

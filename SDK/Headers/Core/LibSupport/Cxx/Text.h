@@ -1,8 +1,8 @@
 // Texts as callers have them, and the UTF-16 strings of the interfaces.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "Cxx/Result.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/Cxx/Result.h>
 
 #include <concepts>
 #include <cstddef>

@@ -1,10 +1,10 @@
 // Names of resources.
 #pragma once
 
-#include "Cxx/Handle.h"
-#include "Cxx/Text.h"
-#include "TessIO/FilePaths.h"
-#include "TessIO/IURI.h"
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/Text.h>
+#include <tessio/TessIO/FilePaths.h>
+#include <tessio/TessIO/IURI.h>
 
 #include <filesystem>
 #include <optional>

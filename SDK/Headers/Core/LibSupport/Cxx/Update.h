@@ -1,12 +1,12 @@
 // Changing what a file holds, without losing what others change.
 #pragma once
 
-#include "Cxx/Handle.h"
-#include "Cxx/Load.h"
-#include "Cxx/LocalFile.h"
-#include "Cxx/LockedFile.h"
-#include "Cxx/Save.h"
-#include "Cxx/URI.h"
+#include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/Load.h>
+#include <tessio/Cxx/LocalFile.h>
+#include <tessio/Cxx/LockedFile.h>
+#include <tessio/Cxx/Save.h>
+#include <tessio/Cxx/URI.h>
 
 #include <concepts>
 #include <cstddef>

@@ -1,10 +1,10 @@
 // Sees what the typed stream does not report.
 #pragma once
 
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDataProvider.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProvider.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <cstddef>
 

@@ -1,12 +1,12 @@
 // Sees which objects make it into their records whole.
 #pragma once
 
-#include "Cxx/WatchedProvider.h"
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IPersistentData.h"
+#include <tessio/Cxx/WatchedProvider.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IPersistentData.h>
 
 #include <map>
 #include <utility>

@@ -1,7 +1,7 @@
 // The directories that a desktop system knows by purpose.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 namespace KORVA::FILE_SYS
 {

@@ -1,7 +1,8 @@
 // How a host follows, and stops, long copies.
 #pragma once
 
-#include "ObjectModel/IObject.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
 
 namespace KORVA::FILE_SYS
 {
@@ -11,7 +12,7 @@ inline constexpr GUID IID_COPY_PROGRESS{
     0x6B1E54D0, 0x29C7, 0x4E0B, {0x9A, 0x4F, 0x0D, 0x7C, 0x15, 0xE2, 0x83, 0x66}};
 
 /// Hears of the copies of `IFile::CopyTo`.
-class [[gnu::visibility("default")]] ICopyProgress : public IObject
+class TESSIO_EXPORT ICopyProgress : public IObject
 {
 public:
     /// Called on the copying thread, after each piece and once at the end, with the bytes done and in all.

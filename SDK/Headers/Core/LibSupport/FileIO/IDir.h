@@ -1,15 +1,16 @@
 // The file-system library's directory object.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "FileIO/IFile.h"
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/FileIO/IFile.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 namespace KORVA::FILE_SYS
 {
 /// A directory named by its path, whether it exists or not. Never changes; may be asked from any thread.
-class [[gnu::visibility("default")]] IDir : public IObject
+class TESSIO_EXPORT IDir : public IObject
 {
 public:
     /// Sets `path` to the absolute path, `/` between components and none at the end (but for the root).

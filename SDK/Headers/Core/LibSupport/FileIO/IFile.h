@@ -1,9 +1,10 @@
 // The file-system library's file object.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 /// Files and well-known directories.
 namespace KORVA::FILE_SYS
@@ -39,7 +40,7 @@ inline constexpr GUID IID_IFILE{0xF123396E, 0x0378, 0x4B45, {0x82, 0xE5, 0x65, 0
 /// A file named by a path, whether it exists or not. Paths are absolute or relative to the working
 /// directory, with `/` between components. Dates are nanoseconds since 1970-01-01T00:00:00Z, sizes bytes.
 /// An object that is not bound answers 15 (`Exists`: false). Used by one thread at a time.
-class [[gnu::visibility("default")]] IFile : public IObject
+class TESSIO_EXPORT IFile : public IObject
 {
 public:
     /// Names the file. False, and the object stays unbound, for an empty path, one with a null character
@@ -51,10 +52,10 @@ public:
     virtual bool Exists() = 0;
 
     /// Sets `flag` to 1 for a hidden file (one whose name begins with a dot), else to 0.
-    virtual ErrCode QueryFlag(uchar & flag) = 0;
+    virtual ErrCode QueryFlag(uchar& flag) = 0;
 
     /// Owner, group and others, each read 4, write 2, execute 1. Unchanged on failure.
-    virtual ErrCode ReadPermissions(uchar(&permissions)[3]) = 0;
+    virtual ErrCode ReadPermissions(uchar (&permissions)[3]) = 0;
 
     /// Makes an empty file. 9 when it is there already, 15 when its directory is not.
     virtual ErrCode Create() = 0;
@@ -65,13 +66,13 @@ public:
     /// Each getter leaves its argument unchanged on failure. The creation date is there only where the file
     /// system keeps one; a date before 1970 is a failure.
     ///@{
-    virtual ErrCode GetSize(uint64 & size) = 0;
-    virtual ErrCode GetModificationDate(uint64 & date) = 0;
-    virtual ErrCode SetModificationDate(uint64 & date) = 0;
-    virtual ErrCode GetCreationDate(uint64 & date) = 0;
+    virtual ErrCode GetSize(uint64& size) = 0;
+    virtual ErrCode GetModificationDate(uint64& date) = 0;
+    virtual ErrCode SetModificationDate(uint64& date) = 0;
+    virtual ErrCode GetCreationDate(uint64& date) = 0;
     ///@}
     /// Always a failure: no interface of this system sets a creation date.
-    virtual ErrCode SetCreationDate(uint64 & date) = 0;
+    virtual ErrCode SetCreationDate(uint64& date) = 0;
 
     /// Copies content, permissions, access list and modification date to `target`, replacing a file of that
     /// name at once and whole: a crash leaves the old one or the new one. Each status but 0 and 90 means that

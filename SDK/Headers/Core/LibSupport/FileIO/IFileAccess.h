@@ -1,10 +1,11 @@
 // Who may have a file now: locks, and why a file can't be opened.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "FileIO/IFile.h"
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/FileIO/IFile.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 namespace KORVA::FILE_SYS
 {
@@ -20,7 +21,7 @@ inline constexpr GUID IID_IFILE_ACCESS{
 
 /// Made by the file-system library. Paths are those of `IFile`. An object holds one lock at most, and lets it
 /// go when it dies; so does the system when the process dies. Used by one thread at a time.
-class [[gnu::visibility("default")]] IFileAccess : public IObject
+class TESSIO_EXPORT IFileAccess : public IObject
 {
 public:
     /// Takes the exclusive lock of the file that `path` names, letting go of what this object held before.

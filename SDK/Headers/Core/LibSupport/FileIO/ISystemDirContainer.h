@@ -1,8 +1,9 @@
 // Where the system's and the user's well-known directories are.
 #pragma once
 
-#include "FileIO/DirType.h"
-#include "FileIO/IDir.h"
+#include <tessio/FileIO/DirType.h>
+#include <tessio/FileIO/IDir.h>
+#include <tessio/ObjectModel/Export.h>
 
 namespace KORVA::FILE_SYS
 {
@@ -16,7 +17,7 @@ inline constexpr GUID IID_SYSTEM_DIR_CONTAINER{
 /// configuration names them or, where it does not, by their usual English names in the home directory; TMPDIR
 /// or /tmp; HOME or the user's entry in the user database. Values that are no absolute paths are ignored.
 /// Used by one thread at a time.
-class [[gnu::visibility("default")]] ISystemDirContainer : public IObject
+class TESSIO_EXPORT ISystemDirContainer : public IObject
 {
 public:
     /// The directory of that type as it was named when first asked for, borrowed for as long as this

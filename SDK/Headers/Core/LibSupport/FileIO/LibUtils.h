@@ -1,9 +1,9 @@
 // Inline helpers of the file-system library.
 #pragma once
 
-#include "FileIO/IFile.h"
-#include "Logger/LogSite.h"
-#include "ObjectModel/IClassFactory.h"
+#include <tessio/FileIO/IFile.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/ObjectModel/IClassFactory.h>
 
 namespace KORVA::FILE_SYS
 {

@@ -1,7 +1,8 @@
 // Boots a process that uses the library.
 #pragma once
 
-#include "CoreRegistry/ICoreRegistry.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/ObjectModel/Export.h>
 
 #include <memory>
 #include <string>
@@ -11,7 +12,7 @@ namespace KORVA::HOST
 {
 /// A booted process: a component registry, the companions, the library, and plug-ins. One at a time; made,
 /// used and destroyed on one thread.
-class [[gnu::visibility("default")]] Host
+class TESSIO_EXPORT Host
 {
 public:
     /// Where the parts are.
@@ -28,7 +29,7 @@ public:
     /// already.
     ///@{
     static std::unique_ptr<Host> Boot(Options const& options, std::string& error);
-    static std::unique_ptr<Host> Boot(std::string & error) { return Boot(Options(), error); }
+    static std::unique_ptr<Host> Boot(std::string& error) { return Boot(Options(), error); }
     ///@}
 
     /// Shuts down plug-ins in reverse order, then the library and the companions, and clears the registry.

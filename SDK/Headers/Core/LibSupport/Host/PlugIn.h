@@ -1,7 +1,7 @@
 // For the source of a plug-in that has its entry points: lets hosts unload it.
 #pragma once
 
-#include "ObjectModel/TObject.h"
+#include <tessio/ObjectModel/TObject.h>
 
 /// How many objects live whose classes, derived from `TObject`, are compiled into this plug-in; its factories
 /// are among them. `Host::UnloadPlugIn` asks: it refuses while there are more than there were when

@@ -1,6 +1,8 @@
 // The logging service.
 #pragma once
 
+#include <tessio/ObjectModel/Export.h>
+
 namespace KORVA
 {
 /// One message as the service receives it. The texts are borrowed for the duration of the call.
@@ -21,7 +23,7 @@ struct KLogRecord
 };
 
 /// Receives every message of the process whole, before it goes to the log file.
-class [[gnu::visibility("default")]] KLogSink
+class TESSIO_EXPORT KLogSink
 {
 public:
     /// True lets the message go on to the log file. Called on the logging thread, one message at a time;
@@ -34,7 +36,7 @@ protected:
 
 /// Writes messages to a rotating log file. Nothing here throws or waits for a failing disk: a message that
 /// can't be written is dropped. Safe from any thread.
-class [[gnu::visibility("default")]] KLoggerLibInterface
+class TESSIO_EXPORT KLoggerLibInterface
 {
 public:
     /// The process's logging service; never null. Without `InitInstance` there is no log file.
@@ -46,7 +48,7 @@ public:
     static KLoggerLibInterface* InitInstance(wchar_t const* logFileName);
 
     /// Installs a sink, borrowed until the next call; null removes it. Gives the sink installed before.
-    static KLogSink* InstallSink(KLogSink * sink);
+    static KLogSink* InstallSink(KLogSink* sink);
 
     /// Logs one message. Types: 1 notice, 2 failure. Levels: 1 normal, 2 informative.
     virtual void KLogMessage(int logType, char const* sourcePath, char const* functionSignature, int line,

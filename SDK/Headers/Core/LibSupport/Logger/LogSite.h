@@ -1,8 +1,8 @@
 // The identity of a log message, and the one way to log.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "Logger/KLoggerLibInterface.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/Logger/KLoggerLibInterface.h>
 
 #include <concepts>
 #include <string>

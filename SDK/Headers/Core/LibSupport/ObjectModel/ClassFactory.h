@@ -1,8 +1,8 @@
 // Class factories from a table of class ids.
 #pragma once
 
-#include "ObjectModel/IClassFactory.h"
-#include "ObjectModel/TObject.h"
+#include <tessio/ObjectModel/IClassFactory.h>
+#include <tessio/ObjectModel/TObject.h>
 
 namespace KORVA
 {

@@ -1,7 +1,7 @@
 // The registry text form of identifiers: {XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}.
 #pragma once
 
-#include "ObjectModel/GUID.h"
+#include <tessio/ObjectModel/GUID.h>
 
 #include <cstddef>
 #include <optional>

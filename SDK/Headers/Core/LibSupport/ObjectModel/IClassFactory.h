@@ -1,12 +1,13 @@
 // The interface through which objects are created by class id.
 #pragma once
 
-#include "ObjectModel/IObject.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
 
 namespace KORVA
 {
 /// Makes objects of the classes that it serves; registered with the component registry.
-class [[gnu::visibility("default")]] IClassFactory : public IObject
+class TESSIO_EXPORT IClassFactory : public IObject
 {
 public:
     /// Creates an object of class `classId`.

@@ -1,8 +1,9 @@
 // The root of every interface: reference counting, interface queries and aggregation of helper objects.
 #pragma once
 
-#include "ObjectModel/GUID.h"
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/GUID.h>
+#include <tessio/ObjectModel/Types.h>
 
 #include <map>
 
@@ -15,7 +16,7 @@ using AggregateMap = std::map<GUID, IObject*>;
 
 /// A reference-counted component. The order of the operations is the binary contract with hosts and
 /// plug-ins: an interface that derives from this one adds its own operations after these slots.
-class [[gnu::visibility("default")]] IObject
+class TESSIO_EXPORT IObject
 {
 public:
     /// Finds the facet of this object that answers `iid`.
@@ -34,7 +35,7 @@ public:
     /// id, which is released first: hold a reference of your own to an object that only that one holds. Null,
     /// or the object already known there, changes nothing. Not thread-safe: set up aggregates before an
     /// object is shared between threads.
-    virtual void Aggregate(IObject * object, GUID iid) = 0;
+    virtual void Aggregate(IObject* object, GUID iid) = 0;
 
     /// Releases and forgets the object known under `iid`, if any.
     virtual void UnAggregate(GUID const& iid) = 0;

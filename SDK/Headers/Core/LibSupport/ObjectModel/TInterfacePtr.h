@@ -1,7 +1,7 @@
 // The smart pointer that holds components.
 #pragma once
 
-#include "ObjectModel/IObject.h"
+#include <tessio/ObjectModel/IObject.h>
 
 #include <utility>
 

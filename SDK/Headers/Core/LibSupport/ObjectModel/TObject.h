@@ -1,7 +1,7 @@
 // The common implementation of IObject, to derive component classes from.
 #pragma once
 
-#include "ObjectModel/IObject.h"
+#include <tessio/ObjectModel/IObject.h>
 
 #include <atomic>
 

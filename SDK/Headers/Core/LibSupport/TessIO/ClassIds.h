@@ -1,7 +1,7 @@
 // Class and interface ids of the library. They are written into files: none may ever change.
 #pragma once
 
-#include "ObjectModel/GUID.h"
+#include <tessio/ObjectModel/GUID.h>
 
 namespace KORVA::IO
 {

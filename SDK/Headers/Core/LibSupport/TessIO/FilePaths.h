@@ -1,10 +1,10 @@
 // Between the standard library's file paths and URIs.
 #pragma once
 
-#include "ObjectModel/IClassFactory.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IURI.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/ObjectModel/IClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IURI.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <filesystem>
 #include <optional>

@@ -1,7 +1,8 @@
 // Reading at explicit positions of a file.
 #pragma once
 
-#include "TessIO/IAsyncTask.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IAsyncTask.h>
 
 #include <cstddef>
 
@@ -15,7 +16,7 @@ namespace KORVA::IO
 /// Offsets and lengths are bytes; offsets count from the start of the file. What the provider's stream still
 /// buffers is not in the file yet, and what the writer puts there is not seen by what the stream has read
 /// ahead.
-class [[gnu::visibility("default")]] IAsyncReader : public IObject
+class TESSIO_EXPORT IAsyncReader : public IObject
 {
 public:
     /// Begins to read `length` bytes at `offset` to `buffer`, borrowed until the operation has ended, and

@@ -1,15 +1,16 @@
 // An operation in flight.
 #pragma once
 
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 namespace KORVA::IO
 {
 /// Made by `IAsyncReader::ReadAsync` and `IAsyncWriter::WriteAsync`. May be asked from any thread, and
 /// dropped before the operation has ended, which does not end it: the bytes must stay where they are until
 /// then.
-class [[gnu::visibility("default")]] IAsyncTask : public IObject
+class TESSIO_EXPORT IAsyncTask : public IObject
 {
 public:
     /// Waits until the operation has ended, however long that takes, and gives 0. To be called once: the end

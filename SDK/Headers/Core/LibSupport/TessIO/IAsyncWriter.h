@@ -1,7 +1,8 @@
 // Writing at explicit positions of a file.
 #pragma once
 
-#include "TessIO/IAsyncTask.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IAsyncTask.h>
 
 #include <cstddef>
 
@@ -9,7 +10,7 @@ namespace KORVA::IO
 {
 /// A file-based data provider opened with mode 1 to 4 answers one under `IID_ASYNC_WRITER`; all that is said
 /// of `IAsyncReader` holds here too. Mode 3 opens for reading: every write of it fails.
-class [[gnu::visibility("default")]] IAsyncWriter : public IObject
+class TESSIO_EXPORT IAsyncWriter : public IObject
 {
 public:
     /// Begins to write `length` bytes of `buffer`, borrowed until the operation has ended, at `offset`, and

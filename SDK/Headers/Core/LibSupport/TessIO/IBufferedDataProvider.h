@@ -1,7 +1,8 @@
 // A data provider with one memory buffer in front of another.
 #pragma once
 
-#include "TessIO/IDataProvider.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 namespace KORVA::IO
 {
@@ -50,13 +51,13 @@ inline constexpr BufferMode kBufferBoth = 3;
 /// - What is left to read is counted in 32 bits: while that is 2 GiB or more, reads shorter than the buffer
 ///   may find nothing.
 /// - The last `Release` flushes; `SetAutoFlush(false)` does not keep it from delivering written bytes.
-class [[gnu::visibility("default")]] IBufferedDataProvider : public IDataProvider
+class TESSIO_EXPORT IBufferedDataProvider : public IDataProvider
 {
 public:
     /// Releases the provider wrapped before, shares `provider`, which must not live by that one reference,
     /// and allocates `bufferSize` bytes (without room, what is buffered is passed on). Bytes waiting in the
     /// buffer are lost. Gives the new reference count of `provider`: a result that is not 0 is no failure.
-    virtual ErrCode Init(IDataProvider & provider, int bufferSize, int mode) = 0;
+    virtual ErrCode Init(IDataProvider& provider, int bufferSize, int mode) = 0;
 
     /// In bytes, as last set.
     virtual int GetBufferSize() const = 0;

@@ -1,7 +1,8 @@
 // Positioned sources and sinks of bytes.
 #pragma once
 
-#include "ObjectModel/IObject.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
 
 #include <cstddef>
 
@@ -33,7 +34,7 @@ inline constexpr StreamMode kStreamMode4 = 4;
 /// one thread at a time. Counts, sizes and positions are bytes. Failures are logged,
 /// but for those that opening a file answers with 1, 36 or 40 (or 26 for a directory), for 30 of read-only
 /// memory's `SetSize`, and for reads that find less than asked.
-class [[gnu::visibility("default")]] IDataProvider : public IObject
+class TESSIO_EXPORT IDataProvider : public IObject
 {
 public:
     /// The byte order in which a stream over the provider writes numbers.
@@ -78,7 +79,7 @@ public:
     /// provider; asynchronous writes that are still under way then keep it until the last one has ended,
     /// reads don't. Where streams must match the descriptor, as on Linux, mode 1 ends in 26 and leaves the
     /// descriptor open at every try, until the process ends.
-    virtual ErrCode InitURIBased(IURI & uri, int mode, IReporter* reporter) = 0;
+    virtual ErrCode InitURIBased(IURI& uri, int mode, IReporter* reporter) = 0;
 
     /// Writes `count` bytes at the position and advances it. 0; 13 null data (a file; memory blocks don't
     /// look); 30 the mode or kind forbids it;

@@ -1,7 +1,8 @@
 // What a data provider's answers leave out: bytes that are lost, and whether the rest is on the disk.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/Types.h>
 
 namespace KORVA::IO
 {
@@ -16,7 +17,7 @@ namespace KORVA::IO
 /// Null for providers of others, which may hold nothing back. The result is borrowed and lives as long as the
 /// provider. Used by one thread at a time, the provider's. Nothing is logged here: whoever asks knows what it
 /// is about.
-class [[gnu::visibility("default")]] IDataProviderStatus
+class TESSIO_EXPORT IDataProviderStatus
 {
 public:
     /// How many bytes the provider took, held back and could not deliver, since it was initialised. They are

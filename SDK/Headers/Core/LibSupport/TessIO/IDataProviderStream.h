@@ -1,10 +1,11 @@
 // The typed stream over a data provider.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 namespace KORVA::IO
 {
@@ -19,12 +20,12 @@ namespace KORVA::IO
 /// Objects go out and come back as self-delimiting records: class id, length, body, persistent aggregates.
 /// Writing one sets the provider's position back to patch lengths in, so a write-buffered provider loses
 /// bytes: serialize into a memory block and write its bytes out in one piece.
-class [[gnu::visibility("default")]] IDataProviderStream : public IObject
+class TESSIO_EXPORT IDataProviderStream : public IObject
 {
 public:
     /// Releases the provider held, then shares `provider`: re-initialising with a provider that only the
     /// stream keeps alive destroys it. Always 0.
-    virtual ErrCode Init(IDataProvider & provider) = 0;
+    virtual ErrCode Init(IDataProvider& provider) = 0;
     /// The provider, with a reference of its own; empty when there is none.
     virtual TInterfacePtr<IDataProvider> GetDataProvider() const = 0;
 

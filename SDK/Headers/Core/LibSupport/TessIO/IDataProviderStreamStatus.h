@@ -1,6 +1,8 @@
 // What a typed stream does not say of the records that it read.
 #pragma once
 
+#include <tessio/ObjectModel/Export.h>
+
 namespace KORVA::IO
 {
 /// A record whose body throws is skipped, whatever was thrown, and looks like a damaged one. This interface
@@ -13,7 +15,7 @@ namespace KORVA::IO
 ///
 /// Null for streams of others. The result is borrowed and lives as long as the stream. Used by one thread at
 /// a time, the stream's.
-class [[gnu::visibility("default")]] IDataProviderStreamStatus
+class TESSIO_EXPORT IDataProviderStreamStatus
 {
 public:
     /// Whether the body of a record that was read from this stream, or of one inside it, found no memory

@@ -1,8 +1,9 @@
 // A persistent map from numbers to values and objects.
 #pragma once
 
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 namespace KORVA
 {
@@ -11,11 +12,11 @@ namespace KORVA
 /// Plain values are wrapped in objects that keep a number both as a 64-bit integer and as a double, so that
 /// a number put as one type can be fetched as any other. Any object can be put; those without persistence
 /// are not saved. Values are shared, not copied.
-class [[gnu::visibility("default")]] IDictionary : public IObject
+class TESSIO_EXPORT IDictionary : public IObject
 {
 public:
     /// What `ForEach` calls.
-    class [[gnu::visibility("default")]] IDictionaryFunctor
+    class TESSIO_EXPORT IDictionaryFunctor
     {
     public:
         virtual ~IDictionaryFunctor() = default;
@@ -25,7 +26,7 @@ public:
 
     /// Copies the entries to `target`, sharing the values. An empty pointer gets a new dictionary; one that
     /// holds a dictionary has it cleared first, and filled only when it is of this class. Always 0.
-    virtual ErrCode Clone(TInterfacePtr<IDictionary> & target) const = 0;
+    virtual ErrCode Clone(TInterfacePtr<IDictionary>& target) const = 0;
     /// Releases every value and forgets it.
     virtual void Clear() = 0;
     /// Releases the value under `key`, if there is one, and forgets it.
@@ -87,6 +88,6 @@ public:
     /// Entries that are no plain values are logged and pass. A value read with no type never is equal.
     virtual bool8 SubSet(IDictionary const& other) const = 0;
     /// Calls the functor with each entry in ascending key order until it answers true.
-    virtual void ForEach(IDictionaryFunctor & functor) const = 0;
+    virtual void ForEach(IDictionaryFunctor& functor) const = 0;
 };
 } // namespace KORVA

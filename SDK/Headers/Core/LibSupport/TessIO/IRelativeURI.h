@@ -1,9 +1,10 @@
 // A file named from a well-known directory.
 #pragma once
 
-#include "FileIO/DirType.h"
-#include "FileIO/IDir.h"
-#include "TessIO/IURI.h"
+#include <tessio/FileIO/DirType.h>
+#include <tessio/FileIO/IDir.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IURI.h>
 
 namespace KORVA::IO
 {
@@ -19,7 +20,7 @@ namespace KORVA::IO
 /// `GetPath` is plain text, never unescaped; `GetAbsoluteString` and `GetQuery` are always empty; `GetName`
 /// leaves `:` as it is; equal are objects of this class whose ports, schemes, hosts and full paths are equal,
 /// wherever they are anchored.
-class [[gnu::visibility("default")]] IRelativeURI : public IURI
+class TESSIO_EXPORT IRelativeURI : public IURI
 {
 public:
     using IURI::Init;
@@ -50,7 +51,7 @@ public:
     virtual STRING::CoreString const& GetRelPath() const = 0;
 
     /// Sets `*dir` to the directory, borrowed; null when there is none.
-    virtual void GetBaseDir(FILE_SYS::IDir * *dir) const = 0;
+    virtual void GetBaseDir(FILE_SYS::IDir** dir) const = 0;
 };
 
 /// Holds a relative URI.

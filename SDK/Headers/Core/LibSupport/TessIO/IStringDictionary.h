@@ -1,18 +1,19 @@
 // A persistent map from strings to strings.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "ObjectModel/IObject.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
 
 namespace KORVA
 {
 /// Class id `IO::IID_STRING_DICTIONARY`; the object does not answer that id. Keys are ordered by code unit.
 /// Used by one thread at a time. Reading from a stream merges into what is there.
-class [[gnu::visibility("default")]] IStringDictionary : public IObject
+class TESSIO_EXPORT IStringDictionary : public IObject
 {
 public:
     /// What `ForEach` calls.
-    class [[gnu::visibility("default")]] IForEachFunctor
+    class TESSIO_EXPORT IForEachFunctor
     {
     public:
         virtual ~IForEachFunctor() = default;
@@ -33,6 +34,6 @@ public:
     /// The number of entries.
     virtual uint32 Size() const = 0;
     /// Calls the functor with each entry in ascending key order.
-    virtual void ForEach(IForEachFunctor & functor) const = 0;
+    virtual void ForEach(IForEachFunctor& functor) const = 0;
 };
 } // namespace KORVA

@@ -1,9 +1,10 @@
 // The name of a resource.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 namespace KORVA::IO
 {
@@ -12,7 +13,7 @@ namespace KORVA::IO
 /// Nothing here reports an error: a text that makes no URL leaves the object without one, and every getter
 /// then gives an empty text or 0. A getter also gives an empty text for a part whose percent escapes are not
 /// well-formed UTF-8.
-class [[gnu::visibility("default")]] IURI : public IObject
+class TESSIO_EXPORT IURI : public IObject
 {
 public:
     /// Names a resource by anything a person would write: a URL, a POSIX path, a Windows drive or network
@@ -40,7 +41,7 @@ public:
     /// The whole resolved text, unescaped; empty for a class that has none.
     virtual STRING::CoreString GetAbsoluteString() const = 0;
     /// The last component of the path, with `/` for each `:`. A trailing separator of the path stays.
-    virtual void GetName(STRING::CoreString & name) const = 0;
+    virtual void GetName(STRING::CoreString& name) const = 0;
     /// Same class, same URL text and same base. Case and escapes matter. What decides is the class on the
     /// left, but for one case: where the right side is declared as a class that overrides this, and not as an
     /// `IURI`, `a == b` calls the operator of `b`, since the language also looks at the two the other way

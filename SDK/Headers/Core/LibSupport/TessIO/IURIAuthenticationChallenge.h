@@ -1,14 +1,15 @@
 // What is known when a resource asks who is there.
 #pragma once
 
-#include "TessIO/IURICredential.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IURICredential.h>
 
 namespace KORVA::IO
 {
 /// How often and why earlier attempts failed, and the credential proposed for the next. Class id
 /// `IID_URI_AUTHENTICATION_CHALLENGE`. Nothing is checked and nothing persisted. Used by one thread at a
 /// time.
-class [[gnu::visibility("default")]] IURIAuthenticationChallenge : public IObject
+class TESSIO_EXPORT IURIAuthenticationChallenge : public IObject
 {
 public:
     /// Replaces all three. Shares the credential, which may be null or the one held already, and releases the

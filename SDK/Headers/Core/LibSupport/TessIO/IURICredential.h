@@ -1,16 +1,17 @@
 // Who asks for a resource.
 #pragma once
 
-#include "CoreString/CoreString.h"
-#include "ObjectModel/IObject.h"
-#include "ObjectModel/TInterfacePtr.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/ObjectModel/IObject.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
 
 namespace KORVA::IO
 {
 /// A user name and a password. Class id `IID_URI_CREDENTIAL`. Nothing is checked and nothing persisted. The
 /// password is overwritten in memory when it is replaced and when the object dies; copies that a caller makes
 /// are the caller's to overwrite. Used by one thread at a time.
-class [[gnu::visibility("default")]] IURICredential : public IObject
+class TESSIO_EXPORT IURICredential : public IObject
 {
 public:
     /// Copies both.

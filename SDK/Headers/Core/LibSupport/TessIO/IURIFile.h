@@ -1,8 +1,9 @@
 // A file named by a URI.
 #pragma once
 
-#include "TessIO/IDataProviderStream.h"
-#include "TessIO/IURI.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/IURI.h>
 
 namespace KORVA::IO
 {
@@ -26,18 +27,18 @@ inline constexpr FileAttribute kAttributeOthersExecute = 9;
 /// Created by the URI registry for a URI's scheme. Holds nothing but the URI and the reporter: every call
 /// looks at the file anew. Dates are nanoseconds since 1970-01-01T00:00:00Z, sizes bytes. Out-parameters
 /// are unchanged on failure unless said otherwise. Used by one thread at a time.
-class [[gnu::visibility("default")]] IURIFile : public IObject
+class TESSIO_EXPORT IURIFile : public IObject
 {
 public:
     /// Shares both (the reporter may be null) and releases what was held. Always 0.
-    virtual ErrCode Init(IURI & uri, IReporter * reporter) = 0;
+    virtual ErrCode Init(IURI& uri, IReporter* reporter) = 0;
 
     /// Opens a stream for reading (mode 0) or for reading and writing (mode 2) on the existing file;
     /// `stream` adopts it. 0; 12 nothing could be created; 13 no URI; else the code of
     /// `IDataProvider::InitURIBased`.
     ///@{
-    virtual ErrCode Read(TInterfacePtr<IDataProviderStream> & stream) const = 0;
-    virtual ErrCode Write(TInterfacePtr<IDataProviderStream> & stream) const = 0;
+    virtual ErrCode Read(TInterfacePtr<IDataProviderStream>& stream) const = 0;
+    virtual ErrCode Write(TInterfacePtr<IDataProviderStream>& stream) const = 0;
     ///@}
 
     /// Whether anything of that name is there.
@@ -54,10 +55,10 @@ public:
 
     /// 0, or 26 whatever the cause. A creation date can't be set, and not every file system keeps one.
     ///@{
-    virtual ErrCode GetModificationDate(uint64 & date) const = 0;
-    virtual ErrCode SetModificationDate(uint64 & date) = 0;
-    virtual ErrCode GetCreationDate(uint64 & date) const = 0;
-    virtual ErrCode SetCreationDate(uint64 & date) = 0;
+    virtual ErrCode GetModificationDate(uint64& date) const = 0;
+    virtual ErrCode SetModificationDate(uint64& date) = 0;
+    virtual ErrCode GetCreationDate(uint64& date) const = 0;
+    virtual ErrCode SetCreationDate(uint64& date) = 0;
     ///@}
 
     /// 0; 26 no such file; 32 (logged) no such attribute.
@@ -67,7 +68,7 @@ public:
     virtual ErrCode SetAttribute(FileAttribute attribute, bool value) = 0;
 
     /// 0 or 26.
-    virtual ErrCode GetSize(uint64 & size) const = 0;
+    virtual ErrCode GetSize(uint64& size) const = 0;
 };
 
 /// Holds a file of a URI.

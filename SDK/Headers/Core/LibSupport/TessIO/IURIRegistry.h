@@ -1,13 +1,14 @@
 // Which component serves which URI scheme.
 #pragma once
 
-#include "TessIO/IURIFile.h"
+#include <tessio/ObjectModel/Export.h>
+#include <tessio/TessIO/IURIFile.h>
 
 namespace KORVA::IO
 {
 /// Class id `IID_URI_REGISTRY`. All objects of this class share one table and one default reporter, which are
 /// not locked: register schemes while the process starts.
-class [[gnu::visibility("default")]] IURIRegistry : public IObject
+class TESSIO_EXPORT IURIRegistry : public IObject
 {
 public:
     /// Maps `scheme` (case matters) to a class whose objects are `IURIFile`s. Always 0: the first
@@ -18,9 +19,9 @@ public:
     /// default reporter when that is null. 0 and `file` adopts the object; -1004 for a scheme that nobody
     /// serves, 12 without a component registry, else its code or that of the object's `Init` (logged): `file`
     /// is then unchanged.
-    virtual HRESULT Create(IURI & uri, IURIFilePtr & file, IReporter * reporter) = 0;
+    virtual HRESULT Create(IURI& uri, IURIFilePtr& file, IReporter* reporter) = 0;
 
     /// Shares `reporter` for the files created from now on without one; null clears it. Always 0.
-    virtual HRESULT SetDefaultReporter(IReporter * reporter) = 0;
+    virtual HRESULT SetDefaultReporter(IReporter* reporter) = 0;
 };
 } // namespace KORVA::IO

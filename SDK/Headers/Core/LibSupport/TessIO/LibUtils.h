@@ -1,11 +1,11 @@
 // Inline helpers of the library.
 #pragma once
 
-#include "Logger/LogSite.h"
-#include "ObjectModel/IClassFactory.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IURI.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/ObjectModel/IClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IURI.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 namespace KORVA::IO
 {

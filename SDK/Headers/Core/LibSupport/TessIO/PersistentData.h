@@ -1,10 +1,10 @@
 // The adapter that makes a class of one's own persistent.
 #pragma once
 
-#include "ObjectModel/TInterfacePtr.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IPersistentData.h"
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IPersistentData.h>
 
 namespace KORVA::IO
 {

@@ -1,7 +1,7 @@
 // The result codes of the library's operations. 0, -50 and -1004 stand in ObjectModel/Types.h.
 #pragma once
 
-#include "ObjectModel/Types.h"
+#include <tessio/ObjectModel/Types.h>
 
 namespace KORVA::IO
 {

@@ -1,7 +1,8 @@
 // The library's entry points.
 #pragma once
 
-#include "CoreRegistry/ICoreRegistry.h"
+#include <tessio/CoreRegistry/ICoreRegistry.h>
+#include <tessio/ObjectModel/Export.h>
 
 /// The library: data providers, streams and object records, dictionaries, URIs.
 namespace KORVA::IO
@@ -9,8 +10,8 @@ namespace KORVA::IO
 /// Registers the library's class factories with `registry` and maps the scheme "file" to the file proxy.
 /// A host calls it once, before it creates any object of the library. Result 0, whatever the registry
 /// answers to the single registrations; -50 (logged) when `registry` is null.
-[[gnu::visibility("default")]] int Init(COREREGISTRY::ICoreRegistry* registry);
+TESSIO_EXPORT int Init(COREREGISTRY::ICoreRegistry* registry);
 
 /// Does nothing: the factories stay with the registry, which owns them.
-[[gnu::visibility("default")]] void Shutdown();
+TESSIO_EXPORT void Shutdown();
 } // namespace KORVA::IO

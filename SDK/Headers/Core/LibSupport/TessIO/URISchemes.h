@@ -1,7 +1,7 @@
 // Scheme names. Each source that includes this has its own copies.
 #pragma once
 
-#include "CoreString/CoreString.h"
+#include <tessio/CoreString/CoreString.h>
 
 namespace KORVA::IO
 {

@@ -1,7 +1,7 @@
 #include "Mac/HandleDataProvider.h"
 
-#include "Logger/LogSite.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
 #include "Mac/MAsyncAggregates.h"
 
-#include "Logger/LogSite.h"
 #include "Mac/MFileDataProvider.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 namespace KORVA::IO
 {

@@ -1,10 +1,10 @@
 // What a file-based data provider answers for reading and writing at explicit positions.
 #pragma once
 
-#include "ObjectModel/TObject.h"
 #include "Platform/Semaphore.h"
-#include "TessIO/IAsyncReader.h"
-#include "TessIO/IAsyncWriter.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IAsyncReader.h>
+#include <tessio/TessIO/IAsyncWriter.h>
 
 #include <atomic>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "Mac/MAsyncTask.h"
 
-#include "Logger/LogSite.h"
+#include <tessio/Logger/LogSite.h>
 
 namespace KORVA::IO
 {

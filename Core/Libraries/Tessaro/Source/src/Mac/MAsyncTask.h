@@ -1,10 +1,10 @@
 // An operation on a file's channel.
 #pragma once
 
-#include "ObjectModel/TObject.h"
 #include "Platform/IOChannel.h"
 #include "Platform/Semaphore.h"
-#include "TessIO/IAsyncTask.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IAsyncTask.h>
 
 #include <atomic>
 #include <mutex>

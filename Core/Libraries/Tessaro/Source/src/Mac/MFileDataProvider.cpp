@@ -1,11 +1,11 @@
 #include "Mac/MFileDataProvider.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "FileIO/LibUtils.h"
-#include "Logger/LogSite.h"
 #include "Mac/MAsyncAggregates.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/FileIO/LibUtils.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <limits>
 

@@ -1,14 +1,14 @@
 // The provider over a file.
 #pragma once
 
-#include "CoreString/CoreString.h"
 #include "DataProviderImpl.h"
-#include "ObjectModel/TInterfacePtr.h"
 #include "Platform/FileStream.h"
 #include "Platform/IOChannel.h"
-#include "TessIO/IAsyncTask.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/IURI.h"
+#include <tessio/CoreString/CoreString.h>
+#include <tessio/ObjectModel/TInterfacePtr.h>
+#include <tessio/TessIO/IAsyncTask.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/IURI.h>
 
 #include <atomic>
 #include <memory>

@@ -1,8 +1,8 @@
 // The file provider's operations at explicit positions.
-#include "Logger/LogSite.h"
 #include "Mac/MAsyncTask.h"
 #include "Mac/MFileDataProvider.h"
-#include "TessIO/ResultCodes.h"
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/ResultCodes.h>
 
 #include <cstring>
 #include <functional>

@@ -1,9 +1,9 @@
 #include "Mac/MacConversions.h"
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "Logger/LogSite.h"
 #include "Platform/StringServices.h"
-#include "TessIO/LibUtils.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/LibUtils.h>
 
 #include <optional>
 #include <string>

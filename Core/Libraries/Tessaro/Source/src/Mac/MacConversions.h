@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Platform/FileReference.h"
-#include "TessIO/IURI.h"
+#include <tessio/TessIO/IURI.h>
 
 namespace KORVA::IO
 {

@@ -1,7 +1,7 @@
 // Object records and the buffer: jumping back to fill in a length costs the bytes behind it.
 #include "Serialization.h"
-#include "TessIO/IBufferedDataProvider.h"
 #include "WatchedProvider.h"
+#include <tessio/TessIO/IBufferedDataProvider.h>
 
 namespace KORVA
 {

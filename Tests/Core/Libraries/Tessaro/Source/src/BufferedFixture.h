@@ -2,9 +2,9 @@
 #pragma once
 
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IBufferedDataProvider.h"
 #include "WatchedProvider.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IBufferedDataProvider.h>
 
 #include <gtest/gtest.h>
 

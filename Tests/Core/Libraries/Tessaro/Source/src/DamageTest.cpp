@@ -2,7 +2,7 @@
 // come back, and what stands in it must neither crash, hang nor leak.
 #include "DamagedFile.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/IURIFile.h"
+#include <tessio/TessIO/IURIFile.h>
 
 #include <random>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Serialization.h"
-#include "TessIO/IURI.h"
+#include <tessio/TessIO/IURI.h>
 
 #include <utility>
 

@@ -1,10 +1,10 @@
 #include "DataProvider.h"
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Platform/Posix/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gmock/gmock.h>
 

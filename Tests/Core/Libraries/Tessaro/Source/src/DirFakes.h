@@ -1,10 +1,10 @@
 // System directories that lie where a test wants them, and relative URIs in them.
 #pragma once
 
-#include "FileIO/ISystemDirContainer.h"
-#include "ObjectModel/TObject.h"
 #include "Serialization.h"
-#include "TessIO/IRelativeURI.h"
+#include <tessio/FileIO/ISystemDirContainer.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IRelativeURI.h>
 
 #include <map>
 #include <ostream>

@@ -3,13 +3,13 @@
 
 #include "Support/Library.h"
 
-#include "FileIO/IFile.h"
 #include "FileProxy.h"
-#include "ObjectModel/IClassFactory.h"
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/TessIO.h"
+#include <tessio/FileIO/IFile.h>
+#include <tessio/ObjectModel/IClassFactory.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/TessIO.h>
 
 #include <gtest/gtest.h>
 

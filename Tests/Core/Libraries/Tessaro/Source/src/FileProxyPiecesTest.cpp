@@ -1,7 +1,7 @@
 // Providers and streams that the file proxy can't have, or that fail it.
 #include "FileFakes.h"
 
-#include "TessIO/ClassIds.h"
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "FileFakes.h"
 
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/TessIO/ClassIds.h>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

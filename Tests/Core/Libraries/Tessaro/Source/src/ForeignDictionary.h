@@ -1,8 +1,8 @@
 // A dictionary of another class than the library's.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDictionary.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDictionary.h>
 
 #include <string>
 #include <utility>

@@ -6,8 +6,8 @@
 #include "Support/ForwardingProvider.h"
 #include "Support/Laid.h"
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDictionary.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDictionary.h>
 
 #include <fstream>
 #include <string>

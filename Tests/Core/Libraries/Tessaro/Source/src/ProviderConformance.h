@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Support/LogCapture.h"
-#include "TessIO/IBufferedDataProvider.h"
+#include <tessio/TessIO/IBufferedDataProvider.h>
 
 #include <optional>
 #include <vector>

@@ -1,10 +1,10 @@
 // What every data provider does alike.
 #include "ProviderConformance.h"
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gmock/gmock.h>
 

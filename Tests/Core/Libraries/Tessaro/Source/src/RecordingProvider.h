@@ -1,9 +1,9 @@
 // A data provider of the tests' own: it writes down every call and fails when it is told to.
 #pragma once
 
-#include "ObjectModel/TObject.h"
 #include "Support/Bytes.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <algorithm>
 #include <deque>

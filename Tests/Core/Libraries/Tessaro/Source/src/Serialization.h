@@ -1,14 +1,14 @@
 // What the tests of the stream and of the persistent classes share.
 #pragma once
 
-#include "ObjectModel/ClassFactory.h"
 #include "RecordingProvider.h"
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IDictionary.h"
-#include "TessIO/IPersistentData.h"
-#include "TessIO/IStringDictionary.h"
-#include "TessIO/PersistentData.h"
+#include <tessio/ObjectModel/ClassFactory.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IDictionary.h>
+#include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/IStringDictionary.h>
+#include <tessio/TessIO/PersistentData.h>
 
 #include <functional>
 #include <string_view>

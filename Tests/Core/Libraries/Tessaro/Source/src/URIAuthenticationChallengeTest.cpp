@@ -1,10 +1,10 @@
 // What is known when a resource asks who is there.
-#include "TessIO/IURIAuthenticationChallenge.h"
+#include <tessio/TessIO/IURIAuthenticationChallenge.h>
 
-#include "ObjectModel/TObject.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gtest/gtest.h>
 

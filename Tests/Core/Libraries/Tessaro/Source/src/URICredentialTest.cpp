@@ -1,10 +1,10 @@
 // A user name and a password.
-#include "TessIO/IURICredential.h"
+#include <tessio/TessIO/IURICredential.h>
 
 #include "FreedMemory.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // When URIs are equal, and what of them survives in a record.
 #include "Support/Library.h"
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IPersistentData.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IPersistentData.h>
 
 #include <gtest/gtest.h>
 

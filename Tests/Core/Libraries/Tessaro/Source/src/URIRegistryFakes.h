@@ -3,8 +3,8 @@
 
 #include "FileFakes.h"
 
-#include "TessIO/ClassIds.h"
-#include "TessIO/IURIRegistry.h"
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IURIRegistry.h>
 
 namespace KORVA::TESTS
 {

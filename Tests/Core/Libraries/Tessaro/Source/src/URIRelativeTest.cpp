@@ -1,8 +1,8 @@
 // URIs taken against other URIs.
 #include "Support/Library.h"
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // What each kind of location answers through the getters.
 #include "Support/Library.h"
 
-#include "TessIO/ClassIds.h"
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gtest/gtest.h>
 

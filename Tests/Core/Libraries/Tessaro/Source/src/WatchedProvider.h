@@ -1,8 +1,8 @@
 // A data provider under another one: it writes down what reaches it and answers what a test wants.
 #pragma once
 
-#include "ObjectModel/TObject.h"
-#include "TessIO/IDataProvider.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/IDataProvider.h>
 
 #include <algorithm>
 #include <deque>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Mac/FileProviderFixture.h"
-#include "TessIO/IAsyncReader.h"
-#include "TessIO/IAsyncWriter.h"
+#include <tessio/TessIO/IAsyncReader.h>
+#include <tessio/TessIO/IAsyncWriter.h>
 
 #include <chrono>
 #include <cstddef>

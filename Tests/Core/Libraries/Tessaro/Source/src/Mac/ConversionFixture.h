@@ -3,10 +3,10 @@
 
 #include "Mac/MacConversions.h"
 
-#include "ObjectModel/TObject.h"
 #include "SDK/Tracked.h"
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <cstring>
 #include <filesystem>

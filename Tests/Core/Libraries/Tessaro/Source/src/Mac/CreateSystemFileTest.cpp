@@ -1,8 +1,8 @@
 // The inline helper that makes file objects, against factories of every kind.
-#include "FileIO/LibUtils.h"
+#include <tessio/FileIO/LibUtils.h>
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Mac/FileProviderFixture.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
 
 #include <gmock/gmock.h>
 

@@ -2,8 +2,8 @@
 #include "Mac/AsyncFixture.h"
 #include "Platform/Posix/FreshProcess.h"
 #include "Platform/Posix/ResourceLimit.h"
-#include "TessIO/IBufferedDataProvider.h"
-#include "TessIO/IDataProviderStatus.h"
+#include <tessio/TessIO/IBufferedDataProvider.h>
+#include <tessio/TessIO/IDataProviderStatus.h>
 
 #include <cerrno>
 #include <csignal>

@@ -1,13 +1,13 @@
 // What the tests of the file provider share.
 #pragma once
 
-#include "CoreRegistry/CoreRegistry.h"
-#include "ObjectModel/TObject.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/ClassIds.h"
-#include "TessIO/IReporter.h"
-#include "TessIO/IURIDataProvider.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/ObjectModel/TObject.h>
+#include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/IReporter.h>
+#include <tessio/TessIO/IURIDataProvider.h>
 
 #include <filesystem>
 #include <ostream>

@@ -1,8 +1,8 @@
 // How the block of a memory provider grows, shrinks and runs out.
-#include "CoreRegistry/CoreRegistry.h"
 #include "Platform/Posix/AddressSpaceLimit.h"
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gmock/gmock.h>
 

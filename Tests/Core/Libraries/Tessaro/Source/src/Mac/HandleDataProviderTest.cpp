@@ -1,8 +1,8 @@
 #include "Mac/HandleDataProvider.h"
 
-#include "CoreRegistry/CoreRegistry.h"
 #include "Support/Library.h"
-#include "TessIO/ClassIds.h"
+#include <tessio/CoreRegistry/CoreRegistry.h>
+#include <tessio/TessIO/ClassIds.h>
 
 #include <gmock/gmock.h>
 

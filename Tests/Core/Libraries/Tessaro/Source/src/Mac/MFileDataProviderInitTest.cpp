@@ -1,11 +1,11 @@
 // What a file provider makes, shares and gives its facade.
-#include "FileIO/IFile.h"
-#include "Logger/LogSite.h"
 #include "Mac/FileProviderFixture.h"
 #include "Mac/MFileDataProvider.h"
 #include "Platform/Posix/ChildProcess.h"
-#include "TessIO/IAsyncReader.h"
-#include "TessIO/IAsyncWriter.h"
+#include <tessio/FileIO/IFile.h>
+#include <tessio/Logger/LogSite.h>
+#include <tessio/TessIO/IAsyncReader.h>
+#include <tessio/TessIO/IAsyncWriter.h>
 
 #include <fcntl.h>
 

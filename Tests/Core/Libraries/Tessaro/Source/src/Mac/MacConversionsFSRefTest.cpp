@@ -3,7 +3,7 @@
 
 #include "Mac/ConversionFixture.h"
 #include "Support/TemporaryDirectory.h"
-#include "TessIO/IRelativeURI.h"
+#include <tessio/TessIO/IRelativeURI.h>
 
 #include <gtest/gtest.h>
 

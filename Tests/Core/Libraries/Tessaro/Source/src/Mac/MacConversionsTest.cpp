@@ -2,8 +2,8 @@
 #include "Mac/MacConversions.h"
 
 #include "Mac/ConversionFixture.h"
-#include "TessIO/IRelativeURI.h"
-#include "TessIO/LibUtils.h"
+#include <tessio/TessIO/IRelativeURI.h>
+#include <tessio/TessIO/LibUtils.h>
 
 #include <gtest/gtest.h>
 
