@@ -25,6 +25,14 @@ install(FILES ${made}/TessIOConfig.cmake ${made}/TessIOConfigVersion.cmake
     DESTINATION ${config}
     COMPONENT dev)
 
+# Programs that use it need two more libraries, so that they ask for it by name: find_package(TessIO COMPONENTS Records).
+if(TARGET tessio_records)
+    install(TARGETS tessio_records EXPORT TessIORecords
+        ARCHIVE COMPONENT dev
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
+    install(EXPORT TessIORecords NAMESPACE TessIO:: DESTINATION ${config} COMPONENT dev)
+endif()
+
 # The tool is in a package of its own, and its target is there when that is.
 if(TESSIO_BUILD_TOOLS)
     install(TARGETS tessio EXPORT TessIOTools RUNTIME COMPONENT tools)
@@ -60,7 +68,11 @@ set(tessio_linkage shared)
 if(TESSIO_STATIC)
     set(tessio_linkage static)
 endif()
-foreach(module tessio-sdk tessio tessio-host)
+set(tessio_modules tessio-sdk tessio tessio-host)
+if(TARGET tessio_records)
+    list(APPEND tessio_modules tessio-records)
+endif()
+foreach(module IN LISTS tessio_modules)
     configure_file(${CMAKE_CURRENT_LIST_DIR}/${tessio_linkage}/${module}.pc.in ${made}/${module}.pc @ONLY)
     install(FILES ${made}/${module}.pc DESTINATION ${pkgconfig} COMPONENT dev)
 endforeach()

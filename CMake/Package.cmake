@@ -42,6 +42,8 @@ set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtessio-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_MULTIARCH same)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${runtime} (= ${version})")
+# Only the records library uses these.
+set(CPACK_DEBIAN_DEV_PACKAGE_RECOMMENDS "libfmt-dev, nlohmann-json3-dev")
 set(CPACK_DEBIAN_DEV_DESCRIPTION "component I/O library for plug-in hosts - development files
 One way to name, open, read, write and persist data for a host application and
 its plug-ins: data providers, object records, dictionaries and URIs behind

@@ -42,11 +42,22 @@ std::set<std::string> With(std::set<std::string> folders, std::string const& fur
     return folders;
 }
 
+std::set<std::string> WithRecords(std::set<std::string> folders)
+{
+    for (char const* const room : {"Format", "Tree", "Dump", "Edit", "Salvage"})
+        folders.insert(std::string("Records/") + room);
+    return folders;
+}
+
 std::set<std::string> const kBasis = SDK({"ObjectModel", "CoreString", "Logger"});
 std::set<std::string> const kCompanions =
     SDK({"ObjectModel", "CoreRegistry", "CoreString", "FileIO", "Logger"});
 std::set<std::string> const kWholeSDK = With(With(kCompanions, kSDK + "TessIO"), kSDK + "Host");
 std::set<std::string> const kPrograms = With(kWholeSDK, kSDK + "Cxx");
+// The interfaces whose numbers stand in files, and what is below them.
+std::set<std::string> const kRecordsBasis = SDK({"ObjectModel", "CoreString", "FileIO", "TessIO"});
+std::set<std::string> const kRecordsTree = With(kRecordsBasis, "Records/Format");
+std::set<std::string> const kRecordsWork = With(kRecordsTree, "Records/Tree");
 
 // What a folder includes of itself is its own business.
 std::vector<Area> const kAreas = {
@@ -70,8 +81,13 @@ std::vector<Area> const kAreas = {
     {"Companions/FileIO", With(With(kCompanions, kSDK + "Host"), "System/Headers"), true},
     {"Companions/Logger", With(kCompanions, kSDK + "Host"), true},
     {"Companions/Host", kWholeSDK, true},
-    {"Tools", With(kPrograms, "System/Headers"), true},
-    {"Examples", kPrograms, true},
+    {"Records/Format", kRecordsBasis, true},
+    {"Records/Tree", kRecordsTree, true},
+    {"Records/Dump", kRecordsWork, true},
+    {"Records/Edit", With(kRecordsWork, "Records/Dump"), true},
+    {"Records/Salvage", kRecordsWork, true},
+    {"Tools", With(WithRecords(kPrograms), "System/Headers"), true},
+    {"Examples", WithRecords(kPrograms), true},
 };
 
 /// The headers of the language's own library.
@@ -177,8 +193,18 @@ bool IsStandard(std::string const& header)
     return kHeaders.contains(header);
 }
 
-Area const* AreaOf(std::string const& file)
+/// A file of the records library as if its public headers stood beside its sources.
+std::string Room(std::string const& file)
 {
+    for (std::string const start : {"Records/Headers/tessio/Records/", "Records/Source/"})
+        if (file.starts_with(start))
+            return "Records/" + file.substr(start.size());
+    return file;
+}
+
+Area const* AreaOf(std::string const& path)
+{
+    std::string const file = Room(path);
     for (Area const& area : kAreas)
         if (file.starts_with(area.folder + "/"))
             return &area;
@@ -191,9 +217,12 @@ std::string Resolve(std::string const& file, std::string const& header)
 {
     fs::path const root = TESSIO_SOURCE_DIR;
     std::string const beside = fs::path(file).parent_path().string();
+    if (header.starts_with("tessio/Records/") && fs::exists(root / "Records/Headers" / header))
+        return "Records/Headers/" + header;
     if (header.starts_with("tessio/") && fs::exists(root / kSDK / header.substr(7)))
         return kSDK + header.substr(7);
-    std::vector<std::string> roots{beside, "Platform/Headers", "System/Headers", kLibrary, "Tools/tessio"};
+    std::vector<std::string> roots{beside,           "Platform/Headers", "System/Headers",
+                                   "Records/Source", kLibrary,           "Tools/tessio"};
     for (std::string const& start : roots)
     {
         fs::path const candidate = (fs::path(start) / header).lexically_normal();
@@ -234,7 +263,7 @@ std::vector<Include> const& Includes()
         std::regex const include(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
         std::vector<Include> all;
         for (char const* const folder :
-             {"SDK", "Core", "Platform", "System", "Companions", "Tools", "Examples"})
+             {"SDK", "Core", "Platform", "System", "Companions", "Records", "Tools", "Examples"})
             for (fs::path const& file : SourcesBelow(folder))
                 for (std::string const& line : LinesOf(file))
                     if (std::smatch match; std::regex_search(line, match, include))
@@ -252,7 +281,7 @@ TEST(Includes, FollowTheArrows)
         ++seen[include.file.substr(0, include.file.find('/'))];
         EXPECT_EQ(Objection(include.file, include.header), "") << include.file << ": " << include.line;
     }
-    for (char const* const folder : {"SDK", "Core", "Platform", "System", "Companions"})
+    for (char const* const folder : {"SDK", "Core", "Platform", "System", "Companions", "Records"})
         EXPECT_GE(seen[folder], 10) << folder;
 }
 
@@ -399,6 +428,18 @@ Row const kRows[] = {
     {"SDKFromATool", "Tools/tessio/X.cpp", "tessio/TessIO/IURI.h", true},
     {"PlatformFromATool", "Tools/tessio/X.cpp", "Platform/URL.h", false},
     {"PrivateHeaderFromATool", "Tools/tessio/X.cpp", "DataProviderImpl.h", false},
+    {"ClassIdsFromTheRecords", "Records/Source/Format/X.cpp", "tessio/TessIO/ClassIds.h", true},
+    {"LayerFromTheRecords", "Records/Source/Format/X.cpp", "tessio/Cxx/Dictionary.h", false},
+    {"RegistryFromTheRecords", "Records/Source/Tree/X.cpp", "tessio/CoreRegistry/CoreRegistry.h", false},
+    {"ToolFromTheRecords", "Records/Source/Tree/X.cpp", "../../../Tools/tessio/Failure.h", false},
+    {"FormatFromTheTree", "Records/Source/Tree/X.cpp", "tessio/Records/Format/Bytes.h", true},
+    {"TreeFromTheFormat", "Records/Headers/tessio/Records/Format/X.h", "tessio/Records/Tree/Node.h", false},
+    {"DumpFromTheTree", "Records/Source/Tree/X.cpp", "tessio/Records/Dump/Text.h", false},
+    {"EditFromSalvage", "Records/Source/Salvage/X.cpp", "tessio/Records/Edit/Edit.h", false},
+    {"DumpFromTheEdit", "Records/Source/Edit/X.cpp", "tessio/Records/Dump/Text.h", true},
+    {"PrivateHeaderFromItsNeighbour", "Records/Source/Salvage/X.cpp", "Tree/DecoderClass.h", true},
+    {"RecordsFromATool", "Tools/tessio/X.cpp", "tessio/Records/Salvage/Salvage.h", true},
+    {"RecordsFromTheLibrary", kLibrary + "/X.cpp", "tessio/Records/Format/Bytes.h", false},
     {"UnknownFolder", "Elsewhere/X.cpp", "map", false},
 };
 

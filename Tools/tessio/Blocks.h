@@ -1,6 +1,7 @@
 // Pieces of a file on their way.
 #pragma once
 
+#include "Names.h"
 #include <tessio/TessIO/IAsyncReader.h>
 #include <tessio/TessIO/IAsyncWriter.h>
 #include <tessio/TessIO/IDataProvider.h>

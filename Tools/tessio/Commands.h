@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Common.h"
+#include "Names.h"
 
 #include "CommandLine.h"
 

@@ -1,7 +1,8 @@
 // What every command is told.
 #pragma once
 
-#include "Records/Limits.h"
+#include "Names.h"
+#include <tessio/Records/Format/Work.h>
 
 #include <string>
 #include <vector>

@@ -3,9 +3,9 @@
 #include "Failure.h"
 #include "Output.h"
 #include "RecordFile.h"
-#include "Records/Json.h"
 #include "RelativeNames.h"
 #include "Values.h"
+#include <tessio/Records/Dump/Json.h>
 #include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/IDictionary.h>
 

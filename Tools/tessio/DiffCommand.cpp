@@ -1,9 +1,9 @@
 // tessio diff: what two record files say differently.
 #include "Commands.h"
+#include "Document.h"
 #include "Failure.h"
 #include "Output.h"
-#include "Records/Compare.h"
-#include "Records/Document.h"
+#include <tessio/Records/Tree/Compare.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

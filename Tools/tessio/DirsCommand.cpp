@@ -4,6 +4,7 @@
 #include "Failure.h"
 #include "Output.h"
 #include "Session.h"
+#include <tessio/FileIO/ISystemDirContainer.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -23,7 +24,7 @@ using STRING::CoreString;
 std::vector<Directory> Wanted(std::vector<std::string> const& names)
 {
     if (names.empty())
-        return Directories();
+        return {Directories().begin(), Directories().end()};
     std::vector<Directory> wanted;
     for (std::string const& name : names)
         wanted.push_back(DirectoryNamed(name));

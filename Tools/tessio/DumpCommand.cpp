@@ -1,12 +1,14 @@
 // tessio dump and build: a record file as text, and back.
 #include "Commands.h"
+#include "Document.h"
 #include "Failure.h"
+#include "Outcome.h"
 #include "Output.h"
-#include "Records/Document.h"
-#include "Records/JsonDump.h"
-#include "Records/Text.h"
 #include "Target.h"
+#include <tessio/Records/Dump/JsonDump.h>
+#include <tessio/Records/Dump/Text.h>
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <memory>
@@ -44,6 +46,17 @@ void Dump(Common const& common, Arguments const& arguments)
     WriteOutput(session, arguments.out, Bytes(text.begin(), text.end()));
 }
 
+/// Ends the command, naming the line, for a text that is no dump.
+Bytes BytesOfDump(std::string_view text, std::string const& name, bool isJson)
+{
+    Result<Bytes> bytes = isJson ? ReadJson(text) : ReadText(text);
+    if (bytes)
+        return *std::move(bytes);
+    Error const& error = bytes.error();
+    std::string const line = error.offset == kNoOffset ? "" : fmt::format(":{}", LineAt(text, error.offset));
+    throw Failure(ExitOf(error.code), fmt::format("{}{}: {}", Escaped(name), line, error.words));
+}
+
 void Build(Common const& common, Arguments const& arguments)
 {
     std::string const& file = arguments.source.file;
@@ -54,7 +67,7 @@ void Build(Common const& common, Arguments const& arguments)
     std::size_t const start = text.find_first_not_of(" \t\r\n");
     bool const isJson = start != std::string_view::npos && text[start] == '{';
     std::string const name = file == "-" ? "standard input" : file;
-    WriteOutput(session, arguments.out, isJson ? ReadJson(text, name) : ReadText(text, name));
+    WriteOutput(session, arguments.out, BytesOfDump(text, name, isJson));
 }
 } // namespace
 

@@ -3,14 +3,16 @@
 
 #include "Commands.h"
 #include "Directories.h"
+#include "Document.h"
 #include "Failure.h"
+#include "Outcome.h"
 #include "Output.h"
 #include "RecordFile.h"
-#include "Records/Edit.h"
-#include "Records/Json.h"
-#include "Records/Summary.h"
 #include "Target.h"
 #include "Values.h"
+#include <tessio/Records/Dump/Json.h>
+#include <tessio/Records/Edit/Edit.h>
+#include <tessio/Records/Tree/Summary.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -68,13 +70,13 @@ std::string ValueText(Document const& document, Node const& node)
                 text += part.type + " " + ShownPart(document.content, part, document.tree.order) + "\n";
         for (auto const* const nodes : {&node.entries, &node.aggregates})
             for (Node const& child : *nodes)
-                text += Styled(Style::kKey, Segment(child.label)) + " " + Summary(child) + "\n";
+                text += Styled(Style::kKey, Segment(child.label)) + " " + Summary(child, &Painted) + "\n";
         return text;
     }
     case Kind::kUnknownClass:
         break;
     }
-    return Summary(node) + "\n";
+    return Summary(node, &Painted) + "\n";
 }
 
 void Get(Common const& common, Arguments const& arguments)
@@ -82,7 +84,7 @@ void Get(Common const& common, Arguments const& arguments)
     static_cast<void>(PathArgument(arguments.path));
     Session const session(common);
     Document const document = LoadDocument(session, common, arguments.source);
-    Node const& node = NodeAt(document.tree, arguments.path, document.file);
+    Node const& node = NodeNamed(document, arguments.path);
     if (std::string const problem = Problem(node); !problem.empty())
         throw Failure(Exit::kNotARecordFile,
                       fmt::format("{}: {} is damaged: {}", Quoted(document.file), arguments.path, problem));
@@ -101,7 +103,7 @@ Bytes RecordFrom(Session const& session, Common const& common, std::string const
     if (document.tree.records.size() != 1 || document.tree.end != document.tree.size)
         throw Failure(Exit::kUsage, fmt::format("{} should hold one record, it has {}", Quoted(file),
                                                 document.tree.records.size()));
-    return document.tree.order == order ? document.content : Turned(document, order);
+    return document.tree.order == order ? document.content : ValueOf(WithOrder(document.Original(), order));
 }
 
 /// Asks the classes that the session knows.
@@ -133,8 +135,9 @@ void Set(Common const& common, Arguments const& arguments)
         CheckOther(session, arguments.target.out, arguments.value);
     Document const document = LoadDocument(session, common, arguments.source);
     Bytes const content = NewContent(session, common, arguments, document.tree.order);
-    WriteTarget(session, arguments.target, document,
-                WithPlaced(document, arguments.path, content, ProofBy(session)));
+    WriteTarget(
+        session, arguments.target, document,
+        ValueOf(WithPlaced(document.Original(), PathArgument(arguments.path), content, ProofBy(session))));
 }
 
 void Convert(Common const& common, Arguments const& arguments)
@@ -144,7 +147,8 @@ void Convert(Common const& common, Arguments const& arguments)
     Document const document = LoadDocument(session, common, {arguments.source.file, ""});
     Order const order = *OrderArgument(arguments.order);
     WriteTarget(session, arguments.target, document,
-                order == document.tree.order ? document.content : Turned(document, order));
+                order == document.tree.order ? document.content
+                                             : ValueOf(WithOrder(document.Original(), order)));
 }
 
 void Extract(Common const& common, Arguments const& arguments)
@@ -153,7 +157,7 @@ void Extract(Common const& common, Arguments const& arguments)
     Session const session(common);
     CheckOther(session, arguments.target.out, arguments.source.file);
     Document const document = LoadDocument(session, common, arguments.source);
-    Node const& node = NodeAt(document.tree, arguments.path, document.file);
+    Node const& node = NodeNamed(document, arguments.path);
     if (arguments.raw)
         return WriteOutput(session, arguments.target.out, RawContent(node, arguments.path));
     if (node.kind == Kind::kStringEntry)
@@ -168,7 +172,8 @@ void RemovePlace(Common const& common, std::string const& file, std::string cons
     Session const session(common);
     CheckTarget(session, target, file);
     Document const document = LoadDocument(session, common, {file, ""});
-    WriteTarget(session, target, document, WithoutPlace(document, path, ProofBy(session)));
+    WriteTarget(session, target, document,
+                ValueOf(WithoutPlace(document.Original(), PathArgument(path), ProofBy(session))));
 }
 
 void AddEditCommands(Command const& app, Common const& common)

@@ -5,10 +5,10 @@
 #include "Failure.h"
 #include "Location.h"
 #include "Output.h"
-#include "Records/Path.h"
 #include "Saving.h"
 #include "System/Attributes.h"
 #include "System/Files.h"
+#include <tessio/Records/Tree/Path.h>
 #include <tessio/TessIO/ResultCodes.h>
 
 #include <fmt/format.h>

@@ -1,12 +1,12 @@
 // tessio hex: every byte of a record file beside what it is.
 #include "Commands.h"
+#include "Document.h"
 #include "Failure.h"
-#include "JsonPrinter.h"
 #include "Output.h"
-#include "Records/Document.h"
-#include "Records/Layout.h"
-#include "Records/Path.h"
 #include "Values.h"
+#include <tessio/Records/Dump/JsonPrinter.h>
+#include <tessio/Records/Tree/Layout.h>
+#include <tessio/Records/Tree/Path.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -61,7 +61,7 @@ Extent ExtentOf(Arguments const& arguments, Document const& document, std::vecto
         return {0, size, -1};
     if (!arguments.where.starts_with('@'))
     {
-        Node const& node = NodeAt(document.tree, arguments.where, arguments.source.file);
+        Node const& node = NodeNamed(document, arguments.where);
         return {node.offset, node.End(), -1};
     }
     auto const number = NumberOf(std::string_view(arguments.where).substr(1));

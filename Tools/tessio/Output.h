@@ -1,17 +1,18 @@
 // What commands print.
 #pragma once
 
+#include "Names.h"
 #include <tessio/CoreString/CoreString.h>
+#include <tessio/Records/Dump/JsonPrinter.h>
+#include <tessio/Records/Format/Words.h>
+#include <tessio/Records/Tree/Summary.h>
 
-#include <nlohmann/json_fwd.hpp>
-
+#include <functional>
 #include <string>
 #include <string_view>
 
 namespace TOOL
 {
-using Json = nlohmann::ordered_json;
-
 /// Standard output, as it is. Ends the command when it can't be written.
 void Print(std::string_view text);
 
@@ -38,34 +39,17 @@ void ChooseColour(std::string const& when);
 /// The text in its colour, or as it is.
 std::string Styled(Style style, std::string_view text);
 
+/// The same for the pieces of a summary.
+std::string Painted(Wording wording, std::string_view text);
+
 /// The version of what JSON documents hold.
 inline constexpr int kSchema = 1;
 
 /// One JSON document, with the version of its schema in front and a line's end behind.
 std::string JsonText(Json const& document);
 void PrintJson(Json const& document);
-
-/// Text that may come from a file, fit for a terminal: control characters as \n, \t or \u{...}. Malformed
-/// text shows U+FFFD.
-std::string Escaped(KORVA::STRING::CoreString const& text);
-std::string Escaped(std::string_view utf8);
-/// One element for each character.
-std::string EscapedWide(std::wstring_view text);
-
-/// The same between double quotes, quotes and backslashes escaped, so that nothing is ambiguous.
-std::string Quoted(KORVA::STRING::CoreString const& text);
-std::string Quoted(std::string_view utf8);
-
-/// The text that `Quoted` showed, from behind its opening quote: moves `rest` behind the closing one. Null,
-/// or why that can't be, with `text` and `rest` as far as it came.
-char const* Unquote(std::string_view& rest, KORVA::STRING::CoreString& text);
-
-/// How many blanks stand before a line for what is nested so deep. What is deeper than anybody reads stands
-/// no further to the right.
-int Indent(int depth);
-
-/// "1 byte", "7 bytes".
-std::string ByteCount(KORVA::int64 count);
+/// Prints a document whose members `write` gives, behind the version of the schema.
+void PrintJson(std::function<void(JsonPrinter&)> const& write);
 
 /// Takes an argument as text; ends the command when it is not valid UTF-8.
 KORVA::STRING::CoreString TextArgument(std::string const& argument, std::string const& what);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <tessio/ObjectModel/Types.h>
+#include <tessio/Records/Format/Work.h>
 
 #include <chrono>
 #include <string>
@@ -29,6 +30,14 @@ public:
 
     /// So many of the bytes are done. Cheap enough for every record.
     void At(KORVA::int64 done);
+    /// For the records library: borrows this object, and never wants an end.
+    KORVA::RECORDS::Progress Watcher()
+    {
+        return [this](KORVA::int64 done, KORVA::int64) {
+            At(done);
+            return true;
+        };
+    }
     /// The same for who learns of `total` on the way.
     void At(KORVA::int64 done, KORVA::int64 total)
     {

@@ -1,12 +1,14 @@
 #include "RecordFile.h"
 
 #include "DirectoryLock.h"
+#include "Document.h"
 #include "Failure.h"
 #include "Location.h"
+#include "Outcome.h"
 #include "Output.h"
-#include "Records/Document.h"
-#include "Records/FileOrder.h"
+#include "Values.h"
 #include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/Records/Tree/FileOrder.h>
 #include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/IPersistentData.h>
 
@@ -58,7 +60,7 @@ void RecordFile::Load(GUID const& classId, Use use)
     mContent = ReadWhole(mSession, *stream, mLocation);
     if (use != Use::kRead)
         mHeld = std::move(stream);
-    mOrder = OrderOf(mContent, mLocation);
+    mOrder = ValueOf(OrderOf(mContent), Quoted(mLocation) + " ");
     if (mContent.size() < static_cast<std::size_t>(kHeader))
         throw Failure(Exit::kNotARecordFile, Quoted(mLocation) + " is not a record file");
     if (int64 const most = mSession.Bounds().bytes; static_cast<int64>(mContent.size()) > most)
@@ -66,8 +68,8 @@ void RecordFile::Load(GUID const& classId, Use use)
                       fmt::format("{} is {} bytes, more than {}", Quoted(mLocation), mContent.size(), most));
     DecodeOptions options;
     options.order = mOrder;
-    options.limits = mSession.Bounds();
-    Node const first = DecodeRecord(mContent, 0, static_cast<int64>(mContent.size()), options);
+    options.work.limits = mSession.Bounds();
+    Node const first = ValueOf(DecodeRecord(mContent, 0, static_cast<int64>(mContent.size()), options));
     mFirstEnd = first.offset + first.length;
     if (ClassName(first.classId) != ClassName(classId))
         throw Failure(Exit::kNotARecordFile,
@@ -128,6 +130,18 @@ std::vector<unsigned char> Serialized(Session const& session, IObject const& obj
     return bytes;
 }
 
+Bytes ValueRecord(Session const& session, std::string const& type, std::string const& text, Order order)
+{
+    auto const dictionary = session.Create<IDictionary>(IO::IID_DICTIONARY);
+    PutValue(*dictionary, 0, type, text);
+    constexpr int kCount = 4;
+    constexpr int kKey = 4;
+    Bytes const bytes = Serialized(session, *dictionary, order);
+    // Around the value stand the dictionary's header, its count and the key, and behind it its own
+    // aggregates.
+    return {bytes.begin() + kHeader + kCount + kKey, bytes.end() - kCount};
+}
+
 bool IsWrittenAsRead(Session const& session, std::span<unsigned char const> record,
                      IDataProvider::Endian order)
 {
@@ -140,7 +154,7 @@ Node Describe(Session const& session, IObject const& object)
     if (!PersistentClass(object))
         return {};
     Bytes const bytes = Serialized(session, object, IDataProvider::kLittleEndian);
-    return DecodeRecord(bytes, 0, static_cast<int64>(bytes.size()), {});
+    return ValueOf(DecodeRecord(bytes, 0, static_cast<int64>(bytes.size()), {}));
 }
 
 std::optional<GUID> PersistentClass(IObject const& object)

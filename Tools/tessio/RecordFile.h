@@ -1,8 +1,9 @@
 // A file whose first record is edited through the library.
 #pragma once
 
-#include "Records/Node.h"
+#include "Names.h"
 #include "Session.h"
+#include <tessio/Records/Tree/Node.h>
 #include <tessio/TessIO/IDataProviderStream.h>
 
 #include <memory>
@@ -62,6 +63,10 @@ private:
 /// The record of an object, as the library writes it.
 std::vector<unsigned char> Serialized(Session const& session, KORVA::IObject const& object,
                                       KORVA::IO::IDataProvider::Endian order);
+
+/// A value's record: `text` read as `type`, as `PutValue` takes them.
+std::vector<unsigned char> ValueRecord(Session const& session, std::string const& type,
+                                       std::string const& text, KORVA::IO::IDataProvider::Endian order);
 
 /// Whether the library makes an object of the record and writes these very bytes of it again.
 bool IsWrittenAsRead(Session const& session, std::span<unsigned char const> record,

@@ -1,14 +1,16 @@
 // tessio salvage: what can be kept of a damaged record file.
 #include "Commands.h"
+#include "Document.h"
 #include "Failure.h"
-#include "JsonPrinter.h"
 #include "Location.h"
 #include "OneFile.h"
+#include "Outcome.h"
 #include "Output.h"
-#include "Records/Document.h"
-#include "Records/FileOrder.h"
-#include "Records/Salvage.h"
+#include "Progress.h"
 #include "Target.h"
+#include <tessio/Records/Dump/JsonPrinter.h>
+#include <tessio/Records/Salvage/Salvage.h>
+#include <tessio/Records/Tree/FileOrder.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -92,14 +94,7 @@ void ReportJson(Sink const& put, Salvaged const& salvaged, std::string const& fi
 Salvaged SalvageFile(Bytes const& content, std::string const& file, Order order, Limits const& limits)
 {
     Progress progress("searching " + Quoted(file), static_cast<int64>(content.size()));
-    try
-    {
-        return Salvage(content, order, limits, &progress);
-    }
-    catch (Failure const& failure)
-    {
-        throw Failure(failure.Code(), Quoted(file) + ": " + failure.what());
-    }
+    return ValueOf(Salvage(content, order, {limits, progress.Watcher()}), Quoted(file) + ": ");
 }
 
 void Run(Common const& common, Arguments const& arguments)
@@ -120,8 +115,8 @@ void Run(Common const& common, Arguments const& arguments)
     Bytes const content = ReadInput(session, common, file);
     std::optional<Order> const order = OrderArgument(arguments.source.endian);
     auto const size = static_cast<int64>(content.size());
-    Salvaged const salvaged =
-        SalvageFile(content, file, order ? *order : OrderOf(content, file), common.limits);
+    Salvaged const salvaged = SalvageFile(
+        content, file, order ? *order : ValueOf(OrderOf(content), Quoted(file) + " "), common.limits);
     // Nothing is no result, and what stands at its place may be the better one.
     bool const isSaved = !salvaged.content.empty();
     if (isSaved)

@@ -1,6 +1,7 @@
 // What the system says of files, and what stands there when one was written, in words.
 #pragma once
 
+#include "Names.h"
 #include "System/Replacement.h"
 
 #include <csignal>

@@ -1,10 +1,10 @@
 // tessio strings: a string dictionary in a file.
 #include "Commands.h"
+#include "Document.h"
 #include "Failure.h"
 #include "Import.h"
 #include "Output.h"
 #include "RecordFile.h"
-#include "Records/Document.h"
 #include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/IStringDictionary.h>
 

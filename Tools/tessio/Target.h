@@ -3,7 +3,8 @@
 
 #include "CommandLine.h"
 #include "Common.h"
-#include "Records/Document.h"
+#include "Document.h"
+#include "Names.h"
 #include "Session.h"
 
 #include <string>

@@ -1,14 +1,15 @@
 // tessio tree: every record of a file, where it is and what it holds.
 #include "Commands.h"
 #include "Directories.h"
-#include "JsonPrinter.h"
+#include "Document.h"
+#include "Output.h"
 #include "Page/Page.h"
-#include "Records/Document.h"
-#include "Records/Json.h"
-#include "Records/Path.h"
-#include "Records/Summary.h"
 #include "Target.h"
 #include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/Records/Dump/Json.h>
+#include <tessio/Records/Dump/JsonPrinter.h>
+#include <tessio/Records/Tree/Path.h>
+#include <tessio/Records/Tree/Summary.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -48,7 +49,7 @@ std::string LabelInFront(Node const& node)
 void PrintNode(Node const& node, int depth)
 {
     std::string text = Styled(Style::kDim, fmt::format("{:>8} {:>8}", node.offset, node.length));
-    text += fmt::format("  {:{}}{}{}\n", "", Indent(depth), LabelInFront(node), Summary(node));
+    text += fmt::format("  {:{}}{}{}\n", "", Indent(depth), LabelInFront(node), Summary(node, &Painted));
     if (std::string const problem = Problem(node); !problem.empty())
         text += fmt::format("{:>8} {:>8}  {:{}}{}\n", "", "", "", Indent(depth),
                             Styled(Style::kDamage, "! " + problem));
@@ -88,8 +89,7 @@ void Run(Common const& common, Arguments const& arguments)
     if (arguments.bigEndian)
         source.endian = "big";
     Document const document = LoadDocument(session, common, source);
-    Node const* const only =
-        arguments.path.empty() ? nullptr : &NodeAt(document.tree, arguments.path, source.file);
+    Node const* const only = arguments.path.empty() ? nullptr : &NodeNamed(document, arguments.path);
     if (!arguments.page.empty())
         WritePage(session, common, document, arguments.page);
     else if (common.json)

@@ -1,13 +1,13 @@
 // tessio verify, info and classes: whether a record file is whole, and what is in it.
 #include "Commands.h"
+#include "Document.h"
 #include "Failure.h"
 #include "Output.h"
 #include "Page/Page.h"
-#include "Records/Document.h"
-#include "Records/Json.h"
-#include "Records/PlugInClasses.h"
+#include "PlugInClasses.h"
 #include "Target.h"
 #include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/Records/Dump/Json.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

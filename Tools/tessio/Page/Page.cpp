@@ -1,10 +1,10 @@
 #include "Page/Page.h"
 
 #include "Failure.h"
-#include "JsonPrinter.h"
 #include "Output.h"
 #include "Page/Template.h"
-#include "Records/Json.h"
+#include <tessio/Records/Dump/Json.h>
+#include <tessio/Records/Dump/JsonPrinter.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

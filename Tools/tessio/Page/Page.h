@@ -2,8 +2,9 @@
 #pragma once
 
 #include "CommandLine.h"
-#include "Records/Document.h"
-#include "Records/Layout.h"
+#include "Document.h"
+#include "Names.h"
+#include <tessio/Records/Tree/Layout.h>
 
 #include <string>
 

@@ -1,0 +1,137 @@
+#include <tessio/Records/Format/Words.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+
+namespace KORVA::RECORDS
+{
+using STRING::CoreString;
+
+namespace
+{
+std::string Escape(std::wstring_view text, bool quotes)
+{
+    std::string result;
+    for (wchar_t const wide : text)
+    {
+        auto const c = static_cast<char32_t>(wide);
+        if (c == U'\n')
+            result += "\\n";
+        else if (c == U'\t')
+            result += "\\t";
+        else if (c == U'\\' && quotes)
+            result += "\\\\";
+        else if (c == U'"' && quotes)
+            result += "\\\"";
+        // Besides the control characters those that turn the direction of text, and half surrogates.
+        else if (c < 0x20 || (c >= 0x7F && c < 0xA0) || (c >= 0x202A && c <= 0x202E) || c == 0x061C ||
+                 c == 0x200E || c == 0x200F || c == 0x2028 || c == 0x2029 || (c >= 0x2066 && c <= 0x2069) ||
+                 (c >= 0xD800 && c < 0xE000))
+            result += fmt::format("\\u{{{:X}}}", static_cast<unsigned>(c));
+        else if (c < 0x10000)
+        {
+            auto const unit = static_cast<char16_t>(c);
+            result += CoreString(&unit, 1).ToUTF8();
+        }
+        else
+        {
+            char16_t const pair[] = {static_cast<char16_t>(0xD7C0 + (c >> 10)),
+                                     static_cast<char16_t>(0xDC00 + (c & 0x3FF))};
+            result += CoreString(pair, 2).ToUTF8();
+        }
+    }
+    return result;
+}
+
+/// A character from behind its backslash. Null, or why not.
+char const* Unescape(std::string_view& rest, CoreString& text)
+{
+    constexpr std::string_view kMarks = "nt\"\\";
+    constexpr char16_t kMeanings[] = u"\n\t\"\\";
+    char const mark = rest.empty() ? '\0' : rest.front();
+    if (auto const known = kMarks.find(mark); known != std::string_view::npos)
+    {
+        text.push_back(kMeanings[known]);
+        rest.remove_prefix(1);
+        return nullptr;
+    }
+    if (mark != 'u')
+        return R"(after a backslash in a text stand n, t, ", \ or u{...})";
+    std::size_t const end = rest.find('}');
+    uint32 value = 0;
+    bool const isBraced = rest.starts_with("u{") && end != std::string_view::npos;
+    auto const [stop, error] =
+        std::from_chars(rest.data() + (isBraced ? 2 : 0), rest.data() + (isBraced ? end : 0), value, 16);
+    if (!isBraced || error != std::errc() || stop != rest.data() + end || value > 0x10FFFF)
+        return R"(\u stands before a hexadecimal number up to 10FFFF in braces)";
+    if (value >= 0x10000)
+        text.push_back(static_cast<char16_t>(0xD7C0 + (value >> 10)));
+    text.push_back(static_cast<char16_t>(value >= 0x10000 ? 0xDC00 + (value & 0x3FF) : value));
+    rest.remove_prefix(end + 1);
+    return nullptr;
+}
+} // namespace
+
+std::string Escaped(CoreString const& text) { return Escape(text.ToWide(), false); }
+
+std::string EscapedWide(std::wstring_view text) { return Escape(text, false); }
+
+std::string Escaped(std::string_view utf8) { return Escape(CoreString(utf8).ToWide(), false); }
+
+std::string Quoted(CoreString const& text) { return '"' + Escape(text.ToWide(), true) + '"'; }
+
+std::string Quoted(std::string_view utf8) { return Quoted(CoreString(utf8)); }
+
+char const* Unquote(std::string_view& rest, CoreString& text)
+{
+    for (;;)
+    {
+        std::size_t const plain = rest.find_first_of("\\\"\n");
+        if (plain == std::string_view::npos)
+            return "a text is not closed";
+        if (rest[plain] == '\n')
+            return "a text is not closed on its line";
+        auto const piece = CoreString::FromUTF8(rest.substr(0, plain));
+        if (!piece)
+            return "a text is not valid UTF-8";
+        text.append(*piece);
+        bool const isEnd = rest[plain] == '"';
+        rest.remove_prefix(plain + 1);
+        if (isEnd)
+            return nullptr;
+        if (char const* const why = Unescape(rest, text))
+            return why;
+    }
+}
+
+std::string ByteCount(int64 count) { return fmt::format("{} byte{}", count, count == 1 ? "" : "s"); }
+
+int Indent(int depth)
+{
+    constexpr int kDeepestIndent = 64;
+    return 2 * std::min(depth, kDeepestIndent);
+}
+
+std::optional<uint64> NumberOf(std::string_view text)
+{
+    int base = 10;
+    if (text.size() > 2 && text[0] == '0')
+    {
+        char const mark = text[1];
+        base = mark == 'x' || mark == 'X'   ? 16
+               : mark == 'o' || mark == 'O' ? 8
+               : mark == 'b' || mark == 'B' ? 2
+                                            : 10;
+        if (base != 10)
+            text.remove_prefix(2);
+    }
+    uint64 value = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    if (error != std::errc() || end != text.data() + text.size() || text.empty())
+        return std::nullopt;
+    return value;
+}
+
+} // namespace KORVA::RECORDS
