@@ -1,5 +1,6 @@
 // Every byte of a record file and what it is.
 #include <tessio/Records/Tree/Layout.h>
+#include <tessio/Records/Tree/Summary.h>
 
 #include "Records/Samples.h"
 #include "Support/RowName.h"
@@ -12,31 +13,33 @@ namespace
 {
 using RECORDS::LayoutRow;
 
-std::vector<LayoutRow> Rows(Order order, Bytes const& content)
+/// Shows a row for the time of the call.
+void ForEachRow(Order order, Bytes const& content, RECORDS::RowSink const& show)
 {
-    RECORDS::DecodeOptions options;
+    RECORDS::MemorySource const source(content);
+    RECORDS::ReadOptions options;
     options.order = order;
-    return *RECORDS::LayoutOf(content, options);
+    RECORDS::Reader reader(source, options);
+    EXPECT_TRUE(RECORDS::Layout(reader, show));
 }
 
 /// A line for each row: a record begins with its path; a stretch has offset, length and role in front.
-std::string Lines(std::vector<LayoutRow> const& rows)
+std::string Lines(Order order, Bytes const& content)
 {
     std::string text;
-    for (LayoutRow const& row : rows)
-    {
-        if (row.isRecord)
+    ForEachRow(order, content, [&](LayoutRow const& row) {
+        if (row.record)
         {
             text += row.place.Text() + " at " + std::to_string(row.field.offset) + ", " +
-                    std::to_string(row.field.length) + ": " + row.field.value + "\n";
-            for (RECORDS::Finding const& finding : row.findings)
+                    std::to_string(row.field.length) + ": " + Summary(*row.record) + "\n";
+            for (RECORDS::Finding const& finding : row.record->findings)
                 text += "! " + finding.words + "\n";
         }
         else
             text += std::to_string(row.field.offset) + " " + std::to_string(row.field.length) + " " +
                     RECORDS::RoleName(row) + ": " + row.field.name +
                     (row.field.value.empty() ? "" : " " + row.field.value) + "\n";
-    }
+    });
     return text;
 }
 
@@ -56,7 +59,7 @@ TEST_P(LayoutOfFile, NamesEachStretch)
     for (Order const order : kOrders)
     {
         SCOPED_TRACE(RECORDS::OrderName(order));
-        EXPECT_EQ(Lines(Rows(order, Laid(order, GetParam().words))), GetParam().lines);
+        EXPECT_EQ(Lines(order, Laid(order, GetParam().words)), GetParam().lines);
     }
 }
 
@@ -148,24 +151,25 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Layout, LongTextsAreCut)
 {
     std::string const text(65, 'x');
-    auto const rows = Rows(kLittle, Laid(kLittle, "URI 138:8 130:4 \"" + text + "\" 0:4"));
-    ASSERT_EQ(rows.size(), 6u);
-    EXPECT_EQ(rows[4].field.length, 130);
-    EXPECT_EQ(rows[4].field.value, "\"" + text.substr(1) + "\"...");
+    std::vector<RECORDS::Field> fields;
+    ForEachRow(kLittle, Laid(kLittle, "URI 138:8 130:4 \"" + text + "\" 0:4"),
+               [&](LayoutRow const& row) { fields.push_back(row.field); });
+    ASSERT_EQ(fields.size(), 6u);
+    EXPECT_EQ(fields[4].length, 130);
+    EXPECT_EQ(fields[4].value, "\"" + text.substr(1) + "\"...");
 }
 
 TEST(Layout, CoversEveryByteOnce)
 {
     ForEachFile({0x01, 0x80}, [](Bytes const& content, Order order, std::string const& name) {
         int64 at = 0;
-        for (LayoutRow const& row : Rows(order, content))
-        {
-            if (row.isRecord)
-                continue;
-            ASSERT_EQ(row.field.offset, at) << name;
-            ASSERT_GT(row.field.length, 0) << name;
+        ForEachRow(order, content, [&](LayoutRow const& row) {
+            if (row.record)
+                return;
+            EXPECT_EQ(row.field.offset, at) << name;
+            EXPECT_GT(row.field.length, 0) << name;
             at += row.field.length;
-        }
+        });
         ASSERT_EQ(at, static_cast<int64>(content.size())) << name;
     });
 }
@@ -174,17 +178,16 @@ TEST(Layout, ExplainsEveryByteOfWhatIsWhole)
 {
     for (Order const order : kOrders)
         for (char const* const words : {kEvery, "Dict 8:8 0:4 0:4"})
-            for (LayoutRow const& row : Rows(order, Laid(order, words)))
-                EXPECT_FALSE(row.isUnexplained) << row.field.offset;
+            ForEachRow(order, Laid(order, words),
+                       [](LayoutRow const& row) { EXPECT_FALSE(row.isUnexplained) << row.field.offset; });
 }
 
 TEST(Layout, RowsOfARecordStandBehindItWithItsDepth)
 {
-    for (LayoutRow const& row : Rows(kLittle, Laid(kLittle, kEvery)))
-    {
+    ForEachRow(kLittle, Laid(kLittle, kEvery), [](LayoutRow const& row) {
         bool const isInside = row.place.Text().find('/', 1) != std::string::npos;
         EXPECT_EQ(row.depth, isInside ? 1 : 0) << row.place.Text();
-    }
+    });
 }
 } // namespace
 } // namespace KORVA::TESTS

@@ -37,9 +37,9 @@ TEST(SalvageEffort, IsThatOfReadingNestedRecordsOnce)
         RECORDS::Limits limits;
         limits.count = 10 * 901;
         RECORDS::Salvaged const salvaged = *RECORDS::Salvage(damaged, order, {limits, {}});
-        RECORDS::DecodeOptions options;
+        RECORDS::ReadOptions options;
         options.order = order;
-        RECORDS::RecordTree const tree = *RECORDS::Decode(salvaged.content, options);
+        RECORDS::RecordTree const tree = *RECORDS::ReadTree(RECORDS::MemorySource(salvaged.content), options);
         EXPECT_EQ(tree.records.size(), 1u);
         EXPECT_TRUE(tree.findings.empty());
     }

@@ -272,9 +272,9 @@ TEST_P(SalvageOfThousands, KeepsEveryWholeRecordOfAKnownClass)
         Damage const damage = GetParam().damage(damaged, generator, random);
         Salvaged const salvaged = *RECORDS::Salvage(damaged, seed % 2 == 0 ? kLittle : kBig);
         ASSERT_EQ(Tiled(salvaged), damaged.size()) << "file " << seed;
-        RECORDS::DecodeOptions options;
+        RECORDS::ReadOptions options;
         options.order = seed % 2 == 0 ? kLittle : kBig;
-        RECORDS::RecordTree const tree = *RECORDS::Decode(salvaged.content, options);
+        RECORDS::RecordTree const tree = *RECORDS::ReadTree(RECORDS::MemorySource(salvaged.content), options);
         EXPECT_TRUE(tree.findings.empty()) << "file " << seed;
         std::set<Bytes> const reached = Reached(tree, salvaged.content);
         for (Extent const& extent : generator.extents)

@@ -120,8 +120,8 @@ std::string KindOf(RECORDS::Error const& error)
 
 RECORDS::RecordTree Read(Order order, Bytes const& content)
 {
-    RECORDS::DecodeOptions options;
+    RECORDS::ReadOptions options;
     options.order = order;
-    return *RECORDS::Decode(content, options);
+    return *RECORDS::ReadTree(RECORDS::MemorySource(content), options);
 }
 } // namespace KORVA::TESTS

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Support/Laid.h"
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <string>
 #include <vector>

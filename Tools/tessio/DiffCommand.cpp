@@ -16,7 +16,7 @@ namespace
 {
 struct Arguments
 {
-    Source a;
+    Input a;
     std::string b;
     bool subset = false;
 };
@@ -72,11 +72,11 @@ Json AsJson(std::vector<Difference> const& differences)
 }
 
 /// A file that is not there is trouble, not a difference.
-Document Load(Session const& session, Common const& common, Source const& source)
+std::unique_ptr<OpenDocument> Load(Session const& session, Common const& common, Input const& source)
 {
     try
     {
-        return LoadDocument(session, common, source);
+        return std::make_unique<OpenDocument>(session, common, source);
     }
     catch (Failure const& failure)
     {
@@ -90,21 +90,21 @@ void Run(Common const& common, Arguments const& arguments)
     if (arguments.a.file == "-" && arguments.b == "-")
         throw Failure(Exit::kUsage, "only one of the files can be standard input");
     Session const session(common);
-    Document const a = Load(session, common, arguments.a);
-    Document const b = Load(session, common, {arguments.b, arguments.a.endian});
+    auto const a = Load(session, common, arguments.a);
+    auto const b = Load(session, common, {arguments.b, arguments.a.endian});
     std::vector<Difference> const differences =
-        Compare({a.tree, a.content}, {b.tree, b.content}, arguments.subset);
+        Compare({a->Tree(), a->Content()}, {b->Tree(), b->Content()}, arguments.subset);
     if (common.json)
         PrintJson({{"subset", arguments.subset}, {"differences", AsJson(differences)}});
     else
         Print(AsText(differences));
     // What is damaged is compared as far as it goes, which may be too little to call it the same.
-    FailWhenDamaged(a);
-    FailWhenDamaged(b);
+    a->FailWhenDamaged();
+    b->FailWhenDamaged();
     if (!differences.empty())
-        throw Failure(Exit::kNotFound, Quoted(a.file) +
+        throw Failure(Exit::kNotFound, Quoted(a->File()) +
                                            (arguments.subset ? " is not contained in " : " differs from ") +
-                                           Quoted(b.file));
+                                           Quoted(b->File()));
 }
 } // namespace
 

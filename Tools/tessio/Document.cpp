@@ -2,10 +2,6 @@
 
 #include "Failure.h"
 #include "Location.h"
-#include "Outcome.h"
-#include "Output.h"
-#include "PlugInClasses.h"
-#include "Progress.h"
 #include <tessio/Records/Tree/FileOrder.h>
 
 #include <fmt/format.h>
@@ -33,25 +29,9 @@ Bytes ReadStandardInput(int64 limit)
     return content;
 }
 
-DecodeOptions Options(Common const& common, Order order, ClassReader const& classes)
-{
-    DecodeOptions options;
-    options.order = order;
-    options.work.limits = common.limits;
-    options.classes = &classes;
-    return options;
-}
-
-Finding const* FirstDamage(std::vector<Finding> const& findings)
-{
-    for (Finding const& finding : findings)
-        if (finding.severity == Severity::kError)
-            return &finding;
-    return nullptr;
-}
 } // namespace
 
-void AddSource(Command const& command, Source& source)
+void AddSource(Command const& command, Input& source)
 {
     command.Option("FILE", source.file, "The record file; - for standard input").Required();
     command.Option("--endian", source.endian, "The byte order; found out when not given")
@@ -78,31 +58,53 @@ Bytes ReadInput(Session const& session, Common const& common, std::string const&
     return ReadWhole(session, *stream, location);
 }
 
-Document LoadDocument(Session const& session, Common const& common, Source const& source)
+OpenDocument::OpenDocument(Session const& session, Common const& common, Input const& source)
+    : mFile(source.file), mContent(ReadInput(session, common, source.file)), mSource(mContent),
+      mClasses(session), mProgress("reading " + Quoted(source.file), static_cast<int64>(mContent.size()))
 {
-    Document document{source.file, ReadInput(session, common, source.file), {}};
-    PlugInClasses const classes(session);
     std::optional<Order> const order = OrderArgument(source.endian);
-    DecodeOptions options = Options(
-        common, order ? *order : ValueOf(OrderOf(document.content), Quoted(source.file) + " "), classes);
-    Progress progress("reading " + Quoted(source.file), static_cast<int64>(document.content.size()));
-    options.work.progress = progress.Watcher();
-    document.tree = ValueOf(Decode(document.content, options), Quoted(source.file) + ": ");
-    return document;
+    mOptions.order = order ? *order : ValueOf(OrderOf(mContent), Quoted(mFile) + " ");
+    mOptions.classes = &mClasses;
+    mOptions.work = {common.limits, mProgress.Watcher()};
+    Limits const none;
+    if (common.limits.count != none.count || common.limits.depth != none.depth)
+    {
+        // Before anything is printed.
+        Reader reader(mSource, mOptions);
+        static_cast<void>(Value(Walk(reader, [](Node const&, std::string const&) { return true; })));
+    }
+    mOptions.work.limits = none;
+    mReader.emplace(mSource, mOptions);
 }
 
-std::vector<LayoutRow> LayoutOf(Session const& session, Common const& common, Document const& document)
+Node OpenDocument::Find(std::string const& path)
 {
-    PlugInClasses const classes(session);
-    return ValueOf(LayoutOf(document.content, Options(common, document.tree.order, classes), &Painted));
+    return ValueOf(mReader->Find(PathArgument(path)), Quoted(mFile) + " ");
+}
+
+RecordTree OpenDocument::Tree() { return Value(ReadTree(mSource, mOptions)); }
+
+void OpenDocument::FailWhenDamaged()
+{
+    std::string words;
+    int64 const end = Value(Walk(*mReader, [&](Node const& node, std::string const& path) {
+        if (std::string const problem = words.empty() ? Problem(node) : ""; !problem.empty())
+            words = fmt::format("{} at offset {} is damaged: {}", path, node.offset, problem);
+        return words.empty();
+    }));
+    if (auto const leftOver = LeftOver(end, mReader->Size()); words.empty() && leftOver)
+        words = leftOver->words;
+    if (!words.empty())
+        throw Failure(Exit::kNotARecordFile, fmt::format("{}: {}", Quoted(mFile), words));
+}
+
+Document LoadDocument(Session const& session, Common const& common, Input const& source)
+{
+    OpenDocument document(session, common, source);
+    return {document.File(), document.Content(), document.Tree()};
 }
 
 Path PathArgument(std::string const& text) { return ValueOf(ParsePath(text)); }
-
-Node const& NodeNamed(Document const& document, std::string const& path)
-{
-    return *ValueOf(NodeAt(document.tree, PathArgument(path)), Quoted(document.file) + " ");
-}
 
 void WriteOutput(Session const& session, std::string const& location, Bytes const& content)
 {
@@ -110,18 +112,5 @@ void WriteOutput(Session const& session, std::string const& location, Bytes cons
         Print({reinterpret_cast<char const*>(content.data()), content.size()});
     else
         ReplaceContent(session, location, content);
-}
-
-void FailWhenDamaged(Document const& document)
-{
-    std::string words;
-    Walk(document.tree, [&](Node const& node, std::string const& path, int) {
-        if (words.empty() && !Problem(node).empty())
-            words = fmt::format("{} at offset {} is damaged: {}", path, node.offset, Problem(node));
-    });
-    if (Finding const* const damage = FirstDamage(document.tree.findings); words.empty() && damage)
-        words = damage->words;
-    if (!words.empty())
-        throw Failure(Exit::kNotARecordFile, fmt::format("{}: {}", Quoted(document.file), words));
 }
 } // namespace TOOL

@@ -19,7 +19,7 @@ namespace
 {
 struct Arguments
 {
-    Source source;
+    Input source;
     std::string format = "text";
     std::string out = "-";
 };

@@ -25,7 +25,7 @@ namespace
 {
 struct Arguments
 {
-    Source source;
+    Input source;
     std::string path;
     std::string type;
     std::string value;
@@ -50,50 +50,63 @@ Bytes RawContent(Node const& node, std::string const& path)
 }
 
 /// For one line; of a record that holds others one line for each of these.
-std::string ValueText(Document const& document, Node const& node)
+void PrintValue(OpenDocument& document, Node const& node)
 {
+    Reader& records = document.Records();
     switch (node.kind)
     {
     case Kind::kValue:
-        return Shown(node.value) + "\n";
+        return Print(Shown(node.value) + "\n");
     case Kind::kStringEntry:
     case Kind::kURI:
-        return Escaped(node.text) + "\n";
+        return Print(Escaped(node.text) + "\n");
     case Kind::kRelativeURI:
-        return DirectoryName(node.directory) + ":" + Escaped(node.text) + "\n";
+        return Print(DirectoryName(node.directory) + ":" + Escaped(node.text) + "\n");
     case Kind::kDictionary:
     case Kind::kStrings:
     case Kind::kObject: {
         std::string text;
         for (Part const& part : node.parts)
             if (part.type != "record")
-                text += part.type + " " + ShownPart(document.content, part, document.tree.order) + "\n";
-        for (auto const* const nodes : {&node.entries, &node.aggregates})
-            for (Node const& child : *nodes)
-                text += Styled(Style::kKey, Segment(child.label)) + " " + Summary(child, &Painted) + "\n";
-        return text;
+            {
+                Bytes const bytes = document.Value(records.BytesAt(part.offset, part.length));
+                text += part.type + " " + ShownPart(bytes, part, document.GetOrder()) + "\n";
+            }
+        Print(text);
+        Cursor children = records.Children(node);
+        Node child;
+        while (document.Value(children.Next(child)))
+        {
+            static_cast<void>(document.Value(records.Complete(child)));
+            Print(Styled(Style::kKey, Segment(child.label)) + " " + Summary(child, &Painted) + "\n");
+        }
+        return;
     }
     case Kind::kUnknownClass:
         break;
     }
-    return Summary(node, &Painted) + "\n";
+    Print(Summary(node, &Painted) + "\n");
 }
 
 void Get(Common const& common, Arguments const& arguments)
 {
     static_cast<void>(PathArgument(arguments.path));
     Session const session(common);
-    Document const document = LoadDocument(session, common, arguments.source);
-    Node const& node = NodeNamed(document, arguments.path);
+    OpenDocument document(session, common, arguments.source);
+    Node const node = document.Find(arguments.path);
     if (std::string const problem = Problem(node); !problem.empty())
         throw Failure(Exit::kNotARecordFile,
-                      fmt::format("{}: {} is damaged: {}", Quoted(document.file), arguments.path, problem));
+                      fmt::format("{}: {} is damaged: {}", Quoted(document.File()), arguments.path, problem));
     if (arguments.raw)
         WriteOutput(session, "-", RawContent(node, arguments.path));
     else if (common.json)
-        PrintJson({{"entry", ToJson(node, PathText(PathArgument(arguments.path)))}});
+        PrintJson([&](JsonPrinter& json) {
+            json.Key("entry");
+            static_cast<void>(document.Value(
+                WriteNode(json, document.Records(), node, PathText(PathArgument(arguments.path)))));
+        });
     else
-        Print(ValueText(document, node));
+        PrintValue(document, node);
 }
 
 /// The one record in a file, to be put into another.
@@ -156,14 +169,14 @@ void Extract(Common const& common, Arguments const& arguments)
     static_cast<void>(PathArgument(arguments.path));
     Session const session(common);
     CheckOther(session, arguments.target.out, arguments.source.file);
-    Document const document = LoadDocument(session, common, arguments.source);
-    Node const& node = NodeNamed(document, arguments.path);
+    OpenDocument document(session, common, arguments.source);
+    Node const node = document.Find(arguments.path);
     if (arguments.raw)
         return WriteOutput(session, arguments.target.out, RawContent(node, arguments.path));
     if (node.kind == Kind::kStringEntry)
         throw Failure(Exit::kUsage, arguments.path + " is a text and no record: use --raw");
     WriteOutput(session, arguments.target.out,
-                Bytes(document.content.begin() + node.offset, document.content.begin() + node.End()));
+                document.Value(document.Records().BytesAt(node.offset, node.length)));
 }
 } // namespace
 

@@ -26,53 +26,10 @@ constexpr int64 kShownLines = 4;
 
 struct Arguments
 {
-    Source source;
+    Input source;
     std::string where;
     bool whole = false;
 };
-
-/// The bytes to show, and the one that was asked for, if it was one.
-struct Extent
-{
-    int64 from = 0;
-    int64 to = 0;
-    int64 asked = -1;
-};
-
-Extent InnermostAround(std::vector<LayoutRow> const& rows, int64 offset)
-{
-    Extent extent{0, 0, offset};
-    for (LayoutRow const& row : rows)
-        if (row.isRecord && row.field.offset <= offset && offset < row.field.offset + row.field.length)
-            extent = {row.field.offset, row.field.offset + row.field.length, offset};
-    if (extent.to > 0)
-        return extent;
-    // Behind the last record.
-    for (LayoutRow const& row : rows)
-        if (row.isUnexplained && row.field.offset <= offset)
-            extent = {row.field.offset, row.field.offset + row.field.length, offset};
-    return extent;
-}
-
-Extent ExtentOf(Arguments const& arguments, Document const& document, std::vector<LayoutRow> const& rows)
-{
-    int64 const size = document.tree.size;
-    if (arguments.where.empty())
-        return {0, size, -1};
-    if (!arguments.where.starts_with('@'))
-    {
-        Node const& node = NodeNamed(document, arguments.where);
-        return {node.offset, node.End(), -1};
-    }
-    auto const number = NumberOf(std::string_view(arguments.where).substr(1));
-    if (!number)
-        throw Failure(Exit::kUsage, Quoted(arguments.where) + " is no offset: write @60 or @0x3C");
-    if (*number >= static_cast<KORVA::uint64>(size))
-        throw Failure(Exit::kNotFound, fmt::format("{} has {}, there is none at offset {}",
-                                                   Quoted(arguments.source.file), ByteCount(size), *number));
-    auto const offset = static_cast<int64>(*number);
-    return InnermostAround(rows, offset);
-}
 
 Style StyleOf(LayoutRow const& row)
 {
@@ -133,83 +90,122 @@ std::string Meaning(LayoutRow const& row, int64 asked)
     return Styled(row.isUnexplained ? Style::kDamage : Style::kPlain, text);
 }
 
-void AppendField(std::string& text, LayoutRow const& row, ByteView content, Extent const& extent, bool whole)
+class Printer
 {
-    int64 const end = row.field.offset + row.field.length;
-    int64 const lines = (row.field.length + kPerLine - 1) / kPerLine;
-    int64 const shown = whole || lines <= kShownLines + 1 ? lines : kShownLines;
-    for (int64 line = 0; line < shown; ++line)
-    {
-        int64 const from = row.field.offset + line * kPerLine;
-        text += Line(content, from, std::min(end, from + kPerLine), StyleOf(row));
-        if (line == 0)
-            text += fmt::format("  {:{}}{}", "", Indent(row.depth), Meaning(row, extent.asked));
-        text += '\n';
-    }
-    if (shown < lines)
-        text += Styled(Style::kDim, fmt::format("          {} more; --whole shows them",
-                                                ByteCount(row.field.length - shown * kPerLine))) +
-                "\n";
-}
+public:
+    Printer(ByteView content, int64 asked, bool whole) : mContent(content), mAsked(asked), mWhole(whole) {}
 
-void PrintText(std::vector<LayoutRow> const& rows, ByteView content, Extent const& extent, bool whole)
-{
-    for (LayoutRow const& row : rows)
+    void Text(LayoutRow const& row) const
     {
-        if (row.field.offset < extent.from || row.field.offset + row.field.length > extent.to)
-            continue;
         std::string text;
-        if (!row.isRecord)
-            AppendField(text, row, content, extent, whole);
+        if (row.record)
+            AppendRecord(text, row);
         else
-        {
-            text = fmt::format("{}  {}\n", Styled(Style::kKey, row.place.Text()), row.field.value);
-            for (Finding const& finding : row.findings)
-                if (finding.severity == Severity::kError)
-                    text += "  " + Styled(Style::kDamage, "! " + finding.words) + "\n";
-        }
+            AppendField(text, row);
         Print(text);
     }
+
+    void Member(JsonPrinter& json, LayoutRow const& row) const
+    {
+        if (row.record)
+            return;
+        ByteView const bytes = mContent.subspan(static_cast<std::size_t>(row.field.offset),
+                                                static_cast<std::size_t>(row.field.length));
+        json.Value({{"offset", row.field.offset},
+                    {"length", row.field.length},
+                    {"path", row.place.Text()},
+                    {"role", RoleName(row)},
+                    {"name", row.field.name},
+                    {"value", row.field.value},
+                    {"bytes", fmt::format("{:02x}", fmt::join(bytes, ""))}});
+    }
+
+private:
+    static void AppendRecord(std::string& text, LayoutRow const& row)
+    {
+        text = fmt::format("{}  {}\n", Styled(Style::kKey, row.place.Text()), Summary(*row.record, &Painted));
+        for (Finding const& finding : row.record->findings)
+            if (finding.severity == Severity::kError)
+                text += "  " + Styled(Style::kDamage, "! " + finding.words) + "\n";
+    }
+
+    void AppendField(std::string& text, LayoutRow const& row) const
+    {
+        int64 const end = row.field.offset + row.field.length;
+        int64 const lines = (row.field.length + kPerLine - 1) / kPerLine;
+        int64 const shown = mWhole || lines <= kShownLines + 1 ? lines : kShownLines;
+        for (int64 line = 0; line < shown; ++line)
+        {
+            int64 const from = row.field.offset + line * kPerLine;
+            text += Line(mContent, from, std::min(end, from + kPerLine), StyleOf(row));
+            if (line == 0)
+                text += fmt::format("  {:{}}{}", "", Indent(row.depth), Meaning(row, mAsked));
+            text += '\n';
+        }
+        if (shown < lines)
+            text += Styled(Style::kDim, fmt::format("          {} more; --whole shows them",
+                                                    ByteCount(row.field.length - shown * kPerLine))) +
+                    "\n";
+    }
+
+    ByteView mContent;
+    int64 mAsked;
+    bool mWhole;
+};
+
+/// The offset that was asked for; -1 for a path or nothing.
+int64 OffsetAsked(Arguments const& arguments, int64 size)
+{
+    if (!arguments.where.starts_with('@'))
+        return -1;
+    auto const number = NumberOf(std::string_view(arguments.where).substr(1));
+    if (!number)
+        throw Failure(Exit::kUsage, Quoted(arguments.where) + " is no offset: write @60 or @0x3C");
+    if (*number >= static_cast<KORVA::uint64>(size))
+        throw Failure(Exit::kNotFound, fmt::format("{} has {}, there is none at offset {}",
+                                                   Quoted(arguments.source.file), ByteCount(size), *number));
+    return static_cast<int64>(*number);
 }
 
-void PrintFields(JsonPrinter& json, std::vector<LayoutRow> const& rows, ByteView content,
-                 Extent const& extent)
+/// Hands on the rows of what was asked for.
+void LayOut(OpenDocument& document, Arguments const& arguments, int64 asked, RowSink const& sink)
 {
-    for (LayoutRow const& row : rows)
-        if (!row.isRecord && row.field.offset >= extent.from &&
-            row.field.offset + row.field.length <= extent.to)
-            json.Value(
-                {{"offset", row.field.offset},
-                 {"length", row.field.length},
-                 {"path", row.place.Text()},
-                 {"role", RoleName(row)},
-                 {"name", row.field.name},
-                 {"value", row.field.value},
-                 {"bytes",
-                  fmt::format("{:02x}", fmt::join(content.subspan(static_cast<std::size_t>(row.field.offset),
-                                                                  static_cast<std::size_t>(row.field.length)),
-                                                  ""))}});
+    Reader& records = document.Records();
+    if (arguments.where.empty())
+        return static_cast<void>(document.Value(Layout(records, sink)));
+    Path const path = asked < 0 ? PathArgument(arguments.where) : document.Value(PathAt(records, asked));
+    if (!path.empty())
+        return static_cast<void>(ValueOf(LayoutOf(records, path, sink), Quoted(document.File()) + " "));
+    // Behind the last record.
+    static_cast<void>(document.Value(Layout(records, [&](LayoutRow const& row) {
+        if (row.isUnexplained && row.place.IsFile())
+            sink(row);
+    })));
 }
 
 void Run(Common const& common, Arguments const& arguments)
 {
-    if (!arguments.where.empty() && !arguments.where.starts_with('@'))
+    bool const isPath = !arguments.where.empty() && !arguments.where.starts_with('@');
+    if (isPath)
         static_cast<void>(PathArgument(arguments.where));
     Session const session(common);
-    Document const document = LoadDocument(session, common, arguments.source);
-    std::vector<LayoutRow> const rows = LayoutOf(session, common, document);
-    Extent const extent = ExtentOf(arguments, document, rows);
+    OpenDocument document(session, common, arguments.source);
+    int64 const asked = OffsetAsked(arguments, document.Records().Size());
+    // Before anything is printed.
+    if (isPath)
+        static_cast<void>(document.Find(arguments.where));
+    Printer const printer(document.Content(), asked, arguments.whole);
     if (common.json)
         PrintJson([&](JsonPrinter& json) {
-            json.Member("order", OrderName(document.tree.order));
+            json.Member("order", OrderName(document.GetOrder()));
             json.Key("fields");
             json.BeginList();
-            PrintFields(json, rows, document.content, extent);
+            LayOut(document, arguments, asked, [&](LayoutRow const& row) { printer.Member(json, row); });
             json.End();
         });
     else
-        PrintText(rows, document.content, extent, arguments.whole);
-    FailWhenDamaged(document);
+        LayOut(document, arguments, asked, [&](LayoutRow const& row) { printer.Text(row); });
+    document.FailWhenDamaged();
 }
 } // namespace
 

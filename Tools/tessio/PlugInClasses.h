@@ -3,7 +3,7 @@
 
 #include "Names.h"
 #include "Session.h"
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 
 namespace TOOL
 {

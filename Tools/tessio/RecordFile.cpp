@@ -66,10 +66,10 @@ void RecordFile::Load(GUID const& classId, Use use)
     if (int64 const most = mSession.Bounds().bytes; static_cast<int64>(mContent.size()) > most)
         throw Failure(Exit::kLimit,
                       fmt::format("{} is {} bytes, more than {}", Quoted(mLocation), mContent.size(), most));
-    DecodeOptions options;
+    ReadOptions options;
     options.order = mOrder;
     options.work.limits = mSession.Bounds();
-    Node const first = ValueOf(DecodeRecord(mContent, 0, static_cast<int64>(mContent.size()), options));
+    Node const first = ValueOf(ReadFirst(MemorySource(mContent), options));
     mFirstEnd = first.offset + first.length;
     if (ClassName(first.classId) != ClassName(classId))
         throw Failure(Exit::kNotARecordFile,
@@ -154,7 +154,7 @@ Node Describe(Session const& session, IObject const& object)
     if (!PersistentClass(object))
         return {};
     Bytes const bytes = Serialized(session, object, IDataProvider::kLittleEndian);
-    return ValueOf(DecodeRecord(bytes, 0, static_cast<int64>(bytes.size()), {}));
+    return ValueOf(ReadFirst(MemorySource(bytes), {}));
 }
 
 std::optional<GUID> PersistentClass(IObject const& object)

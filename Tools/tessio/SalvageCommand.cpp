@@ -29,7 +29,7 @@ constexpr std::array kFates = {Fate::Type::kKept, Fate::Type::kRepaired, Fate::T
 
 struct Arguments
 {
-    Source source;
+    Input source;
     std::string out;
     std::string report;
 };

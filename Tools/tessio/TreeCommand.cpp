@@ -8,21 +8,23 @@
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Dump/Json.h>
 #include <tessio/Records/Dump/JsonPrinter.h>
-#include <tessio/Records/Tree/Path.h>
 #include <tessio/Records/Tree/Summary.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <memory>
+#include <optional>
 
 namespace TOOL
 {
 namespace
 {
+using KORVA::int64;
+
 struct Arguments
 {
-    Source source;
+    Input source;
     std::string path;
     std::string page;
     bool bigEndian = false;
@@ -54,28 +56,42 @@ void PrintNode(Node const& node, int depth)
         text += fmt::format("{:>8} {:>8}  {:{}}{}\n", "", "", "", Indent(depth),
                             Styled(Style::kDamage, "! " + problem));
     Print(text);
-    for (auto const* const children : {&node.entries, &node.aggregates})
-        for (Node const& child : *children)
-            PrintNode(child, depth + 1);
 }
 
-void PrintJsonTree(Document const& document, Node const* only, std::string const& path)
+/// `only` is what a path named; nothing stands for the whole file.
+void PrintTree(OpenDocument& document, std::optional<Node> const& only)
+{
+    Print(Styled(Style::kDim,
+                 fmt::format("{:>8} {:>8}  {}", "offset", "length", OrderName(document.GetOrder()))) +
+          "\n");
+    int const top = only ? only->depth : 0;
+    auto const print = [top](Node const& node, std::string const&) {
+        PrintNode(node, node.depth - top);
+        return true;
+    };
+    if (only)
+        static_cast<void>(document.Value(Walk(document.Records(), *only, "", print)));
+    else
+        static_cast<void>(document.Value(Walk(document.Records(), print)));
+}
+
+void PrintJsonTree(OpenDocument& document, std::optional<Node> const& only, std::string const& path)
 {
     PrintJson([&](JsonPrinter& json) {
-        json.Member("order", OrderName(document.tree.order));
+        json.Member("order", OrderName(document.GetOrder()));
         json.Key("records");
         json.BeginList();
+        Reader& records = document.Records();
+        int64 end = records.Size();
         if (only)
-            WriteNode(json, *only, path);
+            static_cast<void>(document.Value(WriteNode(json, records, *only, path)));
         else
-            for (Node const& node : document.tree.records)
-                WriteNode(json, node, "/" + Segment(node.label));
+            end = document.Value(WriteNodes(json, records));
         json.End();
-        if (!document.tree.findings.empty())
-        {
-            Finding const& finding = document.tree.findings.back();
-            json.Member("problem", {{"offset", finding.offset}, {"what", finding.words}});
-        }
+        if (only)
+            end = document.Value(EndOfRecords(records));
+        if (auto const finding = LeftOver(end, records.Size()))
+            json.Member("problem", {{"offset", finding->offset}, {"what", finding->words}});
     });
 }
 
@@ -85,27 +101,20 @@ void Run(Common const& common, Arguments const& arguments)
         static_cast<void>(PathArgument(arguments.path));
     Session const session(common);
     CheckOther(session, arguments.page, arguments.source.file);
-    Source source = arguments.source;
+    Input source = arguments.source;
     if (arguments.bigEndian)
         source.endian = "big";
-    Document const document = LoadDocument(session, common, source);
-    Node const* const only = arguments.path.empty() ? nullptr : &NodeNamed(document, arguments.path);
+    OpenDocument document(session, common, source);
+    std::optional<Node> only;
+    if (!arguments.path.empty())
+        only = document.Find(arguments.path);
     if (!arguments.page.empty())
-        WritePage(session, common, document, arguments.page);
+        WritePage(session, document, arguments.page);
     else if (common.json)
         PrintJsonTree(document, only, arguments.path);
     else
-    {
-        Print(Styled(Style::kDim,
-                     fmt::format("{:>8} {:>8}  {}", "offset", "length", OrderName(document.tree.order))) +
-              "\n");
-        if (only)
-            PrintNode(*only, 0);
-        else
-            for (Node const& node : document.tree.records)
-                PrintNode(node, 0);
-    }
-    FailWhenDamaged(document);
+        PrintTree(document, only);
+    document.FailWhenDamaged();
 }
 } // namespace
 

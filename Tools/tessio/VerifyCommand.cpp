@@ -24,7 +24,7 @@ using namespace KORVA;
 
 struct Arguments
 {
-    Source source;
+    Input source;
     std::string page;
     bool strict = false;
 };
@@ -57,45 +57,50 @@ struct Findings
     }
 };
 
-Findings AllFindings(RecordTree const& tree)
-{
-    Findings all;
-    Walk(tree, [&](Node const& node, std::string const& path, int) {
-        for (Finding const& finding : node.findings)
-            all.Add(finding, path);
-    });
-    for (Finding const& finding : tree.findings)
-        all.Add(finding, "/");
-    return all;
-}
-
 struct Tally
 {
-    std::array<int64, 3> findings{};
+    int64 topLevel = 0;
     int64 records = 0;
     int64 texts = 0;
     int depth = 0;
     std::map<std::string, int64> classes;
-
-    int64 Count(Severity severity) const { return findings[static_cast<std::size_t>(severity)]; }
 };
 
-Tally TallyOf(RecordTree const& tree, Findings const& findings)
+/// What one walk through a file finds.
+struct Survey
 {
+    Findings findings;
     Tally tally;
-    Walk(tree, [&](Node const& node, std::string const&, int depth) {
-        if (node.kind == Kind::kStringEntry)
-        {
-            ++tally.texts;
-            return;
-        }
-        ++tally.records;
-        tally.depth = std::max(tally.depth, depth + 1);
-        std::string const name = ClassName(node.classId);
-        ++tally.classes[name.empty() ? GUIDToText(node.classId) : name];
-    });
-    tally.findings = findings.bySeverity;
-    return tally;
+
+    int64 Count(Severity severity) const { return findings.bySeverity[static_cast<std::size_t>(severity)]; }
+};
+
+void Add(Tally& tally, Node const& node)
+{
+    if (node.kind == Kind::kStringEntry)
+    {
+        ++tally.texts;
+        return;
+    }
+    ++tally.records;
+    tally.topLevel += node.depth == 0 ? 1 : 0;
+    tally.depth = std::max(tally.depth, node.depth + 1);
+    std::string const name = ClassName(node.classId);
+    ++tally.classes[name.empty() ? GUIDToText(node.classId) : name];
+}
+
+Survey SurveyOf(OpenDocument& document)
+{
+    Survey survey;
+    int64 const end = document.Value(Walk(document.Records(), [&](Node const& node, std::string const& path) {
+        for (Finding const& finding : node.findings)
+            survey.findings.Add(finding, path);
+        Add(survey.tally, node);
+        return true;
+    }));
+    if (auto const finding = LeftOver(end, document.Records().Size()))
+        survey.findings.Add(*finding, "/");
+    return survey;
 }
 
 std::string Count(int64 count, char const* one, char const* many)
@@ -103,11 +108,11 @@ std::string Count(int64 count, char const* one, char const* many)
     return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
-std::string FindingCounts(Tally const& tally)
+std::string FindingCounts(Survey const& survey)
 {
-    return Count(tally.Count(Severity::kError), "error", "errors") + ", " +
-           Count(tally.Count(Severity::kWarning), "warning", "warnings") + ", " +
-           Count(tally.Count(Severity::kNote), "note", "notes");
+    return Count(survey.Count(Severity::kError), "error", "errors") + ", " +
+           Count(survey.Count(Severity::kWarning), "warning", "warnings") + ", " +
+           Count(survey.Count(Severity::kNote), "note", "notes");
 }
 
 Style StyleOf(Severity severity)
@@ -117,19 +122,20 @@ Style StyleOf(Severity severity)
                                             : Style::kDim;
 }
 
-void PrintFindings(Findings const& findings, std::string const& file, Tally const& tally)
+void PrintFindings(Survey const& survey, std::string const& file)
 {
     std::string text;
-    for (auto const& [finding, path] : findings.named)
+    for (auto const& [finding, path] : survey.findings.named)
         text += fmt::format(
             "{}  {} at {}: {}: {}\n",
             Styled(StyleOf(finding.severity), fmt::format("{:<7}", SeverityName(finding.severity))),
             Styled(Style::kKey, path), finding.offset, finding.code, finding.words);
-    for (auto const& [code, count] : findings.counts)
+    for (auto const& [code, count] : survey.findings.counts)
         if (count > kNamed)
             text += fmt::format("{} more of {}, not named\n", count - kNamed, code);
-    text += fmt::format("{}: {} and {}; {}\n", Escaped(file), Count(tally.records, "record", "records"),
-                        Count(tally.texts, "text entry", "text entries"), FindingCounts(tally));
+    text +=
+        fmt::format("{}: {} and {}; {}\n", Escaped(file), Count(survey.tally.records, "record", "records"),
+                    Count(survey.tally.texts, "text entry", "text entries"), FindingCounts(survey));
     Print(text);
 }
 
@@ -137,72 +143,70 @@ void Verify(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
     CheckOther(session, arguments.page, arguments.source.file);
-    Document const document = LoadDocument(session, common, arguments.source);
-    Findings const findings = AllFindings(document.tree);
-    Tally const tally = TallyOf(document.tree, findings);
+    OpenDocument document(session, common, arguments.source);
+    Survey const survey = SurveyOf(document);
     if (!arguments.page.empty())
-        WritePage(session, common, document, arguments.page);
+        WritePage(session, document, arguments.page);
     else if (common.json)
     {
         Json list = Json::array();
-        for (auto const& [finding, path] : findings.named)
+        for (auto const& [finding, path] : survey.findings.named)
             list.push_back(ToJson(finding, path));
-        Json whole = {{"file", document.file},
-                      {"order", OrderName(document.tree.order)},
-                      {"records", tally.records},
-                      {"errors", tally.Count(Severity::kError)},
-                      {"warnings", tally.Count(Severity::kWarning)},
-                      {"notes", tally.Count(Severity::kNote)},
+        Json whole = {{"file", document.File()},
+                      {"order", OrderName(document.GetOrder())},
+                      {"records", survey.tally.records},
+                      {"errors", survey.Count(Severity::kError)},
+                      {"warnings", survey.Count(Severity::kWarning)},
+                      {"notes", survey.Count(Severity::kNote)},
                       {"findings", list}};
-        for (auto const& [code, count] : findings.counts)
+        for (auto const& [code, count] : survey.findings.counts)
             if (count > kNamed)
                 whole["notNamed"][code] = count - kNamed;
         PrintJson(whole);
     }
     else
-        PrintFindings(findings, document.file, tally);
-    if (tally.Count(Severity::kError) > 0)
-        throw Failure(Exit::kNotARecordFile, Quoted(document.file) + " is damaged");
-    if (arguments.strict && tally.Count(Severity::kWarning) > 0)
-        throw Failure(Exit::kNotARecordFile, Quoted(document.file) + " is not what the library writes");
+        PrintFindings(survey, document.File());
+    if (survey.Count(Severity::kError) > 0)
+        throw Failure(Exit::kNotARecordFile, Quoted(document.File()) + " is damaged");
+    if (arguments.strict && survey.Count(Severity::kWarning) > 0)
+        throw Failure(Exit::kNotARecordFile, Quoted(document.File()) + " is not what the library writes");
 }
 
 void Info(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
-    Document const document = LoadDocument(session, common, arguments.source);
-    Findings const findings = AllFindings(document.tree);
-    Tally const tally = TallyOf(document.tree, findings);
+    OpenDocument document(session, common, arguments.source);
+    Survey const survey = SurveyOf(document);
     if (common.json)
     {
         Json classes = Json::object();
-        for (auto const& [name, count] : tally.classes)
+        for (auto const& [name, count] : survey.tally.classes)
             classes[name] = count;
-        PrintJson({{"file", document.file},
-                   {"size", document.tree.size},
-                   {"order", OrderName(document.tree.order)},
-                   {"topLevel", document.tree.records.size()},
-                   {"records", tally.records},
-                   {"texts", tally.texts},
-                   {"depth", tally.depth},
+        PrintJson({{"file", document.File()},
+                   {"size", document.Records().Size()},
+                   {"order", OrderName(document.GetOrder())},
+                   {"topLevel", survey.tally.topLevel},
+                   {"records", survey.tally.records},
+                   {"texts", survey.tally.texts},
+                   {"depth", survey.tally.depth},
                    {"classes", classes},
-                   {"errors", tally.Count(Severity::kError)},
-                   {"warnings", tally.Count(Severity::kWarning)},
-                   {"notes", tally.Count(Severity::kNote)}});
+                   {"errors", survey.Count(Severity::kError)},
+                   {"warnings", survey.Count(Severity::kWarning)},
+                   {"notes", survey.Count(Severity::kNote)}});
         return;
     }
-    std::string text = Escaped(document.file) + "\n";
+    std::string text = Escaped(document.File()) + "\n";
     auto const row = [&](char const* name, std::string const& value) {
         text += fmt::format("  {:<10} {}\n", name, value);
     };
-    row("size", ByteCount(document.tree.size));
-    row("order", OrderName(document.tree.order));
-    row("records", fmt::format("{} at the top, {} in all", document.tree.records.size(), tally.records));
-    row("depth", std::to_string(tally.depth));
-    for (auto const& [name, count] : tally.classes)
+    row("size", ByteCount(document.Records().Size()));
+    row("order", OrderName(document.GetOrder()));
+    row("records", fmt::format("{} at the top, {} in all", survey.tally.topLevel, survey.tally.records));
+    row("depth", std::to_string(survey.tally.depth));
+    for (auto const& [name, count] : survey.tally.classes)
         text += fmt::format("  {:<10} {} {}\n", text.find("  classes") == std::string::npos ? "classes" : "",
                             count, name);
-    row("findings", findings.IsEmpty() ? "none" : FindingCounts(tally) + "; verify names them");
+    row("findings", survey.findings.IsEmpty() ? "none" : FindingCounts(survey) + "; verify names them");
     Print(text);
 }
 
@@ -215,18 +219,19 @@ struct ClassRow
     int64 bytes = 0;
 };
 
-std::vector<ClassRow> ClassesIn(Session const& session, Document const& document)
+std::vector<ClassRow> ClassesIn(Session const& session, OpenDocument& document)
 {
     PlugInClasses const makers(session);
     std::map<GUID, ClassRow> rows;
-    Walk(document.tree, [&](Node const& node, std::string const&, int) {
+    static_cast<void>(document.Value(Walk(document.Records(), [&](Node const& node, std::string const&) {
         if (node.kind == Kind::kStringEntry)
-            return;
+            return true;
         ClassRow& row = rows[node.classId];
         row.id = node.classId;
         ++row.count;
         row.bytes += node.length;
-    });
+        return true;
+    })));
     std::vector<ClassRow> list;
     for (auto& [id, row] : rows)
     {
@@ -243,7 +248,10 @@ void Classes(Common const& common, Arguments const& arguments)
     bool const ofFile = !arguments.source.file.empty();
     std::vector<ClassRow> rows;
     if (ofFile)
-        rows = ClassesIn(session, LoadDocument(session, common, arguments.source));
+    {
+        OpenDocument document(session, common, arguments.source);
+        rows = ClassesIn(session, document);
+    }
     else
         for (KnownClass const& known : KnownClasses())
             rows.push_back({known.id, known.name, "library", 0, 0});

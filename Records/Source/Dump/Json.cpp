@@ -1,3 +1,4 @@
+#include "Format/Guard.h"
 #include <tessio/Records/Dump/Json.h>
 #include <tessio/Records/Format/Directories.h>
 
@@ -104,22 +105,24 @@ Json OwnJson(Node const& node, std::string const& path, std::string const& label
 }
 
 /// `path` is as it was when it returns.
-void WriteWith(JsonPrinter& json, Node const& node, std::string& path)
+void WriteWith(JsonPrinter& json, Reader& reader, Node& node, std::string& path)
 {
+    static_cast<void>(ValueOrRaise(reader.Complete(node)));
     json.BeginObject();
     json.Members(OwnJson(node, path, LabelText(node.label)));
-    if (!node.entries.empty() || !node.aggregates.empty())
+    if (node.entryCount + node.aggregateCount > 0)
     {
         json.Key("children");
         json.BeginList();
         std::size_t const size = path.size();
-        for (auto const* const nodes : {&node.entries, &node.aggregates})
-            for (Node const& child : *nodes)
-            {
-                path += "/" + Segment(child.label);
-                WriteWith(json, child, path);
-                path.resize(size);
-            }
+        Cursor children = reader.Children(node);
+        Node child;
+        while (ValueOrRaise(children.Next(child)))
+        {
+            path += "/" + Segment(child.label);
+            WriteWith(json, reader, child, path);
+            path.resize(size);
+        }
         json.End();
     }
     json.End();
@@ -140,5 +143,25 @@ Json ToJson(Node const& node, std::string const& path, std::string const& label)
 
 Json ToJson(Node const& node, std::string const& path) { return ToJson(node, path, LabelText(node.label)); }
 
-void WriteNode(JsonPrinter& json, Node const& node, std::string path) { WriteWith(json, node, path); }
+Result<bool> WriteNode(JsonPrinter& json, Reader& reader, Node node, std::string path)
+{
+    return Guarded([&] {
+        WriteWith(json, reader, node, path);
+        return true;
+    });
+}
+
+Result<int64> WriteNodes(JsonPrinter& json, Reader& reader)
+{
+    return Guarded([&] {
+        Cursor records = reader.Records();
+        Node node;
+        while (ValueOrRaise(records.Next(node)))
+        {
+            std::string path = "/" + Segment(node.label);
+            WriteWith(json, reader, node, path);
+        }
+        return records.Position();
+    });
+}
 } // namespace KORVA::RECORDS

@@ -2,7 +2,7 @@
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Dump/JsonDump.h>
 #include <tessio/Records/Format/Words.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 #include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
@@ -149,10 +149,10 @@ CoreString Text(Json const& json)
     return text;
 }
 
-class Reader
+class Parser
 {
 public:
-    explicit Reader(RecordWriter& writer) : mWriter(writer) {}
+    explicit Parser(RecordWriter& writer) : mWriter(writer) {}
 
     void Record(Json const& json, int depth);
     void Rest(Json const& json) { mWriter.Put(ByteView(Hex(json))); }
@@ -166,7 +166,7 @@ private:
     RecordWriter& mWriter;
 };
 
-void Reader::Number(Json const& json, std::string const& type)
+void Parser::Number(Json const& json, std::string const& type)
 {
     NumberFields fields;
     if (json.contains("fields"))
@@ -192,7 +192,7 @@ void Reader::Number(Json const& json, std::string const& type)
     mWriter.Put(fields.floating);
 }
 
-void Reader::PlainValue(Json const& json)
+void Parser::PlainValue(Json const& json)
 {
     std::string const& name = String(Member(json, "type"), "\"type\"");
     if (name == "unknown")
@@ -223,7 +223,7 @@ void Reader::PlainValue(Json const& json)
     }
 }
 
-void Reader::Part(Json const& json, int depth)
+void Parser::Part(Json const& json, int depth)
 {
     std::string const& type = String(Member(json, "type"), "\"type\"");
     if (type == "record")
@@ -262,7 +262,7 @@ void Reader::Part(Json const& json, int depth)
     throw Unfit{Quoted(type) + " is no type of part"};
 }
 
-void Reader::Content(Json const& json, Kind kind, int depth)
+void Parser::Content(Json const& json, Kind kind, int depth)
 {
     switch (kind)
     {
@@ -308,7 +308,7 @@ void Reader::Content(Json const& json, Kind kind, int depth)
     }
 }
 
-void Reader::Record(Json const& json, int depth)
+void Parser::Record(Json const& json, int depth)
 {
     if (depth > kDeepest)
         throw Unfit{fmt::format("records are nested more than {} deep", kDeepest)};
@@ -349,18 +349,18 @@ Order ReadHead(Json const& head)
 Bytes ReadDocument(Json const& document)
 {
     RecordWriter writer(ReadHead(document));
-    Reader reader(writer);
+    Parser parser(writer);
     for (Json const& record : List(document, "records"))
-        reader.Record(record, 0);
+        parser.Record(record, 0);
     if (document.contains("rest"))
-        reader.Rest(document["rest"]);
+        parser.Rest(document["rest"]);
     return writer.Take();
 }
 
 Bytes ReadLines(Json const& head, std::string_view lines)
 {
     RecordWriter writer(ReadHead(head));
-    Reader reader(writer);
+    Parser parser(writer);
     while (!lines.empty())
     {
         std::size_t const end = lines.find('\n');
@@ -370,19 +370,19 @@ Bytes ReadLines(Json const& head, std::string_view lines)
             continue;
         Json const json = ParseJson(line);
         if (json.is_object() && json.contains("rest"))
-            reader.Rest(json["rest"]);
+            parser.Rest(json["rest"]);
         else
-            reader.Record(json, 0);
+            parser.Record(json, 0);
     }
     return writer.Take();
 }
 } // namespace
 
-void PutJsonLeaf(RecordWriter& writer, Json const& json, Kind kind) { Reader(writer).Content(json, kind, 0); }
+void PutJsonLeaf(RecordWriter& writer, Json const& json, Kind kind) { Parser(writer).Content(json, kind, 0); }
 
 void PutJsonText(RecordWriter& writer, Json const& json) { writer.Put(Text(json)); }
 
-void PutJsonPart(RecordWriter& writer, Json const& json) { Reader(writer).Part(json, 0); }
+void PutJsonPart(RecordWriter& writer, Json const& json) { Parser(writer).Part(json, 0); }
 
 Result<Bytes> ReadJson(std::string_view text)
 {

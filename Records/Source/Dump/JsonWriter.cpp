@@ -1,7 +1,7 @@
 #include "Dump/JsonPieces.h"
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Dump/JsonDump.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -100,7 +100,7 @@ Json Writer::PartValue(Part const& part) const
     if (part.type == "bytes")
         return HexOf(Slice(part.offset, part.length));
     if (part.type == "string")
-        return TextJson(TextOfPart(mContent, part, mOrder));
+        return TextJson(TextOfPart(Slice(part.offset, part.length), part, mOrder));
     if (part.type == "bool")
         return *from != 0;
     if (part.type == "float")
@@ -115,7 +115,7 @@ Json Writer::PartValue(Part const& part) const
         auto const number = std::bit_cast<double>(bits);
         return std::isfinite(number) ? Json(number) : Json(fmt::format("0x{:X}", bits));
     }
-    std::string const shown = ShownPart(mContent, part, mOrder);
+    std::string const shown = ShownPart(Slice(part.offset, part.length), part, mOrder);
     if (part.type == "guid" || part.type.ends_with("64"))
         return shown;
     return Json::parse(shown);

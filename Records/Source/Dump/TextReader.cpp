@@ -3,7 +3,7 @@
 #include <tessio/Records/Dump/Text.h>
 #include <tessio/Records/Format/RecordWriter.h>
 #include <tessio/Records/Format/Words.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 #include <tessio/TessIO/ClassIds.h>
 
 #include <tessio/Records/Format/Directories.h>

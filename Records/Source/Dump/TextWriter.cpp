@@ -2,7 +2,7 @@
 #include <tessio/Records/Dump/Text.h>
 #include <tessio/Records/Format/Directories.h>
 #include <tessio/Records/Format/Words.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 #include <tessio/TessIO/ClassIds.h>
 
 #include <fmt/format.h>
@@ -147,12 +147,12 @@ void Writer::Parts(Node const& node, int depth)
             bool const isFinite = isFloat ? std::isfinite(std::bit_cast<float>(static_cast<uint32>(bits)))
                                           : std::isfinite(std::bit_cast<double>(bits));
             if (isFinite)
-                Add("{} {}", part.type, ShownPart(mContent, part, mOrder));
+                Add("{} {}", part.type, ShownPart(Slice(part.offset, part.length), part, mOrder));
             else
                 Add("{} bits 0x{:X}", part.type, bits);
         }
         else
-            Add("{} {}", part.type, ShownPart(mContent, part, mOrder));
+            Add("{} {}", part.type, ShownPart(Slice(part.offset, part.length), part, mOrder));
     }
     NewLine(depth);
     mText += '}';

@@ -1,5 +1,5 @@
 #include <tessio/Records/Edit/Edit.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include "Format/Guard.h"
 #include <tessio/ObjectModel/GUIDText.h>

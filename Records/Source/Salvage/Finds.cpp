@@ -31,7 +31,7 @@ int Same(unsigned char const* a, std::array<unsigned char, 16> const& b)
 /// A text with a record in it has lost its end, and goes on over what came next.
 std::optional<SoundRecord> Finds::SoundAs(int64 offset, KnownClass const& known) const
 {
-    auto const sound = SoundRecordAt(mContent, offset, known, mOptions);
+    auto const sound = Skeleton(mContent, mOptions).Sound(offset, known);
     if (!sound || mTiles)
         return sound;
     auto const inside = mSound.lower_bound(offset + kHeader);
@@ -97,8 +97,9 @@ int64 Finds::EndOfWhole(int64 offset) const
     if (sound == mSound.end())
         return 0;
     // A length of 0 before what reads as the record's content is a length that was lost.
-    bool const isLost = sound->second.end == offset + kHeader &&
-                        DecodeByContent(mContent, offset, static_cast<int64>(mContent.size()), mOptions);
+    bool const isLost =
+        sound->second.end == offset + kHeader &&
+        Skeleton(mContent, mOptions).EndByContent(offset, static_cast<int64>(mContent.size()));
     return isLost ? 0 : sound->second.end;
 }
 

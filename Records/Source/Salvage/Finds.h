@@ -1,7 +1,7 @@
 // What can still be made out in a damaged record file.
 #pragma once
 
-#include <tessio/Records/Tree/Decoder.h>
+#include "Salvage/Skeleton.h"
 
 #include <array>
 #include <iterator>
@@ -22,7 +22,7 @@ public:
     Finds& operator=(Finds const&) = delete;
 
     /// For reading records with what is known of those in them.
-    DecodeOptions const& Options() const { return mOptions; }
+    SkeletonOptions const& Options() const { return mOptions; }
 
     /// The end of the whole record that begins there; 0 when there is none. Records inside others do not
     /// count. One whose class id is damaged is whole all the same when enough of that is left and its content
@@ -65,7 +65,7 @@ private:
     bool IsCutInto(KORVA::int64 from, KORVA::int64 to) const;
 
     ByteView mContent;
-    DecodeOptions mOptions;
+    SkeletonOptions mOptions;
     /// The ids of known classes as they lie in the file.
     std::vector<std::array<unsigned char, 16>> mIds;
     /// Where records of known classes begin, the misnamed ones among them.

@@ -219,24 +219,23 @@ void Salvager::KeepWhole(int64 from, int64 record, int64 to, Place const& path)
 
 Salvager::Taken Salvager::Broken(int64 offset, int64 limit, int depth, Place const& path)
 {
-    auto const byContent = DecodeByContent(mContent, offset, limit, mFinds.Options());
+    KnownClass const* const known = FindClass(LoadId(mContent.data() + offset, mOrder));
+    auto const end = Skeleton(mContent, mFinds.Options()).EndByContent(offset, limit);
     // A text or buffer with a wrong length may reach over what comes next.
-    bool const isSound = byContent && (byContent->kind == Kind::kDictionary ||
-                                       mFinds.NextWhole(offset, limit) >= byContent->End());
-    if (isSound && IsBoundary(byContent->End(), limit, depth))
+    bool const isSound = end && (known->kind == Kind::kDictionary || mFinds.NextWhole(offset, limit) >= *end);
+    if (isSound && IsBoundary(*end, limit, depth))
     {
-        int64 const end = byContent->End();
-        Keep(offset, end, Fate::Type::kRepaired, path,
-             fmt::format("its length was {}, it is {}", At<int64>(offset + 16), byContent->length - kHeader));
+        int64 const length = *end - offset - kHeader;
+        Keep(offset, *end, Fate::Type::kRepaired, path,
+             fmt::format("its length was {}, it is {}", At<int64>(offset + 16), length));
         Copy(offset, offset + 16);
-        mOut.Put(byContent->length - kHeader);
-        Copy(offset + kHeader, end);
-        return {end, true};
+        mOut.Put(length);
+        Copy(offset + kHeader, *end);
+        return {*end, true};
     }
     if (int64 const deepest = mFinds.Options().work.limits.depth; depth >= deepest)
         Raise(ErrorCode::kBeyondLimit, offset,
               fmt::format("the record at offset {} is nested more than {} deep", offset, deepest));
-    KnownClass const* const known = FindClass(LoadId(mContent.data() + offset, mOrder));
     if (known->kind == Kind::kDictionary && depth < kDeepest)
         return Dictionary(offset, limit, depth, path);
     if (known->kind == Kind::kStrings)
@@ -269,12 +268,19 @@ int64 Salvager::BrokenAtTop(int64 offset)
     Taken const taken = Broken(offset, mSize, 0, Place(Place(), std::to_string(mTop)));
     if (taken.isKept)
     {
-        DecodeOptions options;
-        options.order = mOrder;
         auto const size = static_cast<int64>(mOut.Size());
-        Node const record =
-            ValueOrRaise(DecodeRecord(mOut.Written(), static_cast<int64>(written), size, options));
-        if (!IsDamaged(record) && record.End() == size)
+        MemorySource const source(mOut.Written().subspan(written));
+        ReadOptions options;
+        options.order = mOrder;
+        Reader reader(source, options);
+        Node record;
+        static_cast<void>(ValueOrRaise(reader.Records().Next(record)));
+        bool isDamaged = false;
+        static_cast<void>(ValueOrRaise(Walk(reader, record, "", [&](Node const& node, std::string const&) {
+            isDamaged = isDamaged || !Problem(node).empty();
+            return !isDamaged;
+        })));
+        if (!isDamaged && static_cast<int64>(written) + record.End() == size)
         {
             ++mTop;
             return taken.end;

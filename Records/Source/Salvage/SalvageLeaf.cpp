@@ -52,7 +52,7 @@ Salvager::Taken Salvager::Leaf(int64 offset, int64 limit, int depth, Place const
     auto const end = EndByLength(offset, limit);
     if (!end || !IsBoundary(*end, limit, depth))
         return {};
-    auto const number = EndOfBody(mContent, offset, *end, mFinds.Options());
+    auto const number = Skeleton(mContent, mFinds.Options()).EndOfBody(offset, *end);
     // A text or buffer with a wrong length may reach over what comes next.
     bool const isWhole = number && mFinds.NextWhole(offset, limit) >= *number;
     auto const count = isWhole && *end - *number >= 4 ? AggregatesBetween(*number + 4, *end) : std::nullopt;

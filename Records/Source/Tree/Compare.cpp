@@ -2,7 +2,7 @@
 
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Format/Words.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 #include <tessio/Records/Tree/Summary.h>
 
 #include <fmt/format.h>
@@ -67,8 +67,10 @@ bool Comparison::SameParts(Node const& a, Node const& b) const
             return std::ranges::equal(BytesOf(mA, one.offset, one.length),
                                       BytesOf(mB, other.offset, other.length));
         if (one.type == "string")
-            return TextOfPart(mA.content, one, mA.tree.order) == TextOfPart(mB.content, other, mB.tree.order);
-        return ShownPart(mA.content, one, mA.tree.order) == ShownPart(mB.content, other, mB.tree.order);
+            return TextOfPart(BytesOf(mA, one.offset, one.length), one, mA.tree.order) ==
+                   TextOfPart(BytesOf(mB, other.offset, other.length), other, mB.tree.order);
+        return ShownPart(BytesOf(mA, one.offset, one.length), one, mA.tree.order) ==
+               ShownPart(BytesOf(mB, other.offset, other.length), other, mB.tree.order);
     });
 }
 
@@ -109,7 +111,8 @@ std::string Comparison::Line(Side const& side, Node const& node) const
     std::string text = "object " + GUIDToText(node.classId) + " {";
     for (Part const& part : node.parts)
         if (part.type != "record")
-            text += " " + part.type + " " + ShownPart(side.content, part, side.tree.order);
+            text += " " + part.type + " " +
+                    ShownPart(BytesOf(side, part.offset, part.length), part, side.tree.order);
     return text + " }";
 }
 

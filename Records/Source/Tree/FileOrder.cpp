@@ -1,7 +1,7 @@
 #include <tessio/Records/Tree/FileOrder.h>
 
 #include <tessio/Records/Format/Classes.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <algorithm>
 

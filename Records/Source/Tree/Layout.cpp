@@ -1,61 +1,63 @@
 #include <tessio/Records/Tree/Layout.h>
 
-#include <tessio/Records/Tree/Summary.h>
+#include "Format/Guard.h"
+
+#include <utility>
 
 namespace KORVA::RECORDS
 {
 namespace
 {
-
-class Collector final : public FieldSink
+/// Goes through records and hands on their rows, with one for each gap between fields.
+class Layouter
 {
 public:
-    explicit Collector(Paint const& paint) : mPaint(paint) {}
+    Layouter(Reader& reader, RowSink const& sink, int64 start) : mReader(reader), mSink(sink), mEnd(start) {}
 
-    void OnRecord(int64 offset, Label const& label, int depth) override
+    void Record(Node& node, Place const& holder)
     {
-        RECORDS::Place place(Place(), Segment(label));
-        Explain(offset);
-        mOpen.push_back(mRows.size());
-        mRows.push_back({true, false, depth, std::move(place), {}, {}});
-    }
-
-    void OnField(Field field) override
-    {
-        Explain(field.offset);
-        mEnd = field.offset + field.length;
-        mRows.push_back({false, false, Depth(), Place(), std::move(field), {}});
-    }
-
-    void OnRecordEnd(Node const& node) override
-    {
+        // What is not explained in front of it is the holder's.
+        Explain(node.offset);
+        static_cast<void>(ValueOrRaise(mReader.Complete(node)));
+        Place const around = std::exchange(mPlace, Place(holder, Segment(node.label)));
+        int const depthAround = std::exchange(mDepth, node.depth);
+        Place const place = mPlace;
+        mSink({&node, false, node.depth, place, {node.offset, node.length, Role::kOpaque, "", ""}});
+        auto const tell = [this](Field field) { Stretch(std::move(field)); };
+        static_cast<void>(ValueOrRaise(mReader.TellFields(node, tell)));
+        Cursor children = mReader.Children(node);
+        children.Tell(tell);
+        Node child;
+        while (ValueOrRaise(children.Next(child)))
+            // The fields of a text entry are told by its dictionary.
+            if (child.kind != Kind::kStringEntry)
+                Record(child, place);
         Explain(node.End());
-        LayoutRow& row = mRows[mOpen.back()];
-        mOpen.pop_back();
-        row.field = {node.offset, node.length, Role::kOpaque, "",
-                     mPaint ? Summary(node, mPaint) : Summary(node)};
-        row.findings = node.findings;
+        mPlace = around;
+        mDepth = depthAround;
     }
 
     /// The bytes up to there that no field took.
     void Explain(int64 to)
     {
         if (to > mEnd)
-            mRows.push_back(
-                {false, true, Depth(), Place(), {mEnd, to - mEnd, Role::kOpaque, "unexplained", ""}, {}});
+            mSink({nullptr, true, mDepth, mPlace, {mEnd, to - mEnd, Role::kOpaque, "unexplained", ""}});
         mEnd = std::max(mEnd, to);
     }
 
-    std::vector<LayoutRow> Take() { return std::move(mRows); }
-
 private:
-    int Depth() const { return mOpen.empty() ? 0 : mRows[mOpen.back()].depth; }
-    RECORDS::Place Place() const { return mOpen.empty() ? RECORDS::Place() : mRows[mOpen.back()].place; }
+    void Stretch(Field field)
+    {
+        Explain(field.offset);
+        mEnd = field.offset + field.length;
+        mSink({nullptr, false, mDepth, mPlace, std::move(field)});
+    }
 
-    Paint const& mPaint;
-    std::vector<LayoutRow> mRows;
-    std::vector<std::size_t> mOpen;
-    int64 mEnd = 0;
+    Reader& mReader;
+    RowSink const& mSink;
+    int64 mEnd;
+    int mDepth = 0;
+    Place mPlace;
 };
 } // namespace
 
@@ -83,13 +85,28 @@ char const* RoleName(LayoutRow const& row)
     return "opaque";
 }
 
-Result<std::vector<LayoutRow>> LayoutOf(ByteView content, DecodeOptions options, Paint const& paint)
+Result<bool> Layout(Reader& reader, RowSink const& sink)
 {
-    Collector collector(paint);
-    options.fields = &collector;
-    if (auto const tree = Decode(content, options); !tree)
-        return tree.error();
-    collector.Explain(static_cast<int64>(content.size()));
-    return collector.Take();
+    return Guarded([&] {
+        Layouter layouter(reader, sink, 0);
+        Cursor records = reader.Records();
+        Node node;
+        while (ValueOrRaise(records.Next(node)))
+            layouter.Record(node, Place());
+        layouter.Explain(reader.Size());
+        return true;
+    });
+}
+
+Result<bool> LayoutOf(Reader& reader, Path const& path, RowSink const& sink)
+{
+    return Guarded([&] {
+        Node node = ValueOrRaise(reader.Find(path));
+        Place holder;
+        for (std::size_t i = 0; i + 1 < path.size(); ++i)
+            holder = Place(holder, Segment(path[i]));
+        Layouter(reader, sink, node.offset).Record(node, holder);
+        return true;
+    });
 }
 } // namespace KORVA::RECORDS

@@ -51,7 +51,7 @@ std::string Problem(Node const& node)
 
 std::string Entries(Node const& node)
 {
-    return fmt::format("{} {}", node.entries.size(), node.entries.size() == 1 ? "entry" : "entries");
+    return fmt::format("{} {}", node.entryCount, node.entryCount == 1 ? "entry" : "entries");
 }
 
 bool IsDamaged(Node const& node)

@@ -1,7 +1,7 @@
 // The typed values that plug-ins' classes read of their bodies.
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Format/Words.h>
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <fmt/format.h>
 
@@ -18,17 +18,17 @@ constexpr int64 kShownBytes = 32;
 std::string HexOf(ByteView bytes) { return fmt::format("{:02x}", fmt::join(bytes, " ")); }
 } // namespace
 
-STRING::CoreString TextOfPart(ByteView content, Part const& part, Order order)
+STRING::CoreString TextOfPart(ByteView bytes, Part const& part, Order order)
 {
     STRING::CoreString text;
-    for (int64 at = part.offset + 4; at + 1 < part.offset + part.length; at += 2)
-        text.push_back(Load<char16_t>(content.data() + at, order));
+    for (int64 at = 4; at + 1 < part.length; at += 2)
+        text.push_back(Load<char16_t>(bytes.data() + at, order));
     return text;
 }
 
-std::string ShownPart(ByteView content, Part const& part, Order order)
+std::string ShownPart(ByteView bytes, Part const& part, Order order)
 {
-    unsigned char const* const from = content.data() + part.offset;
+    unsigned char const* const from = bytes.data();
     if (part.type == "bool")
         return *from != 0 ? "true" : "false";
     if (part.type == "int8")
@@ -54,7 +54,7 @@ std::string ShownPart(ByteView content, Part const& part, Order order)
     if (part.type == "guid")
         return GUIDToText(LoadId(from, order));
     if (part.type == "string")
-        return Quoted(TextOfPart(content, part, order));
+        return Quoted(TextOfPart(bytes, part, order));
     int64 const shown = std::min(part.length, kShownBytes);
     return HexOf({from, static_cast<std::size_t>(shown)}) + (shown < part.length ? " ..." : "");
 }

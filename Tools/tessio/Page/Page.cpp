@@ -5,6 +5,8 @@
 #include "Page/Template.h"
 #include <tessio/Records/Dump/Json.h>
 #include <tessio/Records/Dump/JsonPrinter.h>
+#include <tessio/Records/Tree/Layout.h>
+#include <tessio/Records/Tree/Summary.h>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -60,12 +62,12 @@ void Replace(std::string& text, std::string_view mark, std::string const& by)
 Json RowJson(LayoutRow const& row)
 {
     Json json = {{"o", row.field.offset}, {"l", row.field.length}, {"d", row.depth}};
-    if (row.isRecord)
+    if (row.record)
     {
         json["p"] = row.place.Last();
-        json["v"] = row.field.value;
+        json["v"] = Summary(*row.record);
         Json findings = Json::array();
-        for (Finding const& finding : row.findings)
+        for (Finding const& finding : row.record->findings)
             findings.push_back({{"severity", SeverityName(finding.severity)}, {"words", finding.words}});
         if (!findings.empty())
             json["f"] = std::move(findings);
@@ -86,44 +88,42 @@ void AddPage(Command const& command, std::string& out)
         .Names("FILE");
 }
 
-std::string PageOf(Document const& document, std::vector<LayoutRow> const& rows)
+std::string PageOf(OpenDocument& document)
 {
     std::string data;
     JsonPrinter json([&](std::string_view piece) { AppendForScript(data, piece); },
                      JsonPrinter::Layout::kOneLine);
+    Reader& records = document.Records();
     json.BeginObject();
     json.Members({{"schema", 1},
-                  {"file", document.file},
-                  {"order", OrderName(document.tree.order)},
-                  {"size", document.tree.size},
-                  {"bytes", Base64(document.content)}});
+                  {"file", document.File()},
+                  {"order", OrderName(document.GetOrder())},
+                  {"size", records.Size()},
+                  {"bytes", Base64(document.Content())}});
     json.Key("findings");
     json.BeginList();
-    for (Finding const& finding : document.tree.findings)
-        json.Value(ToJson(finding, "/"));
+    if (auto const finding = LeftOver(document.Value(EndOfRecords(records)), records.Size()))
+        json.Value(ToJson(*finding, "/"));
     json.End();
     json.Key("rows");
     json.BeginList();
-    for (LayoutRow const& row : rows)
-        json.Value(RowJson(row));
+    static_cast<void>(
+        document.Value(Layout(records, [&](LayoutRow const& row) { json.Value(RowJson(row)); })));
     json.End();
     json.End();
     json.Finish();
     std::string page = kPageTemplate;
-    Replace(page, "{{title}}", ForMarkup(Escaped(document.file)));
+    Replace(page, "{{title}}", ForMarkup(Escaped(document.File())));
     Replace(page, "{{data}}", data);
     return page;
 }
 
-void WritePage(Session const& session, Common const& common, Document const& document, std::string const& out)
+void WritePage(Session const& session, OpenDocument& document, std::string const& out)
 {
-    if (document.tree.size > kLargestPage)
+    if (int64 const size = document.Records().Size(); size > kLargestPage)
         throw Failure(Exit::kLimit, fmt::format("{} is {} bytes; a page takes {} at most",
-                                                Quoted(document.file), document.tree.size, kLargestPage));
-    // Colours of the terminal have no place in it.
-    ChooseColour("never");
-    std::string const page = PageOf(document, LayoutOf(session, common, document));
-    ChooseColour(common.colour);
+                                                Quoted(document.File()), size, kLargestPage));
+    std::string const page = PageOf(document);
     WriteOutput(session, out, Bytes(page.begin(), page.end()));
 }
 } // namespace TOOL

@@ -15,12 +15,11 @@ constexpr KORVA::int64 kLargestPage = KORVA::int64{8} << 20;
 
 /// A page that needs nothing else: the records beside the bytes, each showing where the other is. Everything
 /// from the file is data in it, never markup or script.
-std::string PageOf(Document const& document, std::vector<LayoutRow> const& rows);
+std::string PageOf(OpenDocument& document);
 
 /// Adds the option --html.
 void AddPage(Command const& command, std::string& out);
 
 /// Writes the page to a file, or to standard output for "-". Ends the command for a file that is too large.
-void WritePage(Session const& session, Common const& common, Document const& document,
-               std::string const& out);
+void WritePage(Session const& session, OpenDocument& document, std::string const& out);
 } // namespace TOOL

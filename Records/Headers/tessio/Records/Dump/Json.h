@@ -3,7 +3,7 @@
 
 #include <tessio/Records/Dump/JsonPrinter.h>
 #include <tessio/Records/Format/Words.h>
-#include <tessio/Records/Tree/Node.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <string>
 
@@ -13,8 +13,12 @@ namespace KORVA::RECORDS
 Json ToJson(Node const& node, std::string const& path, std::string const& label);
 Json ToJson(Node const& node, std::string const& path);
 
-/// The same, piece by piece, as the next value: for trees that may be large.
-void WriteNode(JsonPrinter& json, Node const& node, std::string path);
+/// The same of a record in a file, piece by piece, as the next value. The node need not hold what it holds in
+/// the file.
+Result<bool> WriteNode(JsonPrinter& json, Reader& reader, Node node, std::string path);
+
+/// All records of a file as values of a list. Gives the place where the last one ends.
+Result<int64> WriteNodes(JsonPrinter& json, Reader& reader);
 
 /// {"severity": "error", "code": "length-too-large", "offset": 0, "path": "/0", "words": "..."}
 Json ToJson(Finding const& finding, std::string const& path);

@@ -1,8 +1,8 @@
 // What can be kept of a damaged record file.
 #pragma once
 
-#include <tessio/Records/Tree/Decoder.h>
 #include <tessio/Records/Tree/Place.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <string>
 #include <vector>

@@ -1,33 +1,36 @@
 // Every byte of a record file and what it is.
 #pragma once
 
-#include <tessio/Records/Tree/Decoder.h>
 #include <tessio/Records/Tree/Place.h>
-#include <tessio/Records/Tree/Summary.h>
+#include <tessio/Records/Tree/Reader.h>
 
-#include <string>
-#include <vector>
+#include <functional>
 
 namespace KORVA::RECORDS
 {
 /// The beginning of a record, or a stretch of bytes.
 struct LayoutRow
 {
-    bool isRecord = false;
+    /// The record, complete, but without what it holds; null for a stretch. Borrowed for the call.
+    Node const* record = nullptr;
     /// Of a stretch: whether nothing explains these bytes.
     bool isUnexplained = false;
     int depth = 0;
     /// Of the record, or of that in which the bytes stand.
     Place place;
-    /// Of a record: its extent, and in `value` its summary.
+    /// Of a stretch; of a record its extent.
     Field field;
-    /// Of a record: what was noticed about it.
-    std::vector<Finding> findings;
 };
 
+/// "class", "length", ..., "unexplained".
 char const* RoleName(LayoutRow const& row);
 
-/// All rows in the order of the file. The stretches cover every byte once. `paint` gives summaries their
-/// colours.
-Result<std::vector<LayoutRow>> LayoutOf(ByteView content, DecodeOptions options, Paint const& paint = {});
+/// Is given rows in the order of the file.
+using RowSink = std::function<void(LayoutRow const&)>;
+
+/// All rows of a file. The stretches cover every byte once.
+Result<bool> Layout(Reader& reader, RowSink const& sink);
+
+/// The rows of the record at the end of a path and of everything in it.
+Result<bool> LayoutOf(Reader& reader, Path const& path, RowSink const& sink);
 } // namespace KORVA::RECORDS

@@ -96,9 +96,18 @@ struct Node
     int32 directory = 0;
     /// Of a plug-in's object.
     std::vector<Part> parts;
-    /// In the order of the file.
+    /// In the order of the file; empty where only the node itself was asked for.
     std::vector<Node> entries;
     std::vector<Node> aggregates;
+    /// How many it holds. 0 until it is complete.
+    uint32 entryCount = 0;
+    uint32 aggregateCount = 0;
+    /// How many records it is nested in.
+    int depth = 0;
+    /// Whether more was read of it than its head.
+    bool isComplete = false;
+    /// Of what holds no entries, where that ends which it says itself; 0 where reading did not come so far.
+    int64 bodyEnd = 0;
     /// Where the count of the aggregates stands; 0 where reading did not come so far.
     int64 aggregatesAt = 0;
     /// Whether these fields tell every byte of it: writing them again gives the same record.

@@ -1,5 +1,5 @@
 // What is read of record files, and what is noticed about them.
-#include <tessio/Records/Tree/Decoder.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <tessio/Records/Tree/FileOrder.h>
 
@@ -17,9 +17,14 @@ namespace KORVA::TESTS
 {
 namespace
 {
-using RECORDS::DecodeOptions;
+RECORDS::Result<RECORDS::RecordTree> ReadAll(RECORDS::ByteView content, RECORDS::ReadOptions const& options)
+{
+    return RECORDS::ReadTree(RECORDS::MemorySource(content), options);
+}
+
 using RECORDS::Finding;
 using RECORDS::Node;
+using RECORDS::ReadOptions;
 using RECORDS::RecordTree;
 using RECORDS::Severity;
 
@@ -62,11 +67,11 @@ std::string AllFindings(RecordTree const& tree)
     return text;
 }
 
-class DecoderFinding : public ::testing::TestWithParam<FindingRow>
+class ReaderFinding : public ::testing::TestWithParam<FindingRow>
 {
 };
 
-TEST_P(DecoderFinding, HasSeverityCodeOffsetPathAndWords)
+TEST_P(ReaderFinding, HasSeverityCodeOffsetPathAndWords)
 {
     std::string expected;
     for (Noticed const& noticed : GetParam().findings)
@@ -78,7 +83,7 @@ TEST_P(DecoderFinding, HasSeverityCodeOffsetPathAndWords)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, DecoderFinding, ::testing::ValuesIn(Findings()), RowName());
+INSTANTIATE_TEST_SUITE_P(Rows, ReaderFinding, ::testing::ValuesIn(Findings()), RowName());
 
 /// One line for each record: offset, length, path, what it is.
 std::string Lines(RecordTree const& tree)
@@ -91,7 +96,7 @@ std::string Lines(RecordTree const& tree)
     return text;
 }
 
-TEST(Decoder, ReadsOneOfEachClassInEitherOrder)
+TEST(Reader, ReadsOneOfEachClassInEitherOrder)
 {
     for (Order const order : kOrders)
     {
@@ -120,7 +125,7 @@ TEST(Decoder, ReadsOneOfEachClassInEitherOrder)
     }
 }
 
-TEST(Decoder, ReadsEachTypeOfNumber)
+TEST(Reader, ReadsEachTypeOfNumber)
 {
     for (Sample const& sample : Samples())
     {
@@ -144,7 +149,7 @@ TEST(Decoder, ReadsEachTypeOfNumber)
     }
 }
 
-TEST(Decoder, DamageInOneRecordLeavesThoseAroundAndBehindIt)
+TEST(Reader, DamageInOneRecordLeavesThoseAroundAndBehindIt)
 {
     for (Order const order : kOrders)
     {
@@ -172,7 +177,7 @@ TEST(Decoder, DamageInOneRecordLeavesThoseAroundAndBehindIt)
     }
 }
 
-TEST(Decoder, ALengthThatNobodyBelievesIsNamed)
+TEST(Reader, ALengthThatNobodyBelievesIsNamed)
 {
     // Only the pages that are touched take memory.
     constexpr std::size_t kSize = 24 + 2147483648ULL;
@@ -185,9 +190,9 @@ TEST(Decoder, ALengthThatNobodyBelievesIsNamed)
         Bytes const header =
             Laid(kBig, "{76543210-BA98-4EDC-9F01-23456789ABCD} " + std::to_string(length) + ":8");
         std::copy(header.begin(), header.end(), bytes);
-        DecodeOptions options;
+        ReadOptions options;
         options.order = kBig;
-        RecordTree const tree = *RECORDS::Decode({bytes, 24 + static_cast<std::size_t>(length)}, options);
+        RecordTree const tree = *ReadAll({bytes, 24 + static_cast<std::size_t>(length)}, options);
         EXPECT_EQ(AllFindings(tree),
                   std::string(length == 2147483647 ? ""
                                                    : "error length-not-believed at 16 of /0: its length is "
@@ -209,7 +214,7 @@ Bytes Nested(Order order, int records)
     return Laid(order, words);
 }
 
-TEST(Decoder, ARecordNestedMoreThanAThousandDeepIsNotRead)
+TEST(Reader, ARecordNestedMoreThanAThousandDeepIsNotRead)
 {
     for (Order const order : kOrders)
     {
@@ -230,23 +235,23 @@ struct LimitRow
     char const* words;
 };
 
-class DecoderLimit : public ::testing::TestWithParam<LimitRow>
+class ReaderLimit : public ::testing::TestWithParam<LimitRow>
 {
 };
 
-TEST_P(DecoderLimit, EndsTheReading)
+TEST_P(ReaderLimit, EndsTheReading)
 {
-    DecodeOptions options;
+    ReadOptions options;
     options.work.limits = GetParam().limits;
     std::string const expected = *GetParam().words ? std::string("beyond-limit ") + GetParam().words : "";
-    EXPECT_EQ(FailureOf(RECORDS::Decode(Laid(kLittle, kEvery), options)), expected);
+    EXPECT_EQ(FailureOf(ReadAll(Laid(kLittle, kEvery), options)), expected);
 }
 
 constexpr int64 kAny = 1000000;
 
 // Texts of string dictionaries are no records: there are ten of these, two deep.
 INSTANTIATE_TEST_SUITE_P(
-    Rows, DecoderLimit,
+    Rows, ReaderLimit,
     ::testing::Values(
         LimitRow{"All", {.depth = 2, .count = 12, .bytes = 442}, ""},
         LimitRow{"Depth",
@@ -271,11 +276,11 @@ struct OrderRow
     bool isFound;
 };
 
-class DecoderOrder : public ::testing::TestWithParam<OrderRow>
+class ReaderOrder : public ::testing::TestWithParam<OrderRow>
 {
 };
 
-TEST_P(DecoderOrder, IsFoundFromTheContent)
+TEST_P(ReaderOrder, IsFoundFromTheContent)
 {
     for (Order const order : kOrders)
     {
@@ -286,7 +291,7 @@ TEST_P(DecoderOrder, IsFoundFromTheContent)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, DecoderOrder,
+    Rows, ReaderOrder,
     ::testing::Values(
         OrderRow{"KnownFirst", "Value 8:8 'UNNT 0:4", true},
         OrderRow{"SecondDictionaryId", "{73E90C1F-BBC6-4326-8241-9BB4250B1B05} 8:8 0:4 0:4", true},
@@ -325,13 +330,13 @@ private:
 
 RecordTree ReadWith(FakeClasses const& classes, Order order, char const* words)
 {
-    DecodeOptions options;
+    ReadOptions options;
     options.order = order;
     options.classes = &classes;
-    return *RECORDS::Decode(Laid(order, words), options);
+    return *ReadAll(Laid(order, words), options);
 }
 
-TEST(Decoder, PartsOfAPlugInsObjectAreWhatItReads)
+TEST(Reader, PartsOfAPlugInsObjectAreWhatItReads)
 {
     for (Order const order : kOrders)
     {
@@ -348,32 +353,14 @@ TEST(Decoder, PartsOfAPlugInsObjectAreWhatItReads)
     }
 }
 
-TEST(Decoder, AClassThatDoesNotTellHowItReadsIsOpaque)
+TEST(Reader, AClassThatDoesNotTellHowItReadsIsOpaque)
 {
     RecordTree const tree =
         ReadWith(FakeClasses(false), kBig, "{00000009-0000-0000-0000-000000000000} 4:8 7:4");
     EXPECT_EQ(AllFindings(tree), "note opaque-class at 0 of /0: its class does not tell how it reads\n");
 }
 
-TEST(Decoder, ByContentFindsWhereARecordEndsWithoutItsLength)
-{
-    for (Order const order : kOrders)
-    {
-        DecodeOptions options;
-        options.order = order;
-        Bytes const wrong = Laid(order, "Dict 999:8 1:4 1:4 Value 8:8 'UNNT 0:4 0:4 =FFFFFF");
-        auto const node = RECORDS::DecodeByContent(wrong, 0, 71, options);
-        ASSERT_TRUE(node);
-        EXPECT_EQ(node->length, 68);
-        EXPECT_EQ(node->entries.size(), 1u);
-        EXPECT_FALSE(RECORDS::DecodeByContent(wrong, 0, 67, options));
-        EXPECT_FALSE(RECORDS::DecodeByContent(wrong, 64, 71, options));
-        Bytes const unknown = Laid(order, "{00000009-0000-0000-0000-000000000000} 4:8 0:4");
-        EXPECT_FALSE(RECORDS::DecodeByContent(unknown, 0, 28, options));
-    }
-}
-
-TEST(Decoder, NoFileIsTooDamagedToBeRead)
+TEST(Reader, NoFileIsTooDamagedToBeRead)
 {
     int files = 0;
     ForEachFile({0x01, 0x80, 0xFF}, [&](Bytes const& content, Order order, std::string const& name) {

@@ -1,5 +1,7 @@
 // What records are made of: numbers, texts, plain values.
-#include "Tree/DecoderClass.h"
+#include "Tree/Decoder.h"
+
+#include "Format/Guard.h"
 
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Format/Directories.h>
@@ -24,8 +26,8 @@ std::string ShownText(CoreString const& text)
 
 void Decoder::Tell(int64 offset, int64 length, Role role, std::string name, std::string value)
 {
-    if (mOptions.fields && length > 0)
-        mOptions.fields->OnField({offset, length, role, std::move(name), std::move(value)});
+    if (mSink && length > 0)
+        mSink({offset, length, role, std::move(name), std::move(value)});
 }
 
 void Decoder::Note(Node& node, Severity severity, char const* code, int64 offset, std::string words)
@@ -46,8 +48,8 @@ void Decoder::Need(int64 bytes, int64 end, char const* what) const
 GUID Decoder::ReadId(int64 end, Role role, char const* name, char const* what)
 {
     Need(sizeof(GUID), end, what);
-    GUID const id = LoadId(mContent.data() + mPosition, mOptions.order);
-    if (mOptions.fields)
+    GUID const id = LoadId(mWindow.At(mPosition, sizeof(GUID)), mOptions.order);
+    if (mSink)
         Tell(mPosition, sizeof(GUID), role, name, GUIDToText(id));
     mPosition += static_cast<int64>(sizeof(GUID));
     return id;
@@ -74,81 +76,28 @@ CoreString Decoder::ReadString(Node& node, int64 end, Role role, char const* nam
             "string-too-long", start,
             fmt::format("a string should be {}, the record leaves {}", ByteCount(count), end - mPosition)};
     CoreString text;
-    if (mOptions.sound)
-    {
-        mPosition += count;
-        return text;
-    }
     text.reserve(static_cast<std::size_t>(count / 2));
+    unsigned char const* const units = mWindow.At(mPosition, count);
     for (int64 i = 0; i < count / 2; ++i)
-        text.push_back(Load<char16_t>(mContent.data() + mPosition + 2 * i, mOptions.order));
-    if (mOptions.fields)
+        text.push_back(Load<char16_t>(units + 2 * i, mOptions.order));
+    if (mSink)
         Tell(mPosition, count, role, name, ShownText(text));
     mPosition += count;
     return text;
 }
 
-/// As long as keys ascend, none can be there twice; from then on all of them are kept in `seen`.
-void Decoder::CheckOrder(Node& node, Node const& entry, std::set<CoreString>& seen)
+Node Decoder::TextEntry(Node& holder, int64 end)
 {
-    CoreString const& key = entry.label.text;
-    if (!node.entries.empty() && seen.empty() && !(node.entries.back().label.text < key))
-        for (Node const& before : node.entries)
-            seen.insert(before.label.text);
-    if (seen.empty())
-        return;
-    CoreString const& before = node.entries.back().label.text;
-    if (!seen.insert(key).second)
-        Note(node, Severity::kWarning, "key-twice", entry.offset,
-             fmt::format("the key {} is there twice; the last one counts", Quoted(key)));
-    else if (key < before)
-        Note(node, Severity::kWarning, "keys-not-ascending", entry.offset,
-             fmt::format("the key {} stands behind {}", Quoted(key), Quoted(before)));
-}
-
-/// How many of `count` string entries are there, by their lengths alone.
-std::size_t Decoder::StringEntriesAhead(uint32 count, int64 end) const
-{
-    int64 at = mPosition;
-    for (std::size_t texts = 0; texts < std::size_t{2} * count; ++texts)
-    {
-        if (end - at < 4)
-            return texts / 2;
-        auto const length = Load<int32>(mContent.data() + at, mOptions.order);
-        at += 4;
-        if (length < 0 || length > end - at)
-            return texts / 2;
-        at += length < 2 ? 0 : length;
-    }
-    return count;
-}
-
-void Decoder::Strings(Node& node, int64 end)
-{
-    std::set<CoreString> seen;
-    int64 const at = mPosition;
-    auto const count = Read<uint32>(end, Role::kCount, "entries", "the number of entries");
-    // Room for all of them at once: a list that grows stands in memory twice meanwhile.
-    if (!mOptions.sound)
-        node.entries.reserve(StringEntriesAhead(count, end));
-    for (uint32 i = 0; i < count; ++i)
-    {
-        if (end - mPosition < 8)
-            throw Broken{"count-too-large", at,
-                         fmt::format("should hold {} entries, there is room for {}", count, i)};
-        Count(mPosition);
-        Node entry;
-        entry.kind = Kind::kStringEntry;
-        entry.offset = mPosition;
-        entry.label.type = Label::Type::kText;
-        entry.label.text = ReadString(node, end, Role::kKey, "key");
-        entry.text = ReadString(node, end, Role::kValue, "value");
-        entry.length = mPosition - entry.offset;
-        if (mOptions.sound)
-            continue;
-        CheckOrder(node, entry, seen);
-        node.entries.push_back(std::move(entry));
-    }
+    Node entry;
+    entry.kind = Kind::kStringEntry;
+    entry.offset = mPosition;
+    entry.depth = holder.depth + 1;
+    entry.label.type = Label::Type::kText;
+    entry.label.text = ReadString(holder, end, Role::kKey, "key");
+    entry.text = ReadString(holder, end, Role::kValue, "value");
+    entry.length = mPosition - entry.offset;
+    entry.isComplete = true;
+    return entry;
 }
 
 void Decoder::Relative(Node& node, int64 end)
@@ -169,7 +118,7 @@ void Decoder::PlainValue(Node& node, int64 end)
     int64 const at = mPosition;
     Need(4, end, "a type tag");
     Value& value = node.value;
-    value.tag = Load<uint32>(mContent.data() + mPosition, mOptions.order);
+    value.tag = Load<uint32>(mWindow.At(mPosition, 4), mOptions.order);
     mPosition += 4;
     ValueType const* const type = FindType(value.tag);
     value.type = type ? type->name : "unknown";
@@ -186,9 +135,9 @@ void Decoder::PlainValue(Node& node, int64 end)
     {
         // In memory order, whatever the file's.
         Need(sizeof(GUID), end, "an identifier");
-        GUID const id = LoadId(mContent.data() + mPosition, IO::IDataProvider::kLittleEndian);
+        GUID const id = LoadId(mWindow.At(mPosition, sizeof(GUID)), IO::IDataProvider::kLittleEndian);
         value.content = id;
-        if (mOptions.fields)
+        if (mSink)
             Tell(mPosition, sizeof(GUID), Role::kValue, "value", GUIDToText(id));
         mPosition += static_cast<int64>(sizeof(GUID));
     }
@@ -217,16 +166,11 @@ void Decoder::Buffer(Node& node, int64 end)
         throw Broken{
             "buffer-too-long", at,
             fmt::format("a buffer should be {}, the record leaves {}", ByteCount(length), end - mPosition)};
-    unsigned char const* const from = mContent.data() + mPosition;
-    if (mOptions.sound)
-    {
-        mPosition += length;
-        return;
-    }
+    unsigned char const* const from = mWindow.At(mPosition, length);
     if (value.type == "bytes")
     {
         value.content = Bytes(from, from + length);
-        if (mOptions.fields)
+        if (mSink)
             Tell(mPosition, length, Role::kValue, "value", ByteCount(length));
     }
     else
@@ -234,7 +178,7 @@ void Decoder::Buffer(Node& node, int64 end)
         std::u16string units;
         for (int64 i = 0; i + 1 < length; i += 2)
             units += Load<char16_t>(from + i, IO::IDataProvider::kLittleEndian);
-        if (mOptions.fields)
+        if (mSink)
             Tell(mPosition, length, Role::kValue, "value", ShownText(CoreString(units)));
         value.content = std::move(units);
         if (length % 2 != 0)
@@ -254,9 +198,9 @@ void Decoder::Number(Value& value, int64 end)
         value.integer = Read<uint64>(end, Role::kValue, "as a whole number", "a number");
     else
         value.integer = static_cast<uint64>(Read<int64>(end, Role::kValue, "as a whole number", "a number"));
-    value.floating = Load<uint64>(mContent.data() + mPosition, mOptions.order);
+    value.floating = Load<uint64>(mWindow.At(mPosition, 8), mOptions.order);
     auto const floating = std::bit_cast<double>(value.floating);
-    if (mOptions.fields)
+    if (mSink)
         Tell(mPosition, 8, Role::kValue, "as a floating-point number", fmt::format("{}", floating));
     mPosition += 8;
     if (value.type == "float")
@@ -267,5 +211,110 @@ void Decoder::Number(Value& value, int64 end)
         value.content = value.integer;
     else
         value.content = static_cast<int64>(value.integer);
+}
+
+void Decoder::Count(int64 offset)
+{
+    Limits const& limits = mOptions.work.limits;
+    if (++mRecords > limits.count)
+        Raise(ErrorCode::kBeyondLimit, offset,
+              fmt::format("more than {} records: the record at offset {} is one too many", limits.count,
+                          offset));
+    if (mOptions.work.progress && !mOptions.work.progress(offset, Size()))
+        Raise(ErrorCode::kCancelled, offset, "it was wanted to end");
+}
+
+void Decoder::CheckDepth(int64 offset, int depth) const
+{
+    int64 const deepest = mOptions.work.limits.depth;
+    if (depth >= deepest)
+        Raise(ErrorCode::kBeyondLimit, offset,
+              fmt::format("the record at offset {} is nested more than {} deep", offset, deepest));
+}
+
+/// Class id and length.
+Node Decoder::Head(int64 offset, int64 limit, char const* holder, Label label, int depth)
+{
+    Node node;
+    node.label = std::move(label);
+    node.offset = offset;
+    node.depth = depth;
+    mPosition = offset;
+    node.classId = LoadId(mWindow.At(offset, kHeader), mOptions.order);
+    KnownClass const* const known = FindClass(node.classId);
+    if (known)
+        node.kind = known->kind;
+    if (mSink)
+        Tell(offset, sizeof(GUID), Role::kClass, "class",
+             GUIDToText(node.classId) + (known ? std::string(" ") + known->name : ""));
+    if (node.classId == GUID{})
+        Note(node, Severity::kWarning, "class-zero", offset,
+             "the id of its class is all zeros, which is no class's: these bytes are hardly a record");
+    mPosition += static_cast<int64>(sizeof(GUID));
+    int64 const at = mPosition;
+    node.declared = Read<int64>(limit, Role::kLength, "length", "a length");
+    int64 const left = limit - mPosition;
+    if (node.declared < 0)
+        Note(node, Severity::kError, "length-negative", at,
+             fmt::format("its length is {}; the {} leaves {}", node.declared, holder, ByteCount(left)));
+    else if (node.declared > left)
+        Note(node, Severity::kError, "length-too-large", at,
+             fmt::format("should be {}, the {} leaves {}", ByteCount(node.declared), holder, left));
+    else if (node.declared > kLargestLength)
+        Note(node, Severity::kError, "length-not-believed", at,
+             fmt::format("its length is {}, more than the {} that are read", node.declared, kLargestLength));
+    node.length = node.regular ? kHeader + node.declared : limit - offset;
+    return node;
+}
+
+void Decoder::Leaf(Node& node, int64 end)
+{
+    switch (node.kind)
+    {
+    case Kind::kValue:
+        return PlainValue(node, end);
+    case Kind::kURI:
+        node.text = ReadString(node, end, Role::kValue, "text");
+        return;
+    case Kind::kRelativeURI:
+        return Relative(node, end);
+    case Kind::kUnknownClass:
+    case Kind::kObject:
+        return Object(node, end);
+    case Kind::kDictionary:
+    case Kind::kStrings:
+    case Kind::kStringEntry:
+        break;
+    }
+}
+
+/// Of a plug-in's class, if one makes it.
+void Decoder::Object(Node& node, int64 end)
+{
+    ClassReader const* const classes = mOptions.classes;
+    if (node.kind == Kind::kUnknownClass)
+    {
+        std::optional<ReadBody> body =
+            classes ? classes->Read(node.classId, At(mPosition, end - mPosition), mPosition, mOptions.order)
+                    : std::nullopt;
+        if (!body)
+        {
+            bool const isMade = classes && classes->Makes(node.classId);
+            Note(node, Severity::kNote, isMade ? "opaque-class" : "unknown-class", node.offset,
+                 isMade ? "its class does not tell how it reads" : "nobody here knows its class");
+            return;
+        }
+        node.kind = Kind::kObject;
+        node.parts = std::move(body->parts);
+        node.bodyEnd = mPosition + body->length;
+        for (Part& part : node.parts)
+            if (part.type != "record")
+            {
+                ByteView const bytes = At(part.offset, part.length);
+                part.shown = part.type == "string" ? TextOfPart(bytes, part, mOptions.order).ToUTF8()
+                                                   : ShownPart(bytes, part, mOptions.order);
+            }
+    }
+    mPosition = node.bodyEnd;
 }
 } // namespace KORVA::RECORDS
