@@ -6,6 +6,7 @@
 #include <tessio/Logger/LogSite.h>
 #include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/RecordFormat.h>
 #include <tessio/TessIO/ResultCodes.h>
 
 #include <new>
@@ -28,11 +29,6 @@ constexpr LogSite kSiteResynchronised{kSource, kReading, 361};
 constexpr LogSite kSiteWriteThrew{kSource, kWriting, 435};
 constexpr LogSite kSiteNotPersistent{kSource, kWriting, 452};
 
-/// Lengths from here on are not believed, nor are negative ones.
-constexpr uint64 kLengthLimit = 2147483648ULL;
-constexpr int64 kLengthField = 8;
-constexpr int kMaxDepth = 1000;
-
 /// Counts the records that are open on this thread. One too deep counts as a body that threw, so that a
 /// crafted or cyclic structure costs one record and not the stack.
 class Nesting
@@ -40,7 +36,7 @@ class Nesting
 public:
     Nesting()
     {
-        if (++sDepth > kMaxDepth)
+        if (++sDepth > kMostNestedRecords)
         {
             --sDepth;
             throw std::length_error("records nested too deep");
@@ -99,7 +95,7 @@ void ReadAggregates(IDataProviderStream& stream, IDataProvider& provider, IObjec
         GUID iid{};
         TInterfacePtr<IObject> aggregate;
         stream >> iid;
-        ReadingEffort::CountBytes(provider, sizeof iid);
+        ReadingEffort::CountBytes(provider, kInterfaceIdSize);
         stream >> aggregate.Out();
         if (aggregate && !IsPersistenceId(iid))
             object.Aggregate(aggregate.Get(), iid);
@@ -143,7 +139,7 @@ DataProviderStream& DataProviderStream::operator<<(IObject const& object)
     {
         Log(kSiteWriteThrew, L"Object thrown expection during write.");
     }
-    int64 const length = mProvider->GetPosition() - lengthAt - kLengthField;
+    int64 const length = mProvider->GetPosition() - lengthAt - kLengthSize;
     if (length > 0)
         Patch(self, *mProvider, lengthAt, length);
     return *this;
@@ -159,7 +155,7 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
     int64 length = 0;
     self >> classId >> length;
     *result = nullptr;
-    if (static_cast<uint64>(length) >= kLengthLimit)
+    if (!IsBelievedLength(length))
     {
         record.HasNoLength();
         if (record.IsWorthAMessage())

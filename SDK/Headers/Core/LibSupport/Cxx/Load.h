@@ -225,7 +225,7 @@ inline Result<std::vector<std::byte>> RecordsOf(std::filesystem::path const& pat
                 Result<void> const checked = CheckHead(*head, size - at, task);
                 if (!checked)
                     return checked.error();
-                Result<void> const moved = data.Seek(at + kRecordHeader + head->length);
+                Result<void> const moved = data.Seek(at + IO::kRecordHeadSize + head->length);
                 if (!moved)
                     return moved.error();
             }

@@ -10,18 +10,13 @@
 #include <tessio/TessIO/IDataProviderStream.h>
 #include <tessio/TessIO/IDataProviderStreamStatus.h>
 #include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/RecordFormat.h>
 
-#include <limits>
 #include <string>
 #include <utility>
 
 namespace KORVA::CXX::DETAIL
 {
-/// The bytes of a class id and a length, which stand before a body.
-inline constexpr int64 kRecordHeader = 24;
-inline constexpr int64 kIdBytes = 16;
-inline constexpr int64 kLongestBody = std::numeric_limits<int32>::max();
-
 /// What is under way, for the errors that come of it.
 struct Task
 {
@@ -66,9 +61,9 @@ inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& obje
     *writer << object;
     int64 const length = provider.GetPosition() - start;
     ErrCode code = watched->WriteResult();
-    if (code == kNoError && (writer->HasLost() || length < kRecordHeader))
+    if (code == kNoError && (writer->HasLost() || length < IO::kRecordHeadSize))
         code = kNotSerialized;
-    if (code == kNoError && length - kRecordHeader > kLongestBody)
+    if (code == kNoError && length - IO::kRecordHeadSize > IO::kGreatestLength)
         code = kTooLarge;
     if (code == kNoError)
         return {};
@@ -88,7 +83,7 @@ struct RecordHead
 
     bool IsPlausible(int64 left) const
     {
-        return isWhole && length >= 0 && length <= kLongestBody && length <= left - kRecordHeader;
+        return isWhole && IO::IsBelievedLength(length) && length <= left - IO::kRecordHeadSize;
     }
 };
 
@@ -101,7 +96,7 @@ inline Result<RecordHead> PeekHead(IO::IDataProvider& provider)
     RecordHead head;
     int64 const start = provider.GetPosition();
     **stream >> head.classId >> head.length;
-    head.isWhole = provider.GetPosition() - start == kRecordHeader;
+    head.isWhole = provider.GetPosition() - start == IO::kRecordHeadSize;
     static_cast<void>(provider.SetPosition(start, IO::IDataProvider::kFromStart));
     return head;
 }
@@ -129,7 +124,7 @@ inline Result<void> FindOrder(IO::IDataProvider& provider, Task const& task)
         Result<RecordHead> const head = PeekHead(provider);
         if (!head)
             return head.error();
-        if (left >= kIdBytes && Probe(head->classId))
+        if (left >= IO::kClassIdSize && Probe(head->classId))
             return {};
         if (plausible == IO::IDataProvider::kNativeEndian && !(head->classId == GUID{}) &&
             head->IsPlausible(left))
@@ -147,9 +142,9 @@ inline Result<void> CheckHead(RecordHead const& head, int64 left, Task const& ta
 {
     if (head.IsPlausible(left))
         return {};
-    if (left < kIdBytes || !Probe(head.classId))
+    if (left < IO::kClassIdSize || !Probe(head.classId))
         return task.Failed(kNotARecord);
-    if (head.isWhole && (head.length < 0 || head.length > kLongestBody))
+    if (head.isWhole && !IO::IsBelievedLength(head.length))
         return task.Failed(kDamaged, "its length is " + std::to_string(head.length));
     return task.Failed(kTruncated);
 }
@@ -169,7 +164,7 @@ Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task con
     if (!checked)
         return checked.error();
 
-    int64 const end = start + kRecordHeader + head->length;
+    int64 const end = start + IO::kRecordHeadSize + head->length;
     std::string const classText = GUIDToText(head->classId);
     auto const skip = [&provider, end, &task](ErrCode code, std::string detail) {
         static_cast<void>(provider.SetPosition(end, IO::IDataProvider::kFromStart));

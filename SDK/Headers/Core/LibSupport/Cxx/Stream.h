@@ -7,6 +7,7 @@
 #include <tessio/Cxx/Records.h>
 #include <tessio/Cxx/Text.h>
 #include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/RecordFormat.h>
 
 #include <concepts>
 #include <cstddef>
@@ -97,9 +98,9 @@ public:
         Result<STRING::CoreString> const converted = ToCoreString(text);
         if (!converted)
             return Note(converted.error());
-        if (converted->size() > DETAIL::kMostUnits)
+        if (converted->size() > IO::kMostStringUnits)
             return Note(Error(kTooLarge, "write the text"));
-        return Note(WriteValue(*converted, 4 + 2 * converted->size()));
+        return Note(WriteValue(*converted, IO::kStringCountSize + 2 * converted->size()));
     }
 
     /// Writes the record of an object. `kNotPersistent`, and nothing is written; `kNotSerialized` when the
@@ -158,7 +159,7 @@ public:
                 Result<int> const count = Read<int>();
                 if (!count)
                     return count.error();
-                length = 4 + (*count < 2 ? 0 : static_cast<int64>(*count));
+                length = IO::kStringCountSize + (*count < 2 ? 0 : static_cast<int64>(*count));
                 static_cast<void>((*provider)->SetPosition(start, IO::IDataProvider::kFromStart));
             }
             T value{};
