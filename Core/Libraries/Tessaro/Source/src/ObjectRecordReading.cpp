@@ -1,6 +1,7 @@
-// The object operators of the stream: self-delimiting records around what objects write of themselves.
+// Object records as they are read: each costs itself at most, and the stream goes on at its end.
 #include "DataProviderStream.h"
 
+#include "Nesting.h"
 #include "ReadingEffort.h"
 #include <tessio/CoreRegistry/CoreRegistry.h>
 #include <tessio/Logger/LogSite.h>
@@ -10,7 +11,6 @@
 #include <tessio/TessIO/ResultCodes.h>
 
 #include <new>
-#include <stdexcept>
 
 namespace KORVA::IO
 {
@@ -19,66 +19,11 @@ namespace
 constexpr char kSource[] = "Core/Libraries/Tessaro/Source/src/DataProviderStream";
 constexpr char kReading[] =
     "virtual KORVA::IO::DataProviderStream &KORVA::IO::DataProviderStream::operator>>(KORVA::IObject **)";
-constexpr char kWriting[] = "virtual KORVA::IO::DataProviderStream "
-                            "&KORVA::IO::DataProviderStream::operator<<(const KORVA::IObject &)";
 
 constexpr LogSite kSiteSuspectLength{kSource, kReading, 300};
 constexpr LogSite kSiteReadThrew{kSource, kReading, 341};
 constexpr LogSite kSitePreposterous{kSource, kReading, 354};
 constexpr LogSite kSiteResynchronised{kSource, kReading, 361};
-constexpr LogSite kSiteWriteThrew{kSource, kWriting, 435};
-constexpr LogSite kSiteNotPersistent{kSource, kWriting, 452};
-
-/// Counts the records that are open on this thread. One too deep counts as a body that threw, so that a
-/// crafted or cyclic structure costs one record and not the stack.
-class Nesting
-{
-public:
-    Nesting()
-    {
-        if (++sDepth > kMostNestedRecords)
-        {
-            --sDepth;
-            throw std::length_error("records nested too deep");
-        }
-    }
-    Nesting(Nesting const&) = delete;
-    Nesting& operator=(Nesting const&) = delete;
-    ~Nesting() { --sDepth; }
-
-private:
-    static thread_local int sDepth;
-};
-
-thread_local int Nesting::sDepth = 0;
-
-/// Overwrites a number laid down at `at` and comes back.
-template <class Number>
-void Patch(IDataProviderStream& stream, IDataProvider& provider, int64 at, Number value)
-{
-    int64 const end = provider.GetPosition();
-    static_cast<void>(provider.SetPosition(at, IDataProvider::kFromStart));
-    stream << value;
-    static_cast<void>(provider.SetPosition(end, IDataProvider::kFromStart));
-}
-
-void WriteAggregates(IDataProviderStream& stream, IDataProvider& provider, IObject const& object)
-{
-    AggregateMap const& aggregates = object.GetAggregates();
-    int64 const countAt = provider.GetPosition();
-    stream << int{0};
-    int count = 0;
-    for (auto const& [iid, aggregate] : aggregates)
-    {
-        // The object's own adapter is in the table too; it aggregates nothing and so does not answer.
-        if (aggregate->QueryInterface(IPERSISTENT_DATA, nullptr) != kNoError)
-            continue;
-        stream << iid << *aggregate;
-        ++count;
-    }
-    if (count > 0)
-        Patch(stream, provider, countAt, count);
-}
 
 /// The interfaces that records themselves are read and written through. No writer puts them into a file as
 /// aggregates; taking them from one would put an object of any class in their place.
@@ -105,45 +50,6 @@ void ReadAggregates(IDataProviderStream& stream, IDataProvider& provider, IObjec
     }
 }
 } // namespace
-
-DataProviderStream& DataProviderStream::operator<<(IObject const& object)
-{
-    if (!mProvider)
-        return *this;
-    IObject* found = nullptr;
-    IPersistentDataEx* extended = nullptr;
-    IPersistentData* persistence = nullptr;
-    if (object.QueryInterface(IPERSISTENT_DATA_EX, &found) == kNoError && found)
-        persistence = extended = static_cast<IPersistentDataEx*>(found);
-    else if (object.QueryInterface(IPERSISTENT_DATA, &found) == kNoError && found)
-        persistence = static_cast<IPersistentData*>(found);
-    else
-    {
-        Log(kSiteNotPersistent, L"Trying to save an IObject that doesn't have the persistent interface.");
-        return *this;
-    }
-    IDataProviderStream& self = *this;
-    if (extended)
-        self << extended->GetUIDFor(self);
-    else
-        self << persistence->GetUID();
-    int64 const lengthAt = mProvider->GetPosition();
-    self << int64{0};
-    try
-    {
-        Nesting const nesting;
-        persistence->Write(self);
-        WriteAggregates(self, *mProvider, object);
-    }
-    catch (...)
-    {
-        Log(kSiteWriteThrew, L"Object thrown expection during write.");
-    }
-    int64 const length = mProvider->GetPosition() - lengthAt - kLengthSize;
-    if (length > 0)
-        Patch(self, *mProvider, lengthAt, length);
-    return *this;
-}
 
 DataProviderStream& DataProviderStream::operator>>(IObject** result)
 {
