@@ -14,6 +14,9 @@ public:
     Nesting& operator=(Nesting const&) = delete;
     ~Nesting() { --sDepth; }
 
+    /// How many are open.
+    static int Depth() { return sDepth; }
+
 private:
     static thread_local int sDepth;
 };
