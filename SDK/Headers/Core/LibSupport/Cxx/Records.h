@@ -1,15 +1,17 @@
 // Object records: one object written, one object read, and what was the matter.
 #pragma once
 
+#include <tessio/Cxx/CheckedProvider.h>
 #include <tessio/Cxx/DataProvider.h>
 #include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/RecordWatch.h>
 #include <tessio/Cxx/SystemErrors.h>
-#include <tessio/Cxx/WatchedProvider.h>
-#include <tessio/Cxx/WatchedWriting.h>
 #include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/IDataProviderStream.h>
 #include <tessio/TessIO/IDataProviderStreamStatus.h>
 #include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/IRecordObserver.h>
 #include <tessio/TessIO/RecordFormat.h>
 
 #include <string>
@@ -44,32 +46,60 @@ inline Result<TInterfacePtr<IO::IDataProviderStream>> StreamOver(IO::IDataProvid
     return stream;
 }
 
-/// Writes the record of `object` at the provider's position. On failure something may have been written.
-inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& object, Task const& task)
+/// The observer that a program has put on a stream, borrowed; null where there is none.
+inline IO::IRecordObserver* ObserverOn(IO::IDataProviderStream const& stream)
+{
+    IObject* found = nullptr;
+    bool const isThere = stream.QueryInterface(IO::IID_RECORD_OBSERVER, &found) == kNoError;
+    return isThere ? static_cast<IO::IRecordObserver*>(found) : nullptr;
+}
+
+/// A stream of its own over a provider, for one record, and all that looks on.
+struct WatchedStream
+{
+    TInterfacePtr<CheckedProvider> provider;
+    TInterfacePtr<RecordWatch> watch;
+    TInterfacePtr<IO::IDataProviderStream> stream;
+
+    /// Shares the provider and the program's observer, which may be null.
+    static Result<WatchedStream> Over(IO::IDataProvider& provider, IO::IRecordObserver* observer)
+    {
+        WatchedStream watched;
+        watched.provider.Adopt(new CheckedProvider(provider));
+        watched.watch.Adopt(new RecordWatch(*watched.provider, observer));
+        Result<TInterfacePtr<IO::IDataProviderStream>> stream = StreamOver(*watched.provider);
+        if (!stream)
+            return stream.error();
+        watched.stream = *std::move(stream);
+        watched.stream->Aggregate(watched.watch.Get(), IO::IID_RECORD_OBSERVER);
+        return watched;
+    }
+};
+
+/// Writes the record of `object` at the provider's position. On failure something may have been written. The
+/// observer is told of it, where one is given.
+inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& object, Task const& task,
+                                IO::IRecordObserver* observer)
 {
     if (object.QueryInterface(IO::IPERSISTENT_DATA_EX, nullptr) != kNoError &&
         object.QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
         return task.Failed(kNotPersistent);
-    TInterfacePtr<WatchedProvider> watched;
-    watched.Adopt(new WatchedProvider(provider));
-    auto const stream = StreamOver(*watched);
-    if (!stream)
-        return stream.error();
-    TInterfacePtr<WatchedStream> writer;
-    writer.Adopt(new WatchedStream(**stream, *watched));
+    Result<WatchedStream> const watched = WatchedStream::Over(provider, observer);
+    if (!watched)
+        return watched.error();
     int64 const start = provider.GetPosition();
-    *writer << object;
-    int64 const length = provider.GetPosition() - start;
-    ErrCode code = watched->WriteResult();
-    if (code == kNoError && (writer->HasLost() || length < IO::kRecordHeadSize))
-        code = kNotSerialized;
-    if (code == kNoError && length - IO::kRecordHeadSize > IO::kGreatestLength)
+    *watched->stream << object;
+    int64 const length = provider.GetPosition() - start - IO::kRecordHeadSize;
+    ErrCode code = watched->provider->WriteResult();
+    if (code == kNoError && length > IO::kGreatestLength)
         code = kTooLarge;
+    if (code == kNoError && (length < 0 || !watched->watch->IsWhole()))
+        code = kNotSerialized;
     if (code == kNoError)
         return {};
     // Of a body that writes on the side, through a stream of its own.
-    if (auto* const around = dynamic_cast<WatchedProvider*>(&provider))
-        around->OnFailure(code);
+    if (auto* const around = dynamic_cast<CheckedProvider*>(&provider))
+        around->OnWriteFailure(code);
     return task.Failed(code);
 }
 
@@ -149,9 +179,18 @@ inline Result<void> CheckHead(RecordHead const& head, int64 left, Task const& ta
     return task.Failed(kTruncated);
 }
 
+/// How a record is read.
+struct ReadOptions
+{
+    bool keepDamaged = false;
+    /// The program's, borrowed; null where there is none.
+    IO::IRecordObserver* observer = nullptr;
+};
+
 /// As `ReadRecord`, but for what the system says.
 template <HandleType T>
-Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
+Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task const& task,
+                               ReadOptions const& options)
 {
     int64 const start = provider.GetPosition();
     int64 const left = size - start;
@@ -171,26 +210,30 @@ Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task con
         return task.Failed(code, std::move(detail));
     };
     TInterfacePtr<IObject> probe = Probe(head->classId);
-    if (!probe)
+    // An observer may know what to make of an unknown class.
+    if (!probe && !options.observer)
         return skip(kUnknownClass, classText);
-    if (probe->QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
+    if (probe && probe->QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
         return skip(kNotPersistent, classText);
-    if (!As<T>(Object(std::move(probe))))
+    if (probe && !As<T>(Object(std::move(probe))))
         return skip(kOtherClass, classText);
 
-    TInterfacePtr<WatchedProvider> watched;
-    watched.Adopt(new WatchedProvider(provider));
-    auto const stream = StreamOver(*watched);
-    if (!stream)
-        return stream.error();
+    Result<WatchedStream> const watched = WatchedStream::Over(provider, options.observer);
+    if (!watched)
+        return watched.error();
     TInterfacePtr<IObject> object;
-    **stream >> object.Out();
-    auto const* const status = dynamic_cast<IO::IDataProviderStreamStatus const*>(stream->Get());
+    *watched->stream >> object.Out();
+    auto const* const status = dynamic_cast<IO::IDataProviderStreamStatus const*>(watched->stream.Get());
     if (status && status->HasRunOutOfMemory())
         return skip(kOutOfResources, "not enough memory");
-    if (!object || (!keepDamaged && (watched->HasShortRead() || watched->HasMoved())))
+    if (watched->watch->Outcome() == IO::RecordOutcome::kUnknownClass)
+        return skip(kUnknownClass, classText);
+    bool const isWhole =
+        watched->watch->IsWhole() && !watched->provider->HasShortRead() && !watched->provider->HasDamage();
+    if (!object || (!options.keepDamaged && !isWhole))
         return skip(kDamaged, {});
-    return As<T>(Object(std::move(object)));
+    Result<T> found = As<T>(Object(std::move(object)));
+    return found ? std::move(found) : skip(kOtherClass, classText);
 }
 
 /// Reads the record at the provider's position as a `T`. The position is the record's end afterwards, on
@@ -198,10 +241,14 @@ Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task con
 /// its record quite as it should is a success. `size` is the provider's: a file is slow to tell it. What the
 /// system could not read is no damage: the failure is the system's then.
 template <HandleType T>
-Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
+Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, ReadOptions const& options)
 {
     int const before = SystemErrorOf(provider);
-    Result<T> object = ReadRecordAsItStands<T>(provider, size, task, keepDamaged);
+    Result<T> object = ReadRecordAsItStands<T>(provider, size, task, options);
+    // Of a body that reads on the side, through a stream of its own.
+    auto* const around = object ? nullptr : dynamic_cast<CheckedProvider*>(&provider);
+    if (around && object.error().Code() != IO::kEndOfData)
+        around->OnDamage();
     int const number = SystemErrorOf(provider);
     if (before == 0 && number != 0)
         return SystemFailure(number, IO::kFileSystemFailed, task.operation, task.subject);

@@ -36,8 +36,10 @@ concept StreamValue = PlainStreamValue<T> || std::same_as<T, STRING::CoreString>
 ///     if (auto const written = stream.Status(); !written) …
 ///
 /// `Status` does not tell what a device has no room for: a file holds bytes back. `Flush` and `Close` do.
-/// After a failure `<<` and `>>` do nothing. Copies share the stream and its position; a failure so far goes
-/// with the copy, later ones are each one's own. Used by one thread at a time.
+/// After a failure `<<` and `>>` do nothing. Records are written and read through a stream of their own over
+/// the same data; the observer that a program has aggregated on this one (`IID_RECORD_OBSERVER`) is told of
+/// them. Copies share the stream and its position; a failure so far goes with the copy, later ones are each
+/// one's own. Used by one thread at a time.
 class Stream : public Handle<IO::IDataProviderStream>
 {
 public:
@@ -111,7 +113,8 @@ public:
         if (mError)
             return *this;
         Result<DataProvider> const provider = Writable();
-        return Note(provider ? DETAIL::WriteRecord(**provider, *object, {"write", "the object"})
+        return Note(provider ? DETAIL::WriteRecord(**provider, *object, {"write", "the object"},
+                                                   DETAIL::ObserverOn(**this))
                              : Result<void>(provider.error()));
     }
 
@@ -182,7 +185,8 @@ public:
         Result<DataProvider> const provider = Provider();
         if (!provider)
             return provider.error();
-        return DETAIL::ReadRecord<T>(**provider, provider->Size(), {"read", "the object"}, false);
+        return DETAIL::ReadRecord<T>(**provider, provider->Size(), {"read", "the object"},
+                                     {.observer = DETAIL::ObserverOn(**this)});
     }
 
     /// Reads bytes as they are: see `DataProvider::Read`.
