@@ -253,9 +253,10 @@ class CxxBody : public CxxObserver, public ::testing::WithParamInterface<BodyRow
 TEST_P(CxxBody, IsTakenForWholeOrNot)
 {
     Scripted::sOnRead = GetParam().onRead;
-    auto const file =
-        BytesOfHex(kUnknownRecord + "0D 0C 0B 0A 0F 0E 11 10 01 02 03 04 05 06 07 08 "
-                                    "0C 00 00 00 00 00 00 00 01 02 03 04 05 06 07 08 00 00 00 00");
+    // Zeros follow, so that no read comes back short.
+    auto const file = BytesOfHex(kUnknownRecord + "0D 0C 0B 0A 0F 0E 11 10 01 02 03 04 05 06 07 08 "
+                                                  "0C 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
+                                                  "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
     CXX::DataProvider data = CXX::DataProvider::Over(file).value();
     data.SetOrder(CXX::ByteOrder::kLittle);
     ASSERT_TRUE(data.Seek(28));

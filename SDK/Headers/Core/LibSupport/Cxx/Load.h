@@ -35,9 +35,9 @@ struct LoadOptions
     /// Where given, becomes the state of the file that is read, or of there being none, for `SaveOptions`. It
     /// stays where the file can't be read. Borrowed.
     FileState* state = nullptr;
-    /// Where given, told of each record that is read, and asked what to make of unknown classes: an object
-    /// that it gives counts as read. Not told of records that are refused for their class or length. What it
-    /// leaves out counts as damaged. Shared while they are read.
+    /// Where given, told of each record that is read, and by `Update` of each that is written, and asked what
+    /// to make of unknown classes: an object that it gives counts as read. Not told of records that are
+    /// refused for their class or length. What it leaves out counts as damaged. Shared meanwhile.
     IO::IRecordObserver* observer = nullptr;
 };
 
@@ -156,7 +156,8 @@ Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& op
 /// - `kUnknownClass`, with its id in the message; `kNotPersistent`; `kOtherClass`, when its objects are no
 ///   `T`: nothing of it has been read then;
 /// - `kDamaged`, when the object threw or anything in its record was not read as it was written. That
-///   includes objects inside of it whose class nothing makes: they would be lost at the next saving;
+///   includes objects inside of it whose class nothing makes and that no observer keeps: they would be lost
+///   at the next saving;
 /// - `kMoreRecords`, which saving would lose: `LoadAll` reads them.
 ///
 /// Any text is a path here: name a URL by a `URI`.

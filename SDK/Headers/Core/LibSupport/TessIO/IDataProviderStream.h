@@ -19,7 +19,8 @@ namespace KORVA::IO
 ///
 /// Objects go out and come back as self-delimiting records: class id, length, body, persistent aggregates.
 /// Writing one sets the provider's position back to patch lengths in, so a write-buffered provider loses
-/// bytes: serialize into a memory block and write its bytes out in one piece.
+/// bytes: serialize into a memory block and write its bytes out in one piece. What becomes of each record is
+/// told to an `IRecordObserver` that is aggregated here under `IID_RECORD_OBSERVER`.
 class TESSIO_EXPORT IDataProviderStream : public IObject
 {
 public:

@@ -63,8 +63,8 @@ struct RecordEvent
     /// How many records are open around it on this thread: 0 for an outermost one.
     int32 depth = 0;
     /// What the provider answered where it was to be set to the record's end, or, when writing, to where a
-    /// length or a count is put in its place; 0 where it was not. 13 is an end out of range. It is
-    /// `kBadArgument` too where the stream did not try any more.
+    /// length or a count is put in its place; 0 where it was not. 13 is an end out of range, also one to
+    /// which the stream did not try to go any more.
     ErrCode moveResult = kNoError;
     GUID classId{};
     /// The provider's position before the class id. Every position is -1 where the provider threw when it was
