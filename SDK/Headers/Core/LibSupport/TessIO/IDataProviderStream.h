@@ -47,8 +47,9 @@ public:
     ///@}
     /// Reads a record and re-creates its object through the registry. `*result` adopts it, or becomes null
     /// when the class is unknown or not persistent, the body threw, or the length is out of range (below 0
-    /// or above 2147483647). Whatever the body did, the position is the record's end afterwards; only after
-    /// a length out of range it stays behind the length. A record nested more than 1,000 deep is skipped.
+    /// or above `kGreatestLength`). Whatever the body did, the position is the record's end afterwards; only
+    /// after a length out of range it stays behind the length. A record nested more than 1,000 deep is
+    /// skipped.
     virtual IDataProviderStream& operator>>(IObject** result) = 0;
     /// Reads an identifier and gives this stream.
     virtual IDataProviderStream& operator>>(GUID& value) = 0;

@@ -57,6 +57,7 @@ struct RecordEvent
     /// Of this structure in bytes, as the stream knows it. Later versions have more fields behind these: look
     /// only at fields that lie within.
     uint64 size = sizeof(RecordEvent);
+    /// Whether the record is read or written.
     RecordDirection direction = RecordDirection::kReading;
     /// `kOpen` but when the record has ended.
     RecordOutcome outcome = RecordOutcome::kOpen;
@@ -66,6 +67,7 @@ struct RecordEvent
     /// length or a count is put in its place; 0 where it was not. 13 is an end out of range, also one to
     /// which the stream did not try to go any more.
     ErrCode moveResult = kNoError;
+    /// Of the object, as it stands in the record.
     GUID classId{};
     /// The provider's position before the class id. Every position is -1 where the provider threw when it was
     /// asked.
