@@ -2,6 +2,7 @@
 
 #include <tessio/CoreRegistry/CoreRegistry.h>
 #include <tessio/TessIO/PersistentData.h>
+#include <tessio/TessIO/RecordFormat.h>
 #include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
@@ -16,6 +17,9 @@ using IO::IDataProvider;
 using IO::IDataProviderStream;
 
 //! [member]
+/// The two lengths before a member.
+constexpr int64 kLengths = 2 * sizeof(int64);
+
 /// Writes the record of an object (none for null) behind its length. The length stands there twice, the
 /// second time with all bits turned, so that a reader knows a damaged one from a good one.
 void WriteMember(IDataProviderStream& stream, IObject const* object)
@@ -26,7 +30,7 @@ void WriteMember(IDataProviderStream& stream, IObject const* object)
     if (object)
         stream << *object;
     int64 const end = provider->GetPosition();
-    int64 const length = end - start - 16;
+    int64 const length = end - start - kLengths;
     provider->SetPosition(start, IDataProvider::kFromStart);
     stream << length << ~length;
     provider->SetPosition(end, IDataProvider::kFromStart);
@@ -38,14 +42,13 @@ bool HasRecord(IDataProviderStream& stream, int64 length, int64 second)
 {
     if ((length == 0) == (second == 0))
         return length != 0;
-    constexpr int64 kHeader = 24;
     TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
     int64 const start = provider->GetPosition();
     GUID classId{};
     int64 own = -1;
     stream >> classId >> own;
     provider->SetPosition(start, IDataProvider::kFromStart);
-    return own == std::max(length, second) - kHeader;
+    return own == std::max(length, second) - IO::kRecordHeadSize;
 }
 
 /// The object that a record was made of, if it is of the class that is wanted here. Whatever the record held,

@@ -8,6 +8,7 @@
 #include <tessio/TessIO/IPersistentData.h>
 #include <tessio/TessIO/IStringDictionary.h>
 #include <tessio/TessIO/IURIRegistry.h>
+#include <tessio/TessIO/RecordFormat.h>
 
 using namespace KORVA;
 using COREREGISTRY::CreateObject;
@@ -101,7 +102,8 @@ bool Walk(IO::IDataProviderStream& stream)
         int64 length = 0;
         stream >> classId >> length;
         int64 const left = provider->Size() - provider->GetPosition();
-        bool const isRecord = provider->GetPosition() - start == 24 && length >= 0 && length <= left;
+        bool const isRecord =
+            provider->GetPosition() - start == IO::kRecordHeadSize && length >= 0 && length <= left;
         provider->SetPosition(start, IDataProvider::kFromStart);
         if (!isRecord)
             return false;

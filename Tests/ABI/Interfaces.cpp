@@ -19,6 +19,7 @@
 #include <tessio/TessIO/IDataProviderStreamStatus.h>
 #include <tessio/TessIO/IDictionary.h>
 #include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/IRecordObserver.h>
 #include <tessio/TessIO/IRelativeURI.h>
 #include <tessio/TessIO/IReporter.h>
 #include <tessio/TessIO/IStringDictionary.h>
@@ -61,6 +62,7 @@ void Show(IO::IDataProviderStream&) {}
 void Show(IO::IDataProviderStreamStatus&) {}
 void Show(IO::IPersistentData&) {}
 void Show(IO::IPersistentDataEx&) {}
+void Show(IO::IRecordObserver&) {}
 void Show(IO::IRelativeURI&) {}
 void Show(IO::IReporter&) {}
 void Show(IO::IURI&) {}

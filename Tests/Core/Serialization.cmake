@@ -16,5 +16,8 @@ tessio_add_tests(serialization_tests
     Libraries/Tessaro/Source/src/PersistentDictionaryMemoryTest.cpp
     Libraries/Tessaro/Source/src/PersistentDictionaryRecordTest.cpp
     Libraries/Tessaro/Source/src/PersistentDictionaryTest.cpp
+    Libraries/Tessaro/Source/src/RecordObserverAnswersTest.cpp
+    Libraries/Tessaro/Source/src/RecordObserverReadingTest.cpp
+    Libraries/Tessaro/Source/src/RecordObserverWritingTest.cpp
     Libraries/Tessaro/Source/src/StringDictionaryTest.cpp)
 tessio_tell_whether_sanitized(serialization_tests)

@@ -246,7 +246,7 @@ Row const kRows[] = {
     {"BufferStart", Probe::kBufferStart, 24},
     {"BufferSize", sizeof(IO::BufferedDataProvider::Buffer), 32},
     {"StreamProvider", Probe::kStreamProvider, 72},
-    {"DataProviderStreamSize", sizeof(IO::DataProviderStream), 96},
+    {"DataProviderStreamSize", sizeof(IO::DataProviderStream), 104},
     {"ValueTag", Probe::kValueTag, 60},
     {"ValueInteger", Probe::kValueInteger, 64},
     {"ValueFloating", Probe::kValueFloating, 72},

@@ -15,6 +15,7 @@
 #include <tessio/TessIO/IDataProviderStream.h>
 #include <tessio/TessIO/IDictionary.h>
 #include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/IRecordObserver.h>
 #include <tessio/TessIO/IRelativeURI.h>
 #include <tessio/TessIO/IReporter.h>
 #include <tessio/TessIO/IStringDictionary.h>
@@ -383,6 +384,9 @@ INSTANTIATE_TEST_SUITE_P(IURIAuthenticationChallenge, Slots,
 // What hosts implement or call beside the interfaces above.
 Row const kHostRows[] = {
     {"ReporterReport", SlotOf(&IO::IReporter::Report), 9},
+    {"RecordObserverOnRecordBegin", SlotOf(&IO::IRecordObserver::OnRecordBegin), 9},
+    {"RecordObserverOnRecordEnd", SlotOf(&IO::IRecordObserver::OnRecordEnd), 10},
+    {"RecordObserverOnUnknownClass", SlotOf(&IO::IRecordObserver::OnUnknownClass), 11},
     {"CopyProgressOnCopied", SlotOf(&FILE_SYS::ICopyProgress::OnCopied), 9},
     {"LoggerKLogMessage", SlotOf(&KLoggerLibInterface::KLogMessage), 0},
     {"LogSinkOnMessage", SlotOf(&KLogSink::OnMessage), 0},
@@ -466,7 +470,7 @@ static_assert(std::is_base_of_v<IPersistentData, IO::IPersistentDataEx>);
 static_assert(kDerivesFromIObject<IDictionary> && kDerivesFromIObject<IStringDictionary>);
 static_assert(kDerivesFromIObject<IURI> && kDerivesFromIObject<IURIFile> &&
               kDerivesFromIObject<IO::IURIRegistry>);
-static_assert(kDerivesFromIObject<IO::IReporter>);
+static_assert(kDerivesFromIObject<IO::IReporter> && kDerivesFromIObject<IO::IRecordObserver>);
 static_assert(kDerivesFromIObject<IBufferedDataProvider> &&
               std::is_base_of_v<IDataProvider, IBufferedDataProvider>);
 static_assert(kDerivesFromIObject<IRelativeURI> && std::is_base_of_v<IURI, IRelativeURI>);

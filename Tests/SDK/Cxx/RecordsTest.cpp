@@ -2,11 +2,11 @@
 #include "Core/Libraries/Tessaro/Source/src/WatchedProvider.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
+#include <tessio/Cxx/CheckedProvider.h>
 #include <tessio/Cxx/Dictionary.h>
 #include <tessio/Cxx/Load.h>
 #include <tessio/Cxx/Save.h>
 #include <tessio/Cxx/Stream.h>
-#include <tessio/Cxx/WatchedProvider.h>
 
 namespace KORVA::TESTS
 {
@@ -195,12 +195,12 @@ TEST_F(CxxRecords, BodiesFindWhatTheProviderHas)
     auto const memory = MakeMemory();
     CXX::Handle<INote> const note = MakeNote(5);
     memory->Aggregate(&*note, kFacet);
-    TInterfacePtr<CXX::DETAIL::WatchedProvider> watched;
-    watched.Adopt(new CXX::DETAIL::WatchedProvider(*memory));
+    TInterfacePtr<CXX::DETAIL::CheckedProvider> checked;
+    checked.Adopt(new CXX::DETAIL::CheckedProvider(*memory));
     IObject* found = nullptr;
-    EXPECT_EQ(watched->QueryInterface(kFacet, &found), 0);
+    EXPECT_EQ(checked->QueryInterface(kFacet, &found), 0);
     EXPECT_EQ(found, &*note);
-    EXPECT_EQ(watched->GetAggregates().size(), 1u);
+    EXPECT_EQ(checked->GetAggregates().size(), 1u);
 }
 
 TEST_F(CxxRecords, WritesThatFailAreSeen)

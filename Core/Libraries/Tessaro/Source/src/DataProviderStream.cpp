@@ -1,6 +1,7 @@
 #include "DataProviderStream.h"
 
 #include "BoundedRead.h"
+#include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/ResultCodes.h>
 
 #include <algorithm>
@@ -46,6 +47,36 @@ UniChar SwapBytes(UniChar unit) { return static_cast<UniChar>((unit << 8) | (uni
 } // namespace
 
 DataProviderStream::DataProviderStream(IDataProvider& provider) { mProvider.Share(&provider); }
+
+void DataProviderStream::Aggregate(IObject* object, GUID iid)
+{
+    // The one that is there is released first.
+    if (object && iid == IID_RECORD_OBSERVER)
+        mObserver = nullptr;
+    TObject::Aggregate(object, iid);
+    FindObserver();
+}
+
+void DataProviderStream::UnAggregate(GUID const& iid)
+{
+    if (iid == IID_RECORD_OBSERVER)
+        mObserver = nullptr;
+    TObject::UnAggregate(iid);
+    FindObserver();
+}
+
+void DataProviderStream::ClearAggregates()
+{
+    mObserver = nullptr;
+    TObject::ClearAggregates();
+}
+
+void DataProviderStream::FindObserver()
+{
+    IObject* found = nullptr;
+    static_cast<void>(TObject::QueryInterface(IID_RECORD_OBSERVER, &found));
+    mObserver = static_cast<IRecordObserver*>(found);
+}
 
 ErrCode DataProviderStream::Init(IDataProvider& provider)
 {

@@ -4,6 +4,7 @@
 #include <tessio/ObjectModel/TObject.h>
 #include <tessio/TessIO/IDataProviderStream.h>
 #include <tessio/TessIO/IDataProviderStreamStatus.h>
+#include <tessio/TessIO/IRecordObserver.h>
 
 namespace KORVA::IO
 {
@@ -13,6 +14,13 @@ public:
     DataProviderStream() = default;
     /// Shares the provider.
     explicit DataProviderStream(IDataProvider& provider);
+
+    /// They keep in mind whether there is an observer, so that a record need not look for it.
+    ///@{
+    void Aggregate(IObject* object, GUID iid) override;
+    void UnAggregate(GUID const& iid) override;
+    void ClearAggregates() override;
+    ///@}
 
     ErrCode Init(IDataProvider& provider) override;
     TInterfacePtr<IDataProvider> GetDataProvider() const override;
@@ -63,7 +71,11 @@ private:
     template <class Number>
     DataProviderStream& ReadNumber(Number& value);
 
+    void FindObserver();
+
     TInterfacePtr<IDataProvider> mProvider;
+    /// In the aggregate table, or null.
+    IRecordObserver* mObserver = nullptr;
     bool mHasRunOutOfMemory = false;
 };
 } // namespace KORVA::IO

@@ -121,39 +121,18 @@ ErrCode DictValue::QueryInterface(GUID const& iid, IObject** out) const
     return kNoError;
 }
 
-bool DictValue::IsNumber() const
-{
-    switch (mTag)
-    {
-    case ValueTag::kInt8:
-    case ValueTag::kUInt8:
-    case ValueTag::kInt16:
-    case ValueTag::kUInt16:
-    case ValueTag::kInt32:
-    case ValueTag::kUInt32:
-    case ValueTag::kInt64:
-    case ValueTag::kUInt64:
-    case ValueTag::kFloat:
-    case ValueTag::kDouble:
-        return true;
-    default:
-        return false;
-    }
-}
-
 IDataProviderStream& DictValue::Write(IDataProviderStream& stream) const
 {
     stream << static_cast<uint32>(mTag);
-    if (IsNumber())
+    if (IsNumber(mTag))
         return stream << mInteger << mFloating;
-    bool const hasLength = mTag == ValueTag::kBytes || mTag == ValueTag::kUnits;
-    if (hasLength)
+    if (HasLength(mTag))
         stream << mBufferLength;
     // Straight to the provider: buffers, and identifiers here, keep the order they have in memory.
     TInterfacePtr<IDataProvider> const provider = stream.GetDataProvider();
     // An identifier is whole, also one that was read from a cut file: what was missing is zero.
     auto const size = mTag == ValueTag::kGUID ? sizeof(GUID) : static_cast<std::size_t>(mBufferLength);
-    if ((hasLength || mTag == ValueTag::kGUID) && provider && mBuffer && size > 0)
+    if ((HasLength(mTag) || mTag == ValueTag::kGUID) && provider && mBuffer && size > 0)
         static_cast<void>(provider->Write(mBuffer, size));
     return stream;
 }
@@ -168,11 +147,11 @@ IDataProviderStream& DictValue::Read(IDataProviderStream& stream)
     mBufferLength = 0;
     mInteger = 0;
     mFloating = 0;
-    if (IsNumber())
+    if (IsNumber(mTag))
         return stream >> mInteger >> mFloating;
     if (mTag == ValueTag::kGUID)
         ReadBuffer(stream, sizeof(GUID));
-    else if (mTag == ValueTag::kBytes || mTag == ValueTag::kUnits)
+    else if (HasLength(mTag))
     {
         int length = 0;
         stream >> length;

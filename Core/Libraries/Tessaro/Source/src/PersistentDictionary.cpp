@@ -6,6 +6,7 @@
 #include <tessio/Logger/LogSite.h>
 #include <tessio/ObjectModel/ClassFactory.h>
 #include <tessio/TessIO/PersistentData.h>
+#include <tessio/TessIO/RecordFormat.h>
 #include <tessio/TessIO/ResultCodes.h>
 
 #include <cstring>
@@ -329,7 +330,7 @@ IDataProviderStream& PersistentDictionary::Read(IDataProviderStream& stream)
         unsigned int key = 0;
         TInterfacePtr<IObject> value;
         stream >> key;
-        ReadingEffort::CountBytes(*provider, sizeof key);
+        ReadingEffort::CountBytes(*provider, kEntryKeySize);
         stream >> value.Out();
         if (value)
         {

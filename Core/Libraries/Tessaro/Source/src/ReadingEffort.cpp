@@ -2,6 +2,7 @@
 
 #include <tessio/Logger/LogSite.h>
 #include <tessio/TessIO/IDataProvider.h>
+#include <tessio/TessIO/RecordFormat.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -14,7 +15,6 @@ constexpr LogSite kSiteNoMore{
     "Core/Libraries/Tessaro/Source/src/DataProviderStream",
     "virtual KORVA::IO::DataProviderStream &KORVA::IO::DataProviderStream::operator>>(KORVA::IObject **)", 0};
 
-constexpr int64 kHeaderSize = 24;
 /// What any file may cost beyond its own bytes, however small it is.
 constexpr int64 kFreeBytes = int64{1} << 20;
 /// Messages about records behind the ends of others, for one allowance.
@@ -102,7 +102,7 @@ ReadingEffort::Record::~Record()
 void ReadingEffort::Record::HasNoLength()
 {
     if (!mIsOutermost)
-        sAccount.Pass(sAccount.at + kHeaderSize);
+        sAccount.Pass(sAccount.at + kRecordHeadSize);
 }
 
 void ReadingEffort::Record::HasHeader(int64 position, int64 end)
@@ -123,7 +123,7 @@ void ReadingEffort::Record::HasHeader(int64 position, int64 end)
     }
     else
     {
-        mIsBehind = position - kHeaderSize >= mEndAround;
+        mIsBehind = position - kRecordHeadSize >= mEndAround;
         sAccount.Pass(position);
     }
     sAccount.end = std::min(mEndAround, end);

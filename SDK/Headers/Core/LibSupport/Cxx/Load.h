@@ -28,14 +28,17 @@ struct LoadOptions
     /// record's class id known, or, where it is unknown in both, its length believable.
     std::optional<ByteOrder> order = std::nullopt;
     /// Whether an object is taken that did not come out of its record as it should, because something in
-    /// there is damaged or of a class that nothing makes. Saving it again loses what is not in it. A class
-    /// that moves the position while it reads itself needs this.
+    /// there is damaged or of a class that nothing makes. Saving it again loses what is not in it.
     bool keepDamaged = false;
     /// Whether `Load` leaves alone what stands behind the record.
     bool ignoreRest = false;
     /// Where given, becomes the state of the file that is read, or of there being none, for `SaveOptions`. It
     /// stays where the file can't be read. Borrowed.
     FileState* state = nullptr;
+    /// Where given, told of each record that is read, and by `Update` of each that is written, and asked what
+    /// to make of unknown classes: an object that it gives counts as read. Not told of records that are
+    /// refused for their class or length. What it leaves out counts as damaged. Shared meanwhile.
+    IO::IRecordObserver* observer = nullptr;
 };
 
 namespace DETAIL
@@ -89,7 +92,7 @@ template <HandleType T>
 Result<T> LoadOne(Result<DataProvider> provider, LoadOptions const& options, Task const& task)
 {
     return ReadFrom<T>(std::move(provider), options, task, [&](DataProvider& data) -> Result<T> {
-        Result<T> object = ReadRecord<T>(*data, data.Size(), task, options.keepDamaged);
+        Result<T> object = ReadRecord<T>(*data, data.Size(), task, {options.keepDamaged, options.observer});
         if (object && !options.ignoreRest && !data.AtEnd())
             return task.Failed(kMoreRecords);
         return object;
@@ -125,7 +128,7 @@ Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& op
         for (int64 before = data.Position(); before < size; before = data.Position())
         {
             Task const one{task.operation, "the record at " + std::to_string(before) + " of " + task.subject};
-            Result<T> object = ReadRecord<T>(*data, size, one, options.keepDamaged);
+            Result<T> object = ReadRecord<T>(*data, size, one, {options.keepDamaged, options.observer});
             if (object)
                 loaded.objects.push_back(*std::move(object));
             else if (data.Position() > before && SystemErrorOf(*data) == 0 &&
@@ -153,7 +156,8 @@ Result<Loaded<T>> LoadEvery(Result<DataProvider> provider, LoadOptions const& op
 /// - `kUnknownClass`, with its id in the message; `kNotPersistent`; `kOtherClass`, when its objects are no
 ///   `T`: nothing of it has been read then;
 /// - `kDamaged`, when the object threw or anything in its record was not read as it was written. That
-///   includes objects inside of it whose class nothing makes: they would be lost at the next saving;
+///   includes objects inside of it whose class nothing makes and that no observer keeps: they would be lost
+///   at the next saving;
 /// - `kMoreRecords`, which saving would lose: `LoadAll` reads them.
 ///
 /// Any text is a path here: name a URL by a `URI`.
@@ -225,7 +229,7 @@ inline Result<std::vector<std::byte>> RecordsOf(std::filesystem::path const& pat
                 Result<void> const checked = CheckHead(*head, size - at, task);
                 if (!checked)
                     return checked.error();
-                Result<void> const moved = data.Seek(at + kRecordHeader + head->length);
+                Result<void> const moved = data.Seek(at + IO::kRecordHeadSize + head->length);
                 if (!moved)
                     return moved.error();
             }
@@ -256,7 +260,7 @@ inline Result<void> Append(std::filesystem::path const& path, IObject const& obj
         return content.error();
     IObject const* const objects[] = {&object};
     Result<std::vector<std::byte>> const record =
-        DETAIL::Serialize(objects, order.value_or(ByteOrder::kNative), task);
+        DETAIL::Serialize(objects, order.value_or(ByteOrder::kNative), task, options.observer);
     if (!record)
         return record.error();
     content->insert(content->end(), record->begin(), record->end());

@@ -1,27 +1,24 @@
 // Object records: one object written, one object read, and what was the matter.
 #pragma once
 
+#include <tessio/Cxx/CheckedProvider.h>
 #include <tessio/Cxx/DataProvider.h>
 #include <tessio/Cxx/Handle.h>
+#include <tessio/Cxx/RecordWatch.h>
 #include <tessio/Cxx/SystemErrors.h>
-#include <tessio/Cxx/WatchedProvider.h>
-#include <tessio/Cxx/WatchedWriting.h>
 #include <tessio/ObjectModel/GUIDText.h>
+#include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/IDataProviderStream.h>
 #include <tessio/TessIO/IDataProviderStreamStatus.h>
 #include <tessio/TessIO/IPersistentData.h>
+#include <tessio/TessIO/IRecordObserver.h>
+#include <tessio/TessIO/RecordFormat.h>
 
-#include <limits>
 #include <string>
 #include <utility>
 
 namespace KORVA::CXX::DETAIL
 {
-/// The bytes of a class id and a length, which stand before a body.
-inline constexpr int64 kRecordHeader = 24;
-inline constexpr int64 kIdBytes = 16;
-inline constexpr int64 kLongestBody = std::numeric_limits<int32>::max();
-
 /// What is under way, for the errors that come of it.
 struct Task
 {
@@ -49,32 +46,60 @@ inline Result<TInterfacePtr<IO::IDataProviderStream>> StreamOver(IO::IDataProvid
     return stream;
 }
 
-/// Writes the record of `object` at the provider's position. On failure something may have been written.
-inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& object, Task const& task)
+/// The observer that a program has put on a stream, borrowed; null where there is none.
+inline IO::IRecordObserver* ObserverOn(IO::IDataProviderStream const& stream)
+{
+    IObject* found = nullptr;
+    bool const isThere = stream.QueryInterface(IO::IID_RECORD_OBSERVER, &found) == kNoError;
+    return isThere ? static_cast<IO::IRecordObserver*>(found) : nullptr;
+}
+
+/// A stream of its own over a provider, for one record, and all that looks on.
+struct WatchedStream
+{
+    TInterfacePtr<CheckedProvider> provider;
+    TInterfacePtr<RecordWatch> watch;
+    TInterfacePtr<IO::IDataProviderStream> stream;
+
+    /// Shares the provider and the program's observer, which may be null.
+    static Result<WatchedStream> Over(IO::IDataProvider& provider, IO::IRecordObserver* observer)
+    {
+        WatchedStream watched;
+        watched.provider.Adopt(new CheckedProvider(provider));
+        watched.watch.Adopt(new RecordWatch(*watched.provider, observer));
+        Result<TInterfacePtr<IO::IDataProviderStream>> stream = StreamOver(*watched.provider);
+        if (!stream)
+            return stream.error();
+        watched.stream = *std::move(stream);
+        watched.stream->Aggregate(watched.watch.Get(), IO::IID_RECORD_OBSERVER);
+        return watched;
+    }
+};
+
+/// Writes the record of `object` at the provider's position. On failure something may have been written. The
+/// observer is told of it, where one is given.
+inline Result<void> WriteRecord(IO::IDataProvider& provider, IObject const& object, Task const& task,
+                                IO::IRecordObserver* observer)
 {
     if (object.QueryInterface(IO::IPERSISTENT_DATA_EX, nullptr) != kNoError &&
         object.QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
         return task.Failed(kNotPersistent);
-    TInterfacePtr<WatchedProvider> watched;
-    watched.Adopt(new WatchedProvider(provider));
-    auto const stream = StreamOver(*watched);
-    if (!stream)
-        return stream.error();
-    TInterfacePtr<WatchedStream> writer;
-    writer.Adopt(new WatchedStream(**stream, *watched));
+    Result<WatchedStream> const watched = WatchedStream::Over(provider, observer);
+    if (!watched)
+        return watched.error();
     int64 const start = provider.GetPosition();
-    *writer << object;
-    int64 const length = provider.GetPosition() - start;
-    ErrCode code = watched->WriteResult();
-    if (code == kNoError && (writer->HasLost() || length < kRecordHeader))
-        code = kNotSerialized;
-    if (code == kNoError && length - kRecordHeader > kLongestBody)
+    *watched->stream << object;
+    int64 const length = provider.GetPosition() - start - IO::kRecordHeadSize;
+    ErrCode code = watched->provider->WriteResult();
+    if (code == kNoError && length > IO::kGreatestLength)
         code = kTooLarge;
+    if (code == kNoError && (length < 0 || !watched->watch->IsWhole()))
+        code = kNotSerialized;
     if (code == kNoError)
         return {};
     // Of a body that writes on the side, through a stream of its own.
-    if (auto* const around = dynamic_cast<WatchedProvider*>(&provider))
-        around->OnFailure(code);
+    if (auto* const around = dynamic_cast<CheckedProvider*>(&provider))
+        around->OnWriteFailure(code);
     return task.Failed(code);
 }
 
@@ -88,7 +113,7 @@ struct RecordHead
 
     bool IsPlausible(int64 left) const
     {
-        return isWhole && length >= 0 && length <= kLongestBody && length <= left - kRecordHeader;
+        return isWhole && IO::IsBelievedLength(length) && length <= left - IO::kRecordHeadSize;
     }
 };
 
@@ -101,7 +126,7 @@ inline Result<RecordHead> PeekHead(IO::IDataProvider& provider)
     RecordHead head;
     int64 const start = provider.GetPosition();
     **stream >> head.classId >> head.length;
-    head.isWhole = provider.GetPosition() - start == kRecordHeader;
+    head.isWhole = provider.GetPosition() - start == IO::kRecordHeadSize;
     static_cast<void>(provider.SetPosition(start, IO::IDataProvider::kFromStart));
     return head;
 }
@@ -129,7 +154,7 @@ inline Result<void> FindOrder(IO::IDataProvider& provider, Task const& task)
         Result<RecordHead> const head = PeekHead(provider);
         if (!head)
             return head.error();
-        if (left >= kIdBytes && Probe(head->classId))
+        if (left >= IO::kClassIdSize && Probe(head->classId))
             return {};
         if (plausible == IO::IDataProvider::kNativeEndian && !(head->classId == GUID{}) &&
             head->IsPlausible(left))
@@ -147,16 +172,25 @@ inline Result<void> CheckHead(RecordHead const& head, int64 left, Task const& ta
 {
     if (head.IsPlausible(left))
         return {};
-    if (left < kIdBytes || !Probe(head.classId))
+    if (left < IO::kClassIdSize || !Probe(head.classId))
         return task.Failed(kNotARecord);
-    if (head.isWhole && (head.length < 0 || head.length > kLongestBody))
+    if (head.isWhole && !IO::IsBelievedLength(head.length))
         return task.Failed(kDamaged, "its length is " + std::to_string(head.length));
     return task.Failed(kTruncated);
 }
 
+/// How a record is read.
+struct ReadOptions
+{
+    bool keepDamaged = false;
+    /// The program's, borrowed; null where there is none.
+    IO::IRecordObserver* observer = nullptr;
+};
+
 /// As `ReadRecord`, but for what the system says.
 template <HandleType T>
-Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
+Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task const& task,
+                               ReadOptions const& options)
 {
     int64 const start = provider.GetPosition();
     int64 const left = size - start;
@@ -169,33 +203,37 @@ Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task con
     if (!checked)
         return checked.error();
 
-    int64 const end = start + kRecordHeader + head->length;
+    int64 const end = start + IO::kRecordHeadSize + head->length;
     std::string const classText = GUIDToText(head->classId);
     auto const skip = [&provider, end, &task](ErrCode code, std::string detail) {
         static_cast<void>(provider.SetPosition(end, IO::IDataProvider::kFromStart));
         return task.Failed(code, std::move(detail));
     };
     TInterfacePtr<IObject> probe = Probe(head->classId);
-    if (!probe)
+    // An observer may know what to make of an unknown class.
+    if (!probe && !options.observer)
         return skip(kUnknownClass, classText);
-    if (probe->QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
+    if (probe && probe->QueryInterface(IO::IPERSISTENT_DATA, nullptr) != kNoError)
         return skip(kNotPersistent, classText);
-    if (!As<T>(Object(std::move(probe))))
+    if (probe && !As<T>(Object(std::move(probe))))
         return skip(kOtherClass, classText);
 
-    TInterfacePtr<WatchedProvider> watched;
-    watched.Adopt(new WatchedProvider(provider));
-    auto const stream = StreamOver(*watched);
-    if (!stream)
-        return stream.error();
+    Result<WatchedStream> const watched = WatchedStream::Over(provider, options.observer);
+    if (!watched)
+        return watched.error();
     TInterfacePtr<IObject> object;
-    **stream >> object.Out();
-    auto const* const status = dynamic_cast<IO::IDataProviderStreamStatus const*>(stream->Get());
+    *watched->stream >> object.Out();
+    auto const* const status = dynamic_cast<IO::IDataProviderStreamStatus const*>(watched->stream.Get());
     if (status && status->HasRunOutOfMemory())
         return skip(kOutOfResources, "not enough memory");
-    if (!object || (!keepDamaged && (watched->HasShortRead() || watched->HasMoved())))
+    if (watched->watch->Outcome() == IO::RecordOutcome::kUnknownClass)
+        return skip(kUnknownClass, classText);
+    bool const isWhole =
+        watched->watch->IsWhole() && !watched->provider->HasShortRead() && !watched->provider->HasDamage();
+    if (!object || (!options.keepDamaged && !isWhole))
         return skip(kDamaged, {});
-    return As<T>(Object(std::move(object)));
+    Result<T> found = As<T>(Object(std::move(object)));
+    return found ? std::move(found) : skip(kOtherClass, classText);
 }
 
 /// Reads the record at the provider's position as a `T`. The position is the record's end afterwards, on
@@ -203,10 +241,14 @@ Result<T> ReadRecordAsItStands(IO::IDataProvider& provider, int64 size, Task con
 /// its record quite as it should is a success. `size` is the provider's: a file is slow to tell it. What the
 /// system could not read is no damage: the failure is the system's then.
 template <HandleType T>
-Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, bool keepDamaged)
+Result<T> ReadRecord(IO::IDataProvider& provider, int64 size, Task const& task, ReadOptions const& options)
 {
     int const before = SystemErrorOf(provider);
-    Result<T> object = ReadRecordAsItStands<T>(provider, size, task, keepDamaged);
+    Result<T> object = ReadRecordAsItStands<T>(provider, size, task, options);
+    // Of a body that reads on the side, through a stream of its own.
+    auto* const around = object ? nullptr : dynamic_cast<CheckedProvider*>(&provider);
+    if (around && object.error().Code() != IO::kEndOfData)
+        around->OnDamage();
     int const number = SystemErrorOf(provider);
     if (before == 0 && number != 0)
         return SystemFailure(number, IO::kFileSystemFailed, task.operation, task.subject);

@@ -33,20 +33,24 @@ struct SaveOptions
     /// state of what it loads; one that nobody set stands for no file, so that only a new one is made. When
     /// the file has its new content this becomes its state. Borrowed.
     FileState* state = nullptr;
+    /// Where given, told of each record that is written, before anything is in the file: places count from
+    /// the beginning of what is written. What it leaves out makes the saving fail. Shared while they are
+    /// written.
+    IO::IRecordObserver* observer = nullptr;
 };
 
 namespace DETAIL
 {
 /// The records of the objects, one after the other.
 inline Result<std::vector<std::byte>> Serialize(std::span<IObject const* const> objects, ByteOrder order,
-                                                Task const& task)
+                                                Task const& task, IO::IRecordObserver* observer)
 {
     Result<DataProvider> memory = DataProvider::Memory(order);
     if (!memory)
         return task.Failed(memory.error().Code());
     for (IObject const* const object : objects)
     {
-        Result<void> const written = WriteRecord(**memory, *object, task);
+        Result<void> const written = WriteRecord(**memory, *object, task, observer);
         if (!written)
             return written.error().Code() == IO::kResizeFailed ? task.Failed(kTooLarge) : written.error();
     }
@@ -58,7 +62,7 @@ inline Result<void> SaveObjects(std::filesystem::path const& path, std::span<IOb
                                 SaveOptions const& options, Task const& task)
 {
     Result<std::vector<std::byte>> const bytes =
-        Serialize(objects, options.order.value_or(ByteOrder::kNative), task);
+        Serialize(objects, options.order.value_or(ByteOrder::kNative), task, options.observer);
     if (!bytes)
         return bytes.error();
     Result<LockedFile> const file = LockedFile::Lock(path, LockedFile::Need::kWherePossible, task);
@@ -74,7 +78,8 @@ inline Task SaveTask(URI const& uri) { return {"save", Quoted(uri.AbsoluteText()
 inline Result<std::vector<std::byte>> ToBytes(IObject const& object, SaveOptions const& options = {})
 {
     IObject const* const objects[] = {&object};
-    return DETAIL::Serialize(objects, options.order.value_or(ByteOrder::kNative), {"write", "the object"});
+    return DETAIL::Serialize(objects, options.order.value_or(ByteOrder::kNative), {"write", "the object"},
+                             options.observer);
 }
 /// The same of what a handle holds.
 template <class I>

@@ -7,6 +7,7 @@
 #include <tessio/Cxx/Records.h>
 #include <tessio/Cxx/Text.h>
 #include <tessio/TessIO/IDataProviderStream.h>
+#include <tessio/TessIO/RecordFormat.h>
 
 #include <concepts>
 #include <cstddef>
@@ -35,8 +36,10 @@ concept StreamValue = PlainStreamValue<T> || std::same_as<T, STRING::CoreString>
 ///     if (auto const written = stream.Status(); !written) …
 ///
 /// `Status` does not tell what a device has no room for: a file holds bytes back. `Flush` and `Close` do.
-/// After a failure `<<` and `>>` do nothing. Copies share the stream and its position; a failure so far goes
-/// with the copy, later ones are each one's own. Used by one thread at a time.
+/// After a failure `<<` and `>>` do nothing. Records are written and read through a stream of their own over
+/// the same data; the observer that a program has aggregated on this one (`IID_RECORD_OBSERVER`) is told of
+/// them. Copies share the stream and its position; a failure so far goes with the copy, later ones are each
+/// one's own. Used by one thread at a time.
 class Stream : public Handle<IO::IDataProviderStream>
 {
 public:
@@ -97,9 +100,9 @@ public:
         Result<STRING::CoreString> const converted = ToCoreString(text);
         if (!converted)
             return Note(converted.error());
-        if (converted->size() > DETAIL::kMostUnits)
+        if (converted->size() > IO::kMostStringUnits)
             return Note(Error(kTooLarge, "write the text"));
-        return Note(WriteValue(*converted, 4 + 2 * converted->size()));
+        return Note(WriteValue(*converted, IO::kStringCountSize + 2 * converted->size()));
     }
 
     /// Writes the record of an object. `kNotPersistent`, and nothing is written; `kNotSerialized` when the
@@ -110,7 +113,8 @@ public:
         if (mError)
             return *this;
         Result<DataProvider> const provider = Writable();
-        return Note(provider ? DETAIL::WriteRecord(**provider, *object, {"write", "the object"})
+        return Note(provider ? DETAIL::WriteRecord(**provider, *object, {"write", "the object"},
+                                                   DETAIL::ObserverOn(**this))
                              : Result<void>(provider.error()));
     }
 
@@ -158,7 +162,7 @@ public:
                 Result<int> const count = Read<int>();
                 if (!count)
                     return count.error();
-                length = 4 + (*count < 2 ? 0 : static_cast<int64>(*count));
+                length = IO::kStringCountSize + (*count < 2 ? 0 : static_cast<int64>(*count));
                 static_cast<void>((*provider)->SetPosition(start, IO::IDataProvider::kFromStart));
             }
             T value{};
@@ -181,7 +185,8 @@ public:
         Result<DataProvider> const provider = Provider();
         if (!provider)
             return provider.error();
-        return DETAIL::ReadRecord<T>(**provider, provider->Size(), {"read", "the object"}, false);
+        return DETAIL::ReadRecord<T>(**provider, provider->Size(), {"read", "the object"},
+                                     {.observer = DETAIL::ObserverOn(**this)});
     }
 
     /// Reads bytes as they are: see `DataProvider::Read`.

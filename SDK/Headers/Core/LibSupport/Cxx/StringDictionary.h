@@ -5,6 +5,7 @@
 #include <tessio/Cxx/SnapshotIterator.h>
 #include <tessio/Cxx/Text.h>
 #include <tessio/TessIO/IStringDictionary.h>
+#include <tessio/TessIO/RecordFormat.h>
 
 #include <algorithm>
 #include <concepts>
@@ -70,7 +71,7 @@ public:
         Result<STRING::CoreString> const content = ToCoreString(value);
         if (!content)
             return content.error();
-        if (std::max(name->size(), content->size()) > DETAIL::kMostUnits)
+        if (std::max(name->size(), content->size()) > IO::kMostStringUnits)
             return Error(kTooLarge, "put the text");
         (*this)->Put(*name, *content);
         return {};

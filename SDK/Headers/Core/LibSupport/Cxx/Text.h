@@ -31,12 +31,6 @@ concept UTF8Text =
 template <class T>
 concept Text = UTF16Text<T> || UTF8Text<T>;
 
-namespace DETAIL
-{
-/// The interfaces count a text's bytes in 31 bits.
-inline constexpr std::size_t kMostUnits = 0x3FFFFFFF;
-} // namespace DETAIL
-
 /// The text as the interfaces take it. `kBadText` for malformed UTF-8; UTF-16 is kept as it is.
 template <Text T>
 Result<STRING::CoreString> ToCoreString(T const& text)

@@ -52,7 +52,8 @@ Result<void> UpdateFile(std::filesystem::path const& path, Change&& change, Load
             return changed;
     }
     IObject const* const objects[] = {&**object};
-    Result<std::vector<std::byte>> const bytes = Serialize(objects, provider->Order(), task);
+    Result<std::vector<std::byte>> const bytes =
+        Serialize(objects, provider->Order(), task, options.observer);
     return bytes ? file->Replace(*bytes, options.state, task) : Result<void>(bytes.error());
 }
 } // namespace DETAIL

@@ -57,4 +57,7 @@ inline constexpr GUID IPERSISTENT_DATA{
 /// Interface id of `IPersistentDataEx`, which is asked for first when an object is written.
 inline constexpr GUID IPERSISTENT_DATA_EX{
     0xB2812BAA, 0xE898, 0x4548, {0x9B, 0x88, 0x9B, 0x0C, 0x6D, 0x97, 0xA9, 0x66}};
+/// Interface id under which a program aggregates its `IRecordObserver` on a stream.
+inline constexpr GUID IID_RECORD_OBSERVER{
+    0x147A0504, 0x6E0C, 0x4F11, {0x9D, 0xC0, 0x8D, 0x65, 0x2F, 0x7F, 0x14, 0x18}};
 } // namespace KORVA::IO

@@ -19,7 +19,8 @@ namespace KORVA::IO
 ///
 /// Objects go out and come back as self-delimiting records: class id, length, body, persistent aggregates.
 /// Writing one sets the provider's position back to patch lengths in, so a write-buffered provider loses
-/// bytes: serialize into a memory block and write its bytes out in one piece.
+/// bytes: serialize into a memory block and write its bytes out in one piece. What becomes of each record is
+/// told to an `IRecordObserver` that is aggregated here under `IID_RECORD_OBSERVER`.
 class TESSIO_EXPORT IDataProviderStream : public IObject
 {
 public:
@@ -46,8 +47,9 @@ public:
     ///@}
     /// Reads a record and re-creates its object through the registry. `*result` adopts it, or becomes null
     /// when the class is unknown or not persistent, the body threw, or the length is out of range (below 0
-    /// or above 2147483647). Whatever the body did, the position is the record's end afterwards; only after
-    /// a length out of range it stays behind the length. A record nested more than 1,000 deep is skipped.
+    /// or above `kGreatestLength`). Whatever the body did, the position is the record's end afterwards; only
+    /// after a length out of range it stays behind the length. A record nested more than 1,000 deep is
+    /// skipped.
     virtual IDataProviderStream& operator>>(IObject** result) = 0;
     /// Reads an identifier and gives this stream.
     virtual IDataProviderStream& operator>>(GUID& value) = 0;

@@ -89,7 +89,7 @@ std::vector<HostileRow> Rows()
 {
     std::vector<HostileRow> rows;
     for (HostileKind const& kind : HostileKinds())
-        for (std::size_t const kib : {64, 256, 1024})
+        for (std::size_t const kib : {64u, 256u, 1024u})
             rows.push_back({kind.name + std::to_string(kib) + "KiB", &kind, kib << 10});
     return rows;
 }

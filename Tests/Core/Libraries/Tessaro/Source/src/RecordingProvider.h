@@ -38,6 +38,8 @@ public:
     std::optional<int64> claimedSize;
     /// What `SetPosition` answers where it refuses.
     ErrCode refusal = 13;
+    /// Whether it refuses every position.
+    bool refusesPositions = false;
 
     Failure failure = Failure::kNone;
     /// Counted over `Read`, `Write`, `SetPosition`, and for exceptions also `GetPosition` and `IsNative`.
@@ -104,7 +106,8 @@ public:
     ErrCode SetPosition(int64 offset, Offset origin) override
     {
         calls.push_back("SetPosition " + std::to_string(offset) + " from " + std::to_string(origin));
-        if (Fails() || origin != kFromStart || offset < 0 || offset > static_cast<int64>(bytes.size()))
+        if (Fails() || refusesPositions || origin != kFromStart || offset < 0 ||
+            offset > static_cast<int64>(bytes.size()))
             return refusal;
         position = static_cast<std::size_t>(offset);
         return 0;

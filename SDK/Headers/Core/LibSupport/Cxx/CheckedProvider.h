@@ -1,4 +1,4 @@
-// Sees what the typed stream does not report.
+// Sees the reads and writes that fail under a stream.
 #pragma once
 
 #include <tessio/ObjectModel/TInterfacePtr.h>
@@ -10,27 +10,28 @@
 
 namespace KORVA::CXX::DETAIL
 {
-/// Passes everything on to another provider, shared, and notes what went wrong. The stream answers nothing, a
-/// record that was not read as it was written is set straight without a word; here both can be seen.
-class WatchedProvider final : public TObject<IO::IDataProvider>
+/// Passes everything on to another provider, shared, and notes what the stream over it drops: results of
+/// writes, and counts of reads.
+class CheckedProvider final : public TObject<IO::IDataProvider>
 {
 public:
-    explicit WatchedProvider(IO::IDataProvider& provider) { mProvider.Share(&provider); }
+    explicit CheckedProvider(IO::IDataProvider& provider) { mProvider.Share(&provider); }
 
     /// The first result of a write that was not 0, or `kWriteFailed` where the position could not be set.
     OperationId WriteResult() const { return mWriteResult; }
-    /// The same of a record that somebody else wrote to this provider in between.
-    void OnFailure(ErrCode code)
+    /// Whether a read brought less than was asked for.
+    bool HasShortRead() const { return mHasShortRead; }
+
+    /// Of a record that was written to this provider, or read from it, by a layer of its own in between.
+    ///@{
+    void OnWriteFailure(ErrCode code)
     {
         if (mWriteResult == kNoError)
             mWriteResult = code;
     }
-    /// Whether a read brought less than was asked for.
-    bool HasShortRead() const { return mHasShortRead; }
-    /// Whether the position was set to another place than where it stood, or right behind the head of a
-    /// record: where an object can't be made, the stream goes to the end of its record, and an empty one ends
-    /// there.
-    bool HasMoved() const { return mHasMoved; }
+    void OnDamage() { mHasDamage = true; }
+    bool HasDamage() const { return mHasDamage; }
+    ///@}
 
     /// What is found on the provider is found here.
     ErrCode QueryInterface(GUID const& iid, IObject** out) const override
@@ -55,8 +56,8 @@ public:
     OperationId Write(void const* data, std::size_t count) override
     {
         OperationId const result = mProvider->Write(data, count);
-        if (mWriteResult == kNoError)
-            mWriteResult = result;
+        if (result != kNoError)
+            OnWriteFailure(result);
         return result;
     }
 
@@ -65,21 +66,16 @@ public:
         int32 const wanted = count;
         OperationId const result = mProvider->Read(buffer, count);
         mHasShortRead = mHasShortRead || count < wanted;
-        // The stream reads the second half of a class id byte by byte, then the length.
-        mIsBehindHead = count == 8 && mSingleBytes == 8;
-        mSingleBytes = count == 1 ? mSingleBytes + 1 : 0;
         return result;
     }
 
     ErrCode SetPosition(int64 offset, Offset origin) override
     {
-        int64 const before = mProvider->GetPosition();
         ErrCode const result = mProvider->SetPosition(offset, origin);
-        mHasMoved = mHasMoved || result != kNoError || mProvider->GetPosition() != before || mIsBehindHead;
         // A length is put in its place by going back: elsewhere it would be written over something else.
         bool const isThere = origin != kFromStart || mProvider->GetPosition() == offset;
-        if (mWriteResult == kNoError && (result != kNoError || !isThere))
-            mWriteResult = IO::kWriteFailed;
+        if (result != kNoError || !isThere)
+            OnWriteFailure(IO::kWriteFailed);
         return result;
     }
 
@@ -98,8 +94,6 @@ private:
     TInterfacePtr<IO::IDataProvider> mProvider;
     OperationId mWriteResult = kNoError;
     bool mHasShortRead = false;
-    bool mHasMoved = false;
-    int mSingleBytes = 0;
-    bool mIsBehindHead = false;
+    bool mHasDamage = false;
 };
 } // namespace KORVA::CXX::DETAIL
