@@ -7,16 +7,22 @@
 
 namespace KORVA::TESTS
 {
-/// Reading, writing and flushing count for regular files alone.
+/// Reading, writing and flushing at the descriptor's position count for regular files alone.
 enum class Call
 {
+    kOpen,
     kRead,
     kWrite,
+    kReadAt,
+    kWriteAt,
     kCopyFileRange,
     kSendFile,
     kStat,
     kFlushFile,
+    kFlushContent,
     kFlushDirectory,
+    kSetSize,
+    kTakeSignal,
     kRename,
     kSetAttribute
 };
