@@ -1,14 +1,16 @@
 #include "System/Replacement.h"
 
+#include "Retry.h"
 #include "System/Files.h"
+#include "System/Paths.h"
+#include "System/References.h"
+#include "System/Status.h"
 #include "System/Transfer.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <random>
 
@@ -17,23 +19,7 @@ namespace KORVA::SYSTEM
 namespace
 {
 constexpr int kNameAttempts = 100;
-constexpr int kMostLinks = 40;
 constexpr std::size_t kMostOfName = 200;
-
-/// The path behind symbolic links, whether a file is there or not.
-std::string Followed(std::string path)
-{
-    char target[PATH_MAX];
-    for (int links = 0; links < kMostLinks; ++links)
-    {
-        ssize_t const length = readlink(path.c_str(), target, sizeof target);
-        if (length <= 0)
-            break;
-        std::string const next(target, static_cast<std::size_t>(length));
-        path = next.starts_with('/') ? next : DirectoryOf(path) + "/" + next;
-    }
-    return path;
-}
 
 /// A long name is cut so that a temporary's stays within the system's bound, and not within a character: some
 /// file systems take only whole ones.
@@ -46,27 +32,44 @@ std::string Beginning(std::string const& name)
         --end;
     return name.substr(0, end);
 }
+/// 0 for a regular file.
+ErrorNumber WhyNotReplaced(Descriptor const& old)
+{
+    Status status;
+    if (ErrorNumber const error = ReadStatus(old.Get(), status))
+        return error;
+    switch (status.kind)
+    {
+    case FileKind::kRegular:
+        return 0;
+    case FileKind::kDirectory:
+        return EISDIR;
+    case FileKind::kSymbolicLink:
+        return ELOOP;
+    case FileKind::kOther:
+        break;
+    }
+    return EPERM;
+}
 } // namespace
 
 Replacement::Replacement(std::string const& target, Temporary temporary)
 {
-    std::string const path = Followed(target);
+    std::string const path = FollowLinks(target);
     std::size_t const slash = path.rfind('/');
     mName = slash == std::string::npos ? path : path.substr(slash + 1);
     mDirectoryPath = DirectoryOf(path);
     // A reference, because a directory that may be written need not be one that may be read.
-    mDirectory = Descriptor(open(mDirectoryPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (!mDirectory || mName.empty())
-    {
-        mError = !mDirectory ? errno : EISDIR;
+    mDirectory = OpenDirectoryReference(mDirectoryPath, mError);
+    if (mDirectory && mName.empty())
+        mError = EISDIR;
+    if (mError != 0)
         return;
-    }
-    mOld = Descriptor(openat(mDirectory.Get(), mName.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    struct stat status;
-    if (mOld ? fstat(mOld.Get(), &status) != 0 : errno != ENOENT)
-        mError = errno;
-    else if (mOld && !S_ISREG(status.st_mode))
-        mError = S_ISLNK(status.st_mode) ? ELOOP : S_ISDIR(status.st_mode) ? EISDIR : EPERM;
+    mOld = OpenReferenceIn(mDirectory, mName, mError);
+    if (mOld)
+        mError = WhyNotReplaced(mOld);
+    else if (mError == ENOENT)
+        mError = 0;
     if (mError != 0)
         return;
     mode_t const permissions = mOld || temporary == Temporary::kUserAlone ? 0600 : 0666;
@@ -74,8 +77,10 @@ Replacement::Replacement(std::string const& target, Temporary temporary)
     {
         // Kept before the file is made: what throws afterwards must not leave it behind.
         mTemporary = NewName();
-        mDescriptor = Descriptor(
-            openat(mDirectory.Get(), mTemporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions));
+        mDescriptor = Descriptor(Uninterrupted([&] {
+            return openat(mDirectory.Get(), mTemporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
+                          permissions);
+        }));
         mError = mDescriptor ? 0 : errno;
         if (!mDescriptor)
             mTemporary.clear();
@@ -153,7 +158,8 @@ ErrorNumber Replacement::Undo()
 
 ErrorNumber Replacement::FlushName()
 {
-    Descriptor const readable(openat(mDirectory.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    Descriptor const readable(
+        Uninterrupted([&] { return openat(mDirectory.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     return readable ? FlushNames(readable) : errno;
 }
 
