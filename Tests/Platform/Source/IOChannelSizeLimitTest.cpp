@@ -1,7 +1,7 @@
 // Writing past the size that the system allows a file.
-#include "Platform/Posix/ChannelFixture.h"
-#include "Platform/Posix/FreshProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ChannelFixture.h"
+#include "Platform/Source/FreshProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 #include "Support/RowName.h"
 
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "Platform/FileStream.h"
 
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
 

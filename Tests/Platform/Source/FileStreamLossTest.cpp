@@ -1,8 +1,8 @@
 // What a stream tells of bytes that the system refuses.
 #include "Platform/FileStream.h"
 
-#include "Platform/Posix/FreshProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/FreshProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 #include "Support/RowName.h"
 #include "Support/TemporaryDirectory.h"
 

@@ -1,6 +1,6 @@
 #include "Platform/MemoryBlock.h"
 
-#include "Platform/Posix/AddressSpaceLimit.h"
+#include "Platform/Source/AddressSpaceLimit.h"
 #include "Support/Library.h"
 
 #include <gtest/gtest.h>

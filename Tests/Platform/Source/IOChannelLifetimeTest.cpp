@@ -1,6 +1,6 @@
 // From the making of a channel to its end.
-#include "Platform/Posix/ChannelFixture.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ChannelFixture.h"
+#include "Platform/Source/ResourceLimit.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // What a channel tells its handlers.
 #include "Platform/IOChannel.h"
 
-#include "Platform/Posix/ChannelFixture.h"
+#include "Platform/Source/ChannelFixture.h"
 #include "Support/RowName.h"
 
 #include <sys/mman.h>

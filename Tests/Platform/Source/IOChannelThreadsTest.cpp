@@ -1,5 +1,5 @@
 // Where handlers run, and what waits for a thread.
-#include "Platform/Posix/ChannelFixture.h"
+#include "Platform/Source/ChannelFixture.h"
 
 #include <gmock/gmock.h>
 
