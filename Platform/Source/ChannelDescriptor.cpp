@@ -1,117 +1,61 @@
 #include "ChannelDescriptor.h"
 
-#include <fcntl.h>
-#include <pthread.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "System/Locks.h"
+#include "System/Signals.h"
+#include "System/Status.h"
+#include "System/Transfer.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
-#include <ctime>
+#include <utility>
 
 namespace KORVA::PLATFORM
 {
 namespace
 {
-/// What one call of the system moves at most.
-constexpr std::size_t kLargestTransfer = 0x7FFFF000;
 constexpr std::size_t kPieceOfUnknown = 1 << 20;
-
-/// Keeps a write beyond the size limit from ending the process: the error tells.
-class NoSizeLimitSignal
-{
-public:
-    NoSizeLimitSignal()
-    {
-        sigemptyset(&mLimit);
-        sigaddset(&mLimit, SIGXFSZ);
-        pthread_sigmask(SIG_BLOCK, &mLimit, &mBefore);
-    }
-    NoSizeLimitSignal(NoSizeLimitSignal const&) = delete;
-    NoSizeLimitSignal& operator=(NoSizeLimitSignal const&) = delete;
-    ~NoSizeLimitSignal() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
-
-    /// Takes back the signal that the last write has raised.
-    void Discard() const
-    {
-        if (sigismember(&mBefore, SIGXFSZ) == 1)
-            return;
-        timespec const now{};
-        sigtimedwait(&mLimit, nullptr, &now);
-    }
-
-private:
-    sigset_t mLimit;
-    sigset_t mBefore;
-};
-
-/// Repeats `transfer(position, moved, left)`, a call as of pread, until all is moved or it moves nothing.
-template <class Transfer>
-ChannelDescriptor::Outcome Repeat(std::int64_t offset, std::size_t length, Transfer transfer)
-{
-    if (offset < 0)
-        return {0, EINVAL};
-    std::size_t moved = 0;
-    while (moved < length)
-    {
-        std::size_t const left = std::min(length - moved, kLargestTransfer);
-        ssize_t const count = transfer(static_cast<off_t>(offset) + static_cast<off_t>(moved), moved, left);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return {moved, errno};
-        if (count == 0)
-            break;
-        moved += static_cast<std::size_t>(count);
-    }
-    return {moved, 0};
-}
 } // namespace
 
 Ref<ChannelDescriptor> ChannelDescriptor::Duplicate(int descriptor)
 {
-    int const own = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
-    if (own < 0)
-        return errno == EBADF ? Ref<ChannelDescriptor>(new ChannelDescriptor(-1, EBADF))
-                              : Ref<ChannelDescriptor>();
-    struct stat status;
-    // Asked for the error alone: a file without positions can't be read and written at positions.
-    int error = lseek(own, 0, SEEK_CUR) < 0 ? errno : 0;
-    if (fstat(own, &status) == 0 && S_ISDIR(status.st_mode))
-        error = EISDIR;
-    return Ref<ChannelDescriptor>(new ChannelDescriptor(own, error));
+    int error = 0;
+    SYSTEM::Descriptor own = SYSTEM::Duplicate(descriptor, error);
+    if (!own && error != EBADF)
+        return {};
+    if (own)
+    {
+        // Asked for the error alone: a file without positions can't be read and written at positions.
+        std::int64_t position = 0;
+        error = SYSTEM::ReadPosition(own.Get(), position);
+        SYSTEM::Status status;
+        if (SYSTEM::ReadStatus(own.Get(), status) == 0 && status.kind == SYSTEM::FileKind::kDirectory)
+            error = EISDIR;
+    }
+    return Ref<ChannelDescriptor>(new ChannelDescriptor(std::move(own), error));
 }
 
-ChannelDescriptor::ChannelDescriptor(int descriptor, int error) : mDescriptor(descriptor), mError(error) {}
+ChannelDescriptor::ChannelDescriptor(SYSTEM::Descriptor descriptor, int error)
+    : mDescriptor(std::move(descriptor)), mError(error)
+{}
 
-ChannelDescriptor::~ChannelDescriptor()
-{
-    if (mDescriptor >= 0)
-        close(mDescriptor);
-}
+ChannelDescriptor::~ChannelDescriptor() = default;
 
 ChannelDescriptor::Outcome ChannelDescriptor::Read(std::int64_t offset, std::size_t length,
                                                    std::byte* destination) const
 {
-    return Repeat(offset, length, [&](off_t position, std::size_t moved, std::size_t left) {
-        return pread(mDescriptor, destination + moved, left, position);
-    });
+    int const error = SYSTEM::ReadAllAt(mDescriptor.Get(), offset, destination, length);
+    return {length, error};
 }
 
 ChannelDescriptor::Outcome ChannelDescriptor::Write(std::int64_t offset, std::byte const* source,
                                                     std::size_t length) const
 {
-    NoSizeLimitSignal const noSignal;
-    Outcome outcome = Repeat(offset, length, [&](off_t position, std::size_t moved, std::size_t left) {
-        return pwrite(mDescriptor, source + moved, left, position);
-    });
-    if (outcome.error == EFBIG)
-        noSignal.Discard();
-    if (outcome.error == 0 && outcome.moved < length)
-        outcome.error = EIO;
-    return outcome;
+    // A write beyond the limit of a file's size must not end the process: the error tells.
+    SYSTEM::HeldSignals const held(SYSTEM::HeldSignals::Which::kSizeLimit);
+    int const error = SYSTEM::WriteAllAt(mDescriptor.Get(), offset, source, length);
+    if (error == EFBIG)
+        held.Discard();
+    return {length, error};
 }
 
 void ChannelDescriptor::BeginWrite() { ++mWrites; }
@@ -132,15 +76,17 @@ void ChannelDescriptor::UnlockAfterWrites()
 /// Duplicates share one lock, and giving it up through one of them gives it up for all.
 void ChannelDescriptor::Unlock()
 {
-    if (mDescriptor >= 0)
-        flock(mDescriptor, LOCK_UN);
+    if (mDescriptor)
+        SYSTEM::Unlock(mDescriptor.Get());
 }
 
 std::size_t ChannelDescriptor::Expected(std::int64_t offset, std::size_t length) const
 {
-    struct stat status;
-    if (offset < 0 || fstat(mDescriptor, &status) != 0 || !S_ISREG(status.st_mode))
+    SYSTEM::Status status;
+    if (offset < 0 || SYSTEM::ReadStatus(mDescriptor.Get(), status) != 0 ||
+        status.kind != SYSTEM::FileKind::kRegular)
         return std::min(length, kPieceOfUnknown);
-    return std::min(length, static_cast<std::size_t>(std::max<off_t>(status.st_size - offset, 0)));
+    std::uint64_t const begin = std::min(static_cast<std::uint64_t>(offset), status.size);
+    return static_cast<std::size_t>(std::min<std::uint64_t>(length, status.size - begin));
 }
 } // namespace KORVA::PLATFORM

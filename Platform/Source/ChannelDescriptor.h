@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Platform/IOChannel.h"
+#include "System/Descriptor.h"
 
 #include <atomic>
 #include <cstdint>
@@ -41,12 +42,12 @@ public:
 private:
     friend class Ref<ChannelDescriptor>;
 
-    ChannelDescriptor(int descriptor, int error);
+    ChannelDescriptor(SYSTEM::Descriptor descriptor, int error);
     ~ChannelDescriptor();
 
     void Unlock();
 
-    int mDescriptor;
+    SYSTEM::Descriptor mDescriptor;
     int mError;
     std::atomic<std::uint32_t> mWrites{0};
     std::atomic<bool> mUnlocksAfterWrites{false};

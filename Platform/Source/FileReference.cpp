@@ -3,8 +3,7 @@
 #include "Platform/FileStream.h"
 #include "Platform/StringServices.h"
 #include "Platform/URL.h"
-
-#include <sys/stat.h>
+#include "System/Status.h"
 
 #include <atomic>
 #include <cstdint>
@@ -45,7 +44,7 @@ namespace
 struct Reference
 {
     std::uint64_t device;
-    std::uint64_t inode;
+    std::uint64_t number;
     char path[4096];
 };
 static_assert(sizeof(Reference) == sizeof(FSRef));
@@ -73,12 +72,12 @@ CFURLRef CFURLCreateFromFSRef(FSRef const& ref)
     // A reference that nobody filled may hold anything.
     if (!std::memchr(reference.path, '\0', sizeof reference.path))
         return nullptr;
-    struct stat status;
-    if (lstat(reference.path, &status) != 0 || status.st_dev != reference.device ||
-        status.st_ino != reference.inode)
+    SYSTEM::Status status;
+    if (SYSTEM::ReadStatusOfLink(reference.path, status) != 0 ||
+        status.identity != SYSTEM::FileIdentity{reference.device, reference.number})
         return nullptr;
     std::optional<std::u16string> const path = FromUTF8(reference.path);
-    return path ? CFURLCreateWithFileSystemPath(*path, S_ISDIR(status.st_mode)) : nullptr;
+    return path ? CFURLCreateWithFileSystemPath(*path, status.kind == SYSTEM::FileKind::kDirectory) : nullptr;
 }
 
 void CFRetain(CFURLRef url) { url->Retain(); }
@@ -92,13 +91,13 @@ std::string const& CFURLGetString(CFURLRef url) { return url->Text(); }
 bool CFURLGetFSRef(CFURLRef url, FSRef& ref)
 {
     std::unique_ptr<PathString> const path = SystemPath(url);
-    struct stat status;
+    SYSTEM::Status status;
     Reference reference{};
     if (!path || std::strlen(path->FileSystemRepresentation()) >= sizeof reference.path ||
-        lstat(path->FileSystemRepresentation(), &status) != 0)
+        SYSTEM::ReadStatusOfLink(path->FileSystemRepresentation(), status) != 0)
         return false;
-    reference.device = status.st_dev;
-    reference.inode = status.st_ino;
+    reference.device = status.identity.device;
+    reference.number = status.identity.number;
     std::memcpy(reference.path, path->FileSystemRepresentation(),
                 std::strlen(path->FileSystemRepresentation()) + 1);
     std::memcpy(&ref, &reference, sizeof ref);

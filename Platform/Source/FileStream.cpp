@@ -1,12 +1,11 @@
 #include "Platform/FileStream.h"
 
 #include "Platform/StringServices.h"
-
-#include <fcntl.h>
-#include <stdio_ext.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "System/Files.h"
+#include "System/Locks.h"
+#include "System/Status.h"
+#include "System/Stream.h"
+#include "System/Transfer.h"
 
 #include <cerrno>
 #include <optional>
@@ -15,48 +14,44 @@ namespace KORVA::PLATFORM
 {
 namespace
 {
-int AccessFlags(Access access)
+SYSTEM::Access SystemAccess(Access access)
 {
     switch (access)
     {
     case Access::kRead:
-        return O_RDONLY;
+        return SYSTEM::Access::kRead;
     case Access::kWrite:
-        return O_WRONLY;
+        return SYSTEM::Access::kWrite;
     case Access::kReadWrite:
-        return O_RDWR;
+        return SYSTEM::Access::kReadWrite;
     }
-    return O_RDONLY;
+    return SYSTEM::Access::kRead;
 }
 
 /// Whether the path leads to the opened file. Whoever saves replaces a file, and lets go of the old one: a
 /// lock on that is worth nothing.
-bool IsStillNamed(PathString const& path, int opened)
+bool IsStillNamed(PathString const& path, SYSTEM::Descriptor const& opened)
 {
-    struct stat own;
-    struct stat named;
-    return fstat(opened, &own) != 0 || stat(path.FileSystemRepresentation(), &named) != 0 ||
-           (own.st_dev == named.st_dev && own.st_ino == named.st_ino);
+    SYSTEM::Status own;
+    SYSTEM::Status named;
+    return SYSTEM::ReadStatus(opened.Get(), own) != 0 ||
+           SYSTEM::ReadStatus(path.FileSystemRepresentation(), named) != 0 || own.identity == named.identity;
 }
 
 /// As `OpenFile`; nothing where the file was replaced before it was locked.
 std::optional<OpenResult> OpenOnce(PathString const& path, Access access, Lock lock, int& descriptor)
 {
-    int const opened = open(path.FileSystemRepresentation(), AccessFlags(access) | O_NONBLOCK | O_CLOEXEC);
-    if (opened < 0)
-        return errno == EAGAIN ? OpenResult::kLocked : OpenResult::kFailed;
-    if (lock != Lock::kNone && flock(opened, (lock == Lock::kShared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0)
-    {
-        bool const held = errno == EWOULDBLOCK;
-        close(opened);
-        return held ? OpenResult::kLocked : OpenResult::kFailed;
-    }
+    int error = 0;
+    SYSTEM::Descriptor opened =
+        SYSTEM::OpenFile(path.FileSystemRepresentation(), SystemAccess(access), error);
+    if (opened && lock != Lock::kNone)
+        error = SYSTEM::TryLock(opened.Get(), lock == Lock::kShared ? SYSTEM::LockKind::kShared
+                                                                    : SYSTEM::LockKind::kExclusive);
+    if (error != 0)
+        return error == EWOULDBLOCK ? OpenResult::kLocked : OpenResult::kFailed;
     if (lock != Lock::kNone && !IsStillNamed(path, opened))
-    {
-        close(opened);
         return std::nullopt;
-    }
-    descriptor = opened;
+    descriptor = opened.Release();
     return OpenResult::kOpened;
 }
 } // namespace
@@ -79,14 +74,18 @@ OpenResult OpenFile(PathString const& path, Access access, Lock lock, int& descr
     return OpenResult::kLocked;
 }
 
-void CloseFile(int descriptor) { close(descriptor); }
+void CloseFile(int descriptor) { SYSTEM::Descriptor const closed(descriptor); }
 
 std::unique_ptr<FileStream> FileStream::Over(int descriptor, char const* mode)
 {
-    std::FILE* const stream = fdopen(descriptor, mode);
+    int error = 0;
+    std::FILE* const stream = SYSTEM::OpenStream(descriptor, mode, error);
     if (!stream)
         return nullptr;
-    return std::unique_ptr<FileStream>(new FileStream(stream, lseek(descriptor, 0, SEEK_CUR)));
+    std::int64_t position = 0;
+    if (SYSTEM::ReadPosition(descriptor, position) != 0)
+        position = -1;
+    return std::unique_ptr<FileStream>(new FileStream(stream, position));
 }
 
 FileStream::~FileStream() { std::fclose(mStream); }
@@ -96,11 +95,11 @@ std::size_t FileStream::Write(void const* bytes, std::size_t count)
     if (mLast == Last::kRead)
         Seek(0, SEEK_CUR);
     mLast = Last::kWrite;
-    std::size_t const held = __fpending(mStream);
+    std::size_t const held = SYSTEM::HeldBack(mStream);
     std::size_t const taken = std::fwrite(bytes, 1, count, mStream);
     // The C library answers that all was taken also when it has just dropped it.
     if (std::ferror(mStream))
-        NoteLoss(taken, held);
+        NoteLoss(errno, taken, held);
     else if (mPosition >= 0)
         mPosition += static_cast<std::int64_t>(taken);
     return taken;
@@ -113,7 +112,7 @@ std::size_t FileStream::Read(void* buffer, std::size_t count)
     mLast = Last::kRead;
     std::size_t const delivered = std::fread(buffer, 1, count, mStream);
     if (delivered < count && std::ferror(mStream))
-        NoteError();
+        NoteError(errno);
     if (mPosition >= 0)
         mPosition += static_cast<std::int64_t>(delivered);
     return delivered;
@@ -124,16 +123,16 @@ bool FileStream::Seek(std::int64_t offset, int whence)
     // Relative to where the caller stands, not to where the bytes have come.
     std::int64_t const from = mPosition;
     bool const hasWritten = mLast == Last::kWrite;
-    std::size_t const held = __fpending(mStream);
-    bool moved = fseeko(mStream, offset, whence) == 0;
-    if (!moved && hasWritten && std::ferror(mStream))
+    std::size_t const held = SYSTEM::HeldBack(mStream);
+    int error = SYSTEM::SeekStream(mStream, offset, whence);
+    if (error != 0 && hasWritten && std::ferror(mStream))
     {
-        NoteLoss(0, held);
-        if (whence == SEEK_CUR && from >= 0)
-            moved = fseeko(mStream, from, SEEK_SET) == 0 && fseeko(mStream, offset, SEEK_CUR) == 0;
-        else
-            moved = fseeko(mStream, offset, whence) == 0;
+        NoteLoss(error, 0, held);
+        error = whence == SEEK_CUR && from >= 0 ? SYSTEM::SeekStream(mStream, from, SEEK_SET) : 0;
+        if (error == 0)
+            error = SYSTEM::SeekStream(mStream, offset, whence);
     }
+    bool const moved = error == 0;
     mLast = Last::kNeither;
     if (mPosition >= 0)
         mPosition = moved && whence == SEEK_SET ? offset : Tell();
@@ -142,58 +141,55 @@ bool FileStream::Seek(std::int64_t offset, int whence)
 
 std::int64_t FileStream::Tell() const
 {
-    off_t const position = ftello(mStream);
-    return position < 0 ? 0 : position;
+    std::int64_t position = 0;
+    return SYSTEM::ReadStreamPosition(mStream, position) == 0 ? position : 0;
 }
 
-bool FileStream::Truncate(std::int64_t length) { return ftruncate(fileno(mStream), length) == 0; }
+bool FileStream::Truncate(std::int64_t length) { return SYSTEM::SetSize(Descriptor(), length) == 0; }
 
 bool FileStream::WriteOut()
 {
     if (mLast != Last::kWrite)
         return true;
-    std::size_t const held = __fpending(mStream);
+    std::size_t const held = SYSTEM::HeldBack(mStream);
     if (std::fflush(mStream) == 0)
         return true;
-    NoteLoss(0, held);
+    NoteLoss(errno, 0, held);
     return false;
 }
 
 bool FileStream::FlushToDevice()
 {
     bool const written = WriteOut();
-    int result = 0;
-    do
-        result = fdatasync(fileno(mStream));
-    while (result != 0 && errno == EINTR);
+    int const error = SYSTEM::FlushContent(Descriptor());
     // What is no file on a device has nothing to wait for.
-    if (result != 0 && errno != EINVAL && errno != EROFS)
+    if (error != 0 && error != EINVAL && error != EROFS)
     {
-        NoteError();
+        NoteError(error);
         return false;
     }
     return written;
 }
 
-int FileStream::Descriptor() const { return fileno(mStream); }
+int FileStream::Descriptor() const { return SYSTEM::DescriptorOf(mStream); }
 
-void FileStream::NoteError()
+void FileStream::NoteError(int error)
 {
     if (mFirstError == 0)
-        mFirstError = errno;
+        mFirstError = error;
     // It is noted; the next failure is to be seen as one.
     std::clearerr(mStream);
 }
 
 /// After a failure: what the caller was told minus where the stream has come is lost. `taken` is what the
 /// call that failed has answered, `held` what was held back before.
-void FileStream::NoteLoss(std::size_t taken, std::size_t held)
+void FileStream::NoteLoss(int error, std::size_t taken, std::size_t held)
 {
-    NoteError();
+    NoteError(error);
     if (mPosition < 0)
     {
         // Of a file without positions nobody knows how much of it went through.
-        mLostBytes += held + taken - __fpending(mStream);
+        mLostBytes += held + taken - SYSTEM::HeldBack(mStream);
         return;
     }
     std::int64_t const told = mPosition + static_cast<std::int64_t>(taken);
@@ -204,13 +200,14 @@ void FileStream::NoteLoss(std::size_t taken, std::size_t held)
 
 bool FileExists(PathString const& path)
 {
-    struct stat status;
-    return stat(path.FileSystemRepresentation(), &status) == 0;
+    SYSTEM::Status status;
+    return SYSTEM::ReadStatus(path.FileSystemRepresentation(), status) == 0;
 }
 
 bool IsDirectory(PathString const& path)
 {
-    struct stat status;
-    return stat(path.FileSystemRepresentation(), &status) == 0 && S_ISDIR(status.st_mode);
+    SYSTEM::Status status;
+    return SYSTEM::ReadStatus(path.FileSystemRepresentation(), status) == 0 &&
+           status.kind == SYSTEM::FileKind::kDirectory;
 }
 } // namespace KORVA::PLATFORM

@@ -1,9 +1,7 @@
 #include "Platform/MemoryBlock.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
+#include "System/Memory.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -26,27 +24,15 @@ constexpr std::int16_t kMemFull = -108;
 
 thread_local std::int16_t sError = 0;
 
-std::size_t WholePages(std::size_t size)
-{
-    static std::size_t const kPage = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    return (std::max<std::size_t>(size, 1) + kPage - 1) / kPage * kPage;
-}
-
-std::byte* Map(std::size_t bytes)
-{
-    void* const address = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    return address == MAP_FAILED ? nullptr : static_cast<std::byte*>(address);
-}
-
 bool ResizeMapped(MemoryBlock& block, std::size_t size)
 {
-    std::size_t const pages = WholePages(size);
+    std::size_t const pages = SYSTEM::WholePages(size);
     if (pages != block.mapped)
     {
-        void* const address = mremap(block.address, block.mapped, pages, MREMAP_MAYMOVE);
-        if (address == MAP_FAILED)
+        std::byte* const address = SYSTEM::ResizePages(block.address, block.mapped, pages);
+        if (!address)
             return false;
-        block.address = static_cast<std::byte*>(address);
+        block.address = address;
         block.mapped = pages;
     }
     // The rest of the last page outlives a shrink: a later growth must not bring it back.
@@ -60,12 +46,13 @@ bool ResizeAllocated(MemoryBlock& block, std::size_t size)
 {
     if (size >= kMapFrom)
     {
-        std::byte* const address = Map(WholePages(size));
+        std::size_t const pages = SYSTEM::WholePages(size);
+        std::byte* const address = SYSTEM::NewPages(pages);
         if (!address)
             return false;
         std::memcpy(address, block.address, block.size);
         std::free(block.address);
-        block = MemoryBlock{address, size, WholePages(size)};
+        block = MemoryBlock{address, size, pages};
         return true;
     }
     auto* const address = static_cast<std::byte*>(std::realloc(block.address, size > 0 ? size : 1));
@@ -85,8 +72,8 @@ Handle NewHandle(std::size_t size)
     block.size = size;
     if (size >= kMapFrom)
     {
-        block.mapped = WholePages(size);
-        block.address = Map(block.mapped);
+        block.mapped = SYSTEM::WholePages(size);
+        block.address = SYSTEM::NewPages(block.mapped);
     }
     else
         block.address = static_cast<std::byte*>(std::calloc(size > 0 ? size : 1, 1));
@@ -108,7 +95,7 @@ void DisposeHandle(Handle handle)
     if (!handle)
         return;
     if (handle->mapped > 0)
-        munmap(handle->address, handle->mapped);
+        SYSTEM::FreePages(handle->address, handle->mapped);
     else
         std::free(handle->address);
     delete handle;

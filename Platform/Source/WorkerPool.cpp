@@ -1,9 +1,9 @@
 #include "WorkerPool.h"
 
-#include <pthread.h>
+#include "System/Fork.h"
+#include "System/Signals.h"
 
 #include <algorithm>
-#include <csignal>
 #include <system_error>
 #include <utility>
 
@@ -14,27 +14,6 @@ namespace
 constexpr unsigned kFewestThreads = 4;
 constexpr unsigned kMostThreads = 16;
 constexpr std::size_t kFurthestLook = 256;
-
-/// Threads started meanwhile take no signals: those are the host's. What a thread does to itself it hears of,
-/// so that crash handlers see it.
-class NoSignals
-{
-public:
-    NoSignals()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        for (int const own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
-            sigdelset(&all, own);
-        pthread_sigmask(SIG_SETMASK, &all, &mBefore);
-    }
-    NoSignals(NoSignals const&) = delete;
-    NoSignals& operator=(NoSignals const&) = delete;
-    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
-
-private:
-    sigset_t mBefore;
-};
 } // namespace
 
 WorkerPool& WorkerPool::Instance()
@@ -53,7 +32,8 @@ unsigned WorkerPool::Width()
 
 WorkerPool::WorkerPool() : mState(new State)
 {
-    pthread_atfork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
+    // Where there is no memory for that, only the children have no pool.
+    static_cast<void>(SYSTEM::CallAroundForks(&BeforeFork, &AfterForkInParent, &AfterForkInChild));
 }
 
 WorkerPool::~WorkerPool()
@@ -99,7 +79,8 @@ bool WorkerPool::StartThread(State& state)
         return false;
     if (state.threads.size() == Width())
         return true;
-    NoSignals const noSignals;
+    // Signals are for the host's threads.
+    SYSTEM::HeldSignals const held(SYSTEM::HeldSignals::Which::kAllButFaults);
     try
     {
         state.threads.emplace_back([&state] { Work(state); });
