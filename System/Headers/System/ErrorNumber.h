@@ -1,4 +1,6 @@
-// How the operating system's failures are told.
+// How the operating system's failures are told. The functions of this layer are safe from any thread, and
+// throw nothing but for lack of memory; an object belongs to one thread at a time, where nothing else is
+// said.
 #pragma once
 
 namespace KORVA::SYSTEM
