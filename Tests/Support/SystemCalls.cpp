@@ -35,6 +35,8 @@ bool HasFailed(Call call, std::size_t& count)
     int const error = ErrorOf(call);
     if (error == kShort && count > 1)
         count /= 2;
+    if (error == kTakesNothing)
+        count = 0;
     if (error <= 0)
         return false;
     errno = error;

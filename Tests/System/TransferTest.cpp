@@ -45,13 +45,18 @@ TEST_P(WritingAll, WritesWhatItCan)
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, WritingAll,
-    ::testing::Values(
-        TransferRow{"AtOnce", {}, 0, "0123456789"},
-        TransferRow{"InPieces", {{Call::kWrite, kShort, 1, 3}}, 0, "0123456789"},
-        TransferRow{"Interrupted", {{Call::kWrite, EINTR, 1, 2}}, 0, "0123456789"},
-        TransferRow{
-            "InterruptedInTheMiddle", {{Call::kWrite, kShort}, {Call::kWrite, EINTR, 2}}, 0, "0123456789"},
-        TransferRow{"Failing", {{Call::kWrite, kShort}, {Call::kWrite, ENOSPC, 2}}, ENOSPC, "01234"}),
+    ::testing::Values(TransferRow{"AtOnce", {}, 0, "0123456789"},
+                      TransferRow{"InPieces", {{Call::kWrite, kShort, 1, 3}}, 0, "0123456789"},
+                      TransferRow{"Interrupted", {{Call::kWrite, EINTR, 1, 2}}, 0, "0123456789"},
+                      TransferRow{"InterruptedInTheMiddle",
+                                  {{Call::kWrite, kShort}, {Call::kWrite, EINTR, 2}},
+                                  0,
+                                  "0123456789"},
+                      TransferRow{"Failing", {{Call::kWrite, kShort}, {Call::kWrite, EIO, 2}}, EIO, "01234"},
+                      TransferRow{"TakingNothing",
+                                  {{Call::kWrite, kShort}, {Call::kWrite, kTakesNothing, 2, kForEver}},
+                                  ENOSPC,
+                                  "01234"}),
     RowName());
 
 class ReadingAll : public ::testing::TestWithParam<TransferRow>
@@ -120,7 +125,11 @@ INSTANTIATE_TEST_SUITE_P(
                                   "0123456789"},
                       TransferRow{
                           "Failing", {{Call::kWriteAt, kShort}, {Call::kWriteAt, EFBIG, 2}}, EFBIG, "01234"},
-                      TransferRow{"FailingAtOnce", {{Call::kWriteAt, EIO}}, EIO, ""}),
+                      TransferRow{"FailingAtOnce", {{Call::kWriteAt, EIO}}, EIO, ""},
+                      TransferRow{"TakingNothing",
+                                  {{Call::kWriteAt, kShort}, {Call::kWriteAt, kTakesNothing, 2, kForEver}},
+                                  ENOSPC,
+                                  "01234"}),
     RowName());
 
 class ReadingAllAt : public ::testing::TestWithParam<TransferRow>
