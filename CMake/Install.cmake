@@ -12,6 +12,10 @@ install(TARGETS TessIO_SDK TessIO KorvaCoreRegistry KorvaCoreString KorvaLogger 
     LIBRARY COMPONENT runtime NAMELINK_COMPONENT dev
     ARCHIVE COMPONENT dev
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
+# Archives leave it to the program to link what they use. Its headers are the project's own.
+if(TESSIO_STATIC)
+    install(TARGETS tessio_system EXPORT TessIOTargets ARCHIVE COMPONENT dev)
+endif()
 # find_package(TessIO CONFIG)
 set(config ${CMAKE_INSTALL_LIBDIR}/cmake/TessIO)
 set(made ${PROJECT_BINARY_DIR}/install)

@@ -1,19 +1,17 @@
 #include "File.h"
 
-#include "Descriptor.h"
 #include "FileStatus.h"
 #include "System/CopyFile.h"
 #include "System/Files.h"
 #include "System/Replacement.h"
+#include "System/Status.h"
+#include "System/Times.h"
+#include "System/Transfer.h"
 #include "SystemPath.h"
 #include <tessio/CoreRegistry/CoreRegistry.h>
 #include <tessio/FileIO/ICopyProgress.h>
 #include <tessio/Logger/LogSite.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
-#include <cstdio>
 #include <limits>
 #include <string_view>
 
@@ -27,14 +25,13 @@ constexpr LogSite kSiteCopyTo{
 constexpr LogSite kSiteReplace{
     kSource, "virtual ErrCode KORVA::FILE_SYS::File::Replace(const void *, uint64)", 0, 1, 1};
 
-constexpr uint64 kNanosecondsPerSecond = 1'000'000'000;
-
-ErrCode DateFrom(int64 seconds, uint32 nanoseconds, uint64& date)
+ErrCode DateFrom(SYSTEM::Date const& from, uint64& date)
 {
-    if (seconds < 0 ||
-        static_cast<uint64>(seconds) > std::numeric_limits<uint64>::max() / kNanosecondsPerSecond - 1)
+    constexpr uint64 kNanosecondsPerSecond = 1'000'000'000;
+    if (from.seconds < 0 ||
+        static_cast<uint64>(from.seconds) > std::numeric_limits<uint64>::max() / kNanosecondsPerSecond - 1)
         return kFailed;
-    date = static_cast<uint64>(seconds) * kNanosecondsPerSecond + nanoseconds;
+    date = static_cast<uint64>(from.seconds) * kNanosecondsPerSecond + from.nanoseconds;
     return kDone;
 }
 
@@ -54,15 +51,15 @@ bool File::BindPath(STRING::CoreString const& path)
 
 bool File::Exists()
 {
-    struct stat status;
-    return stat(mPath.c_str(), &status) == 0;
+    SYSTEM::Status status;
+    return SYSTEM::ReadStatus(mPath, status) == 0;
 }
 
 ErrCode File::QueryFlag(uchar& flag)
 {
-    struct stat status;
-    if (stat(mPath.c_str(), &status) != 0)
-        return StatusOfErrno();
+    SYSTEM::Status status;
+    if (SYSTEM::ErrorNumber const error = SYSTEM::ReadStatus(mPath, status))
+        return StatusOf(error);
     std::string const trimmed = mPath.substr(0, mPath.find_last_not_of('/') + 1);
     std::string const name = trimmed.substr(trimmed.rfind('/') + 1);
     flag = name.starts_with('.') && name != "." && name != ".." ? 1 : 0;
@@ -71,63 +68,51 @@ ErrCode File::QueryFlag(uchar& flag)
 
 ErrCode File::ReadPermissions(uchar (&permissions)[3])
 {
-    struct stat status;
-    if (stat(mPath.c_str(), &status) != 0)
-        return StatusOfErrno();
-    permissions[0] = static_cast<uchar>((status.st_mode >> 6) & 7);
-    permissions[1] = static_cast<uchar>((status.st_mode >> 3) & 7);
-    permissions[2] = static_cast<uchar>(status.st_mode & 7);
+    SYSTEM::Status status;
+    if (SYSTEM::ErrorNumber const error = SYSTEM::ReadStatus(mPath, status))
+        return StatusOf(error);
+    permissions[0] = static_cast<uchar>((status.permissions >> 6) & 7);
+    permissions[1] = static_cast<uchar>((status.permissions >> 3) & 7);
+    permissions[2] = static_cast<uchar>(status.permissions & 7);
     return kDone;
 }
 
-ErrCode File::Create()
-{
-    Descriptor created(open(mPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    return created ? kDone : StatusOfErrno();
-}
+ErrCode File::Create() { return StatusOf(SYSTEM::MakeFile(mPath)); }
 
-ErrCode File::Delete() { return unlink(mPath.c_str()) == 0 ? kDone : StatusOfErrno(); }
+ErrCode File::Delete() { return StatusOf(SYSTEM::RemoveFile(mPath)); }
 
 ErrCode File::GetSize(uint64& size)
 {
-    struct stat status;
-    if (stat(mPath.c_str(), &status) != 0)
-        return StatusOfErrno();
-    size = static_cast<uint64>(status.st_size);
+    SYSTEM::Status status;
+    if (SYSTEM::ErrorNumber const error = SYSTEM::ReadStatus(mPath, status))
+        return StatusOf(error);
+    size = status.size;
     return kDone;
 }
 
 ErrCode File::GetModificationDate(uint64& date)
 {
-    struct stat status;
-    if (stat(mPath.c_str(), &status) != 0)
-        return StatusOfErrno();
-    return DateFrom(status.st_mtim.tv_sec, static_cast<uint32>(status.st_mtim.tv_nsec), date);
+    SYSTEM::Status status;
+    if (SYSTEM::ErrorNumber const error = SYSTEM::ReadStatus(mPath, status))
+        return StatusOf(error);
+    return DateFrom(status.modified, date);
 }
 
-ErrCode File::SetModificationDate(uint64& date)
-{
-    timespec times[2] = {};
-    times[0].tv_nsec = UTIME_OMIT;
-    times[1].tv_sec = static_cast<time_t>(date / kNanosecondsPerSecond);
-    times[1].tv_nsec = static_cast<long>(date % kNanosecondsPerSecond);
-    return utimensat(AT_FDCWD, mPath.c_str(), times, 0) == 0 ? kDone : StatusOfErrno();
-}
+ErrCode File::SetModificationDate(uint64& date) { return StatusOf(SYSTEM::SetModified(mPath, date)); }
 
 ErrCode File::GetCreationDate(uint64& date)
 {
-    struct statx status;
-    if (statx(AT_FDCWD, mPath.c_str(), 0, STATX_BTIME, &status) != 0)
-        return StatusOfErrno();
-    if ((status.stx_mask & STATX_BTIME) == 0)
-        return kFailed;
-    return DateFrom(status.stx_btime.tv_sec, status.stx_btime.tv_nsec, date);
+    SYSTEM::Date created;
+    if (SYSTEM::ErrorNumber const error = SYSTEM::ReadCreationDate(mPath, created))
+        return StatusOf(error);
+    return DateFrom(created, date);
 }
 
 ErrCode File::SetCreationDate(uint64&)
 {
-    struct stat status;
-    return stat(mPath.c_str(), &status) == 0 ? kFailed : StatusOfErrno();
+    SYSTEM::Status status;
+    SYSTEM::ErrorNumber const error = SYSTEM::ReadStatus(mPath, status);
+    return error == 0 ? kFailed : StatusOf(error);
 }
 
 ErrCode File::CopyTo(STRING::CoreString const& target)
@@ -151,16 +136,18 @@ ErrCode File::CopyTo(STRING::CoreString const& target)
 
 ErrCode File::MoveTo(STRING::CoreString const& target)
 {
-    std::string const targetPath = SystemPath(target);
-    return rename(mPath.c_str(), targetPath.c_str()) == 0 ? kDone : StatusOfErrno();
+    return StatusOf(SYSTEM::RenameFile(mPath, SystemPath(target)));
 }
 
 ErrCode File::Sync()
 {
-    Descriptor const file(open(mPath.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file || fsync(file.Get()) != 0)
-        return StatusOfErrno();
-    return StatusOf(SYSTEM::FlushDirectoryOf(mPath));
+    SYSTEM::ErrorNumber error = 0;
+    SYSTEM::Descriptor const file = SYSTEM::OpenFile(mPath, SYSTEM::Access::kRead, error);
+    if (error == 0)
+        error = SYSTEM::FlushToDevice(file.Get());
+    if (error == 0)
+        error = SYSTEM::FlushDirectoryOf(mPath);
+    return StatusOf(error);
 }
 
 ErrCode File::Replace(void const* data, uint64 count)

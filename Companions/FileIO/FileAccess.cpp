@@ -1,16 +1,15 @@
 #include "FileAccess.h"
 
 #include "FileStatus.h"
+#include "System/Files.h"
+#include "System/Locks.h"
+#include "System/Paths.h"
+#include "System/Status.h"
 #include "SystemPath.h"
-
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <filesystem>
 #include <string>
 #include <thread>
 
@@ -18,95 +17,73 @@ namespace KORVA::FILE_SYS
 {
 namespace
 {
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
+using SYSTEM::ErrorNumber;
 
 /// Short against the time that a save takes: who lets go and comes back at once must not always be first.
 constexpr std::chrono::microseconds kPause{250};
 /// Whoever saves waits for the disk, which may take long, and then lets go; a writer may stay for hours.
 constexpr int kMostWaits = 30;
-constexpr int kMostLinks = 40;
-constexpr int kAnyOpening = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-
-/// The directory in which a file made under that name would be. Links that lead to nothing are followed.
-fs::path DirectoryOf(fs::path path)
-{
-    std::error_code error;
-    for (int links = 0; links < kMostLinks; ++links)
-    {
-        fs::path const target = fs::read_symlink(path, error);
-        if (error)
-            break;
-        path = path.parent_path() / target;
-    }
-    fs::path const directory = path.parent_path();
-    return directory.empty() ? fs::path(".") : directory;
-}
-
-bool IsSameFile(struct stat const& a, struct stat const& b)
-{
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
 
 /// What is locked for a name: its file, or the directory where there is no file yet.
 class Lockable
 {
 public:
     explicit Lockable(std::string const& name)
-        : mDescriptor(open(name.c_str(), O_RDWR | kAnyOpening)), mPlace(name)
+        : mDescriptor(SYSTEM::OpenFile(name, SYSTEM::Access::kReadWrite, mError)), mPlace(name)
     {
         // A program that runs can be replaced, not written.
-        if (!mDescriptor && errno == ETXTBSY)
-            mDescriptor = Descriptor(open(name.c_str(), O_RDONLY | kAnyOpening));
-        if (!mDescriptor && errno == ENOENT)
+        if (mError == ETXTBSY)
+            mDescriptor = SYSTEM::OpenFile(name, SYSTEM::Access::kRead, mError);
+        if (mError == ENOENT)
         {
             mIsDirectory = true;
-            mPlace = DirectoryOf(name);
-            mDescriptor = Descriptor(open(mPlace.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            mPlace = SYSTEM::DirectoryOf(SYSTEM::FollowLinks(name));
+            mDescriptor = SYSTEM::OpenDirectory(mPlace, mError);
         }
-        mError = mDescriptor && fstat(mDescriptor.Get(), &mStatus) == 0 ? 0 : errno;
+        if (mError == 0)
+            mError = SYSTEM::ReadStatus(mDescriptor.Get(), mStatus);
     }
 
-    /// The system's number of why there is nothing to lock, or 0.
-    int Error() const { return mError; }
+    /// Why there is nothing to lock, or 0.
+    ErrorNumber Error() const { return mError; }
     bool IsDirectory() const { return mIsDirectory; }
 
     /// Whether the name still leads here.
     bool IsCurrent(std::string const& name) const
     {
-        struct stat status;
-        if (mIsDirectory && (stat(name.c_str(), &status) == 0 || errno != ENOENT))
+        SYSTEM::Status status;
+        if (mIsDirectory && SYSTEM::ReadStatus(name, status) != ENOENT)
             return false;
-        return stat(mPlace.c_str(), &status) == 0 && IsSameFile(status, mStatus);
+        return SYSTEM::ReadStatus(mPlace, status) == 0 && status.identity == mStatus.identity;
     }
 
-    /// 0, or the system's number.
-    int TryLock() { return flock(mDescriptor.Get(), LOCK_EX | LOCK_NB) == 0 ? 0 : errno; }
+    ErrorNumber TryLock() { return SYSTEM::TryLock(mDescriptor.Get(), SYSTEM::LockKind::kExclusive); }
 
     /// Whether it is somebody with a lock to share who keeps us away: one that has opened the file to write.
     bool IsShared()
     {
-        bool const isShared = flock(mDescriptor.Get(), LOCK_SH | LOCK_NB) == 0;
+        bool const isShared = SYSTEM::TryLock(mDescriptor.Get(), SYSTEM::LockKind::kShared) == 0;
         if (isShared)
-            flock(mDescriptor.Get(), LOCK_UN);
+            SYSTEM::Unlock(mDescriptor.Get());
         return isShared;
     }
 
-    Descriptor Take() { return std::move(mDescriptor); }
+    SYSTEM::Descriptor Take() { return std::move(mDescriptor); }
 
 private:
-    Descriptor mDescriptor;
-    fs::path mPlace;
-    struct stat mStatus = {};
-    int mError = 0;
+    ErrorNumber mError = 0;
+    SYSTEM::Descriptor mDescriptor;
+    std::string mPlace;
+    SYSTEM::Status mStatus;
     bool mIsDirectory = false;
 };
 } // namespace
 
-ErrCode FileAccess::Failed(int systemError)
+ErrCode FileAccess::Failed(ErrorNumber systemError)
 {
-    mSystemError = errno = systemError;
-    return StatusOfErrno();
+    mSystemError = systemError;
+    return StatusOf(systemError);
 }
 
 ErrCode FileAccess::Lock(STRING::CoreString const& path, uint32 waitMilliseconds)
@@ -126,8 +103,8 @@ ErrCode FileAccess::Lock(STRING::CoreString const& path, uint32 waitMilliseconds
             ErrCode const status = Failed(target.Error());
             return target.IsDirectory() && status == kNotPermitted ? kNoLocks : status;
         }
-        int const error = target.TryLock();
-        if (error != 0 && error != EWOULDBLOCK && error != EINTR)
+        ErrorNumber const error = target.TryLock();
+        if (error != 0 && error != EWOULDBLOCK)
         {
             mSystemError = error;
             return kNoLocks;
@@ -153,8 +130,8 @@ void FileAccess::Unlock()
 {
     // A forked process shares the descriptor, and with it the lock.
     if (mLocked)
-        flock(mLocked.Get(), LOCK_UN);
-    mLocked = Descriptor(-1);
+        SYSTEM::Unlock(mLocked.Get());
+    mLocked = SYSTEM::Descriptor();
 }
 
 ErrCode FileAccess::TryOpen(STRING::CoreString const& path, bool8 forWriting)
@@ -163,7 +140,9 @@ ErrCode FileAccess::TryOpen(STRING::CoreString const& path, bool8 forWriting)
     if (name.empty())
         return Failed(ENOENT);
     mSystemError = 0;
-    Descriptor const opened(open(name.c_str(), (forWriting ? O_RDWR : O_RDONLY) | kAnyOpening));
-    return opened ? kDone : Failed(errno);
+    SYSTEM::Access const access = forWriting ? SYSTEM::Access::kReadWrite : SYSTEM::Access::kRead;
+    ErrorNumber error = 0;
+    SYSTEM::Descriptor const opened = SYSTEM::OpenFile(name, access, error);
+    return opened ? kDone : Failed(error);
 }
 } // namespace KORVA::FILE_SYS

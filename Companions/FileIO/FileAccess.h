@@ -1,7 +1,7 @@
 // Locks by name, on whatever file the name stands for.
 #pragma once
 
-#include "Descriptor.h"
+#include "System/Descriptor.h"
 #include <tessio/FileIO/IFileAccess.h>
 #include <tessio/ObjectModel/TObject.h>
 
@@ -19,9 +19,9 @@ protected:
     ~FileAccess() override { Unlock(); }
 
 private:
-    ErrCode Failed(int systemError);
+    ErrCode Failed(SYSTEM::ErrorNumber systemError);
 
-    Descriptor mLocked{-1};
-    int mSystemError = 0;
+    SYSTEM::Descriptor mLocked;
+    SYSTEM::ErrorNumber mSystemError = 0;
 };
 } // namespace KORVA::FILE_SYS

@@ -45,6 +45,4 @@ ErrCode StatusOf(SYSTEM::ErrorNumber error)
         return kFailed;
     }
 }
-
-ErrCode StatusOfErrno() { return StatusOf(errno); }
 } // namespace KORVA::FILE_SYS

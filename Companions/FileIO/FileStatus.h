@@ -8,7 +8,4 @@ namespace KORVA::FILE_SYS
 {
 /// The status for a failure of the system's; 0 for none.
 ErrCode StatusOf(SYSTEM::ErrorNumber error);
-
-/// The status for the calling thread's `errno`.
-ErrCode StatusOfErrno();
 } // namespace KORVA::FILE_SYS

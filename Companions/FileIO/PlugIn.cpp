@@ -20,7 +20,8 @@ IClassFactory* sFactory = nullptr;
 
 extern "C" TESSIO_EXPORT int KorvaPlugInInit(COREREGISTRY::ICoreRegistry* registry)
 {
-    if (!registry)
+    // A host that knows the file by two names may come twice.
+    if (!registry || sFactory)
         return kIllegalArgument;
     sFactory = new FileFactory;
     return registry->RegisterFactory(sFactory);

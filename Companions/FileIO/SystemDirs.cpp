@@ -1,13 +1,10 @@
 #include "SystemDirs.h"
 
+#include "System/User.h"
 #include "UserDirs.h"
-
-#include <pwd.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <string_view>
-#include <vector>
 
 namespace KORVA::FILE_SYS
 {
@@ -43,22 +40,12 @@ std::string FirstFromEnvironment(char const* variable)
     return {};
 }
 
-std::string HomeFromUserDatabase()
-{
-    constexpr std::size_t kRoom = 16384;
-    std::vector<char> room(kRoom);
-    passwd entry{};
-    passwd* found = nullptr;
-    if (getpwuid_r(getuid(), &entry, room.data(), room.size(), &found) != 0 || !found || !found->pw_dir ||
-        *found->pw_dir != '/')
-        return {};
-    return Trimmed(found->pw_dir);
-}
-
 std::string Home()
 {
     std::string home = FromEnvironment("HOME");
-    return home.empty() ? HomeFromUserDatabase() : home;
+    if (home.empty())
+        home = Trimmed(SYSTEM::HomeInUserDatabase());
+    return home.starts_with('/') ? home : std::string();
 }
 
 std::string Below(std::string const& directory, char const* name)

@@ -1,14 +1,11 @@
 #include "OtherThreads.h"
 
-#include <unistd.h>
+#include "System/Threads.h"
 
-#include <charconv>
+#include <algorithm>
 #include <chrono>
-#include <ctime>
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <thread>
+#include <vector>
 
 namespace KORVA::HOST
 {
@@ -21,37 +18,13 @@ constexpr auto kPause = 200us;
 /// For a thread that wants to run and may not.
 constexpr int kMostPauses = 50'000;
 
-constexpr char kThreads[] = "/proc/self/task";
-
-/// How long the thread has run, ever; negative when it has ended.
-std::chrono::nanoseconds TimeOf(pid_t thread)
+bool LetLeave(SYSTEM::ThreadNumber thread)
 {
-    // How the kernel makes a thread's clock of its number.
-    auto const clock = static_cast<clockid_t>((~static_cast<unsigned>(thread) << 3) | 6u);
-    timespec time{};
-    if (clock_gettime(clock, &time) != 0)
-        return -1ns;
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
-/// Whether it runs or could.
-bool IsRunning(pid_t thread)
-{
-    std::ifstream in(std::string(kThreads) + "/" + std::to_string(thread) + "/stat");
-    std::string line;
-    std::getline(in, line);
-    // "17 (a name) R 1 …"; the name may have anything in it.
-    std::size_t const name = line.rfind(") ");
-    return name != std::string::npos && line[name + 2] == 'R';
-}
-
-bool LetLeave(pid_t thread)
-{
-    std::chrono::nanoseconds const before = TimeOf(thread);
+    std::chrono::nanoseconds const before = SYSTEM::RunTimeOf(thread);
     for (int pauses = 0; pauses < kMostPauses; ++pauses)
     {
-        std::chrono::nanoseconds const now = TimeOf(thread);
-        if (now < 0ns || now - before >= kEnoughTime || !IsRunning(thread))
+        std::chrono::nanoseconds const now = SYSTEM::RunTimeOf(thread);
+        if (now < 0ns || now - before >= kEnoughTime || !SYSTEM::IsRunning(thread))
             return true;
         std::this_thread::sleep_for(kPause);
     }
@@ -61,15 +34,7 @@ bool LetLeave(pid_t thread)
 
 bool LetOtherThreadsLeave()
 {
-    std::error_code error;
-    for (std::filesystem::directory_iterator i(kThreads, error), end; !error && i != end; i.increment(error))
-    {
-        std::string const name = i->path().filename().string();
-        pid_t thread = 0;
-        std::from_chars(name.data(), name.data() + name.size(), thread);
-        if (thread != gettid() && !LetLeave(thread))
-            return false;
-    }
-    return !error;
+    std::vector<SYSTEM::ThreadNumber> threads;
+    return SYSTEM::ListOtherThreads(threads) == 0 && std::ranges::all_of(threads, &LetLeave);
 }
 } // namespace KORVA::HOST

@@ -28,7 +28,7 @@ public:
 private:
     bool Has(std::type_info const& type) const override { return mRange.Has(&type); }
 
-    MemoryRange const mRange;
+    SYSTEM::MemoryRange const mRange;
     COREREGISTRY::IFactoryGate& mGate;
 };
 

@@ -2,15 +2,10 @@
 
 #include "LinkedObjects.h"
 
-#include <dlfcn.h>
-#include <link.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <mutex>
 #include <set>
-#include <span>
-#include <string_view>
 #include <utility>
 
 namespace KORVA::HOST
@@ -21,64 +16,35 @@ namespace
 /// it.
 std::string Located(std::string const& file)
 {
-    Dl_info self;
-    if (file.find('/') != std::string::npos || dladdr(reinterpret_cast<void*>(&Located), &self) == 0)
+    std::string const self = SYSTEM::FileAround(reinterpret_cast<void const*>(&Located));
+    if (file.find('/') != std::string::npos || self.empty())
         return file;
     std::error_code error;
-    std::filesystem::path const beside = std::filesystem::path(self.dli_fname).parent_path() / file;
+    std::filesystem::path const beside = std::filesystem::path(self).parent_path() / file;
     return std::filesystem::exists(beside, error) ? beside.string() : file;
 }
 
-link_map const* MapOf(void* handle)
-{
-    link_map* map = nullptr;
-    return handle && dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 ? map : nullptr;
-}
-
-MemoryRange RangeOf(link_map const& map)
-{
-    struct Search
-    {
-        std::string_view name;
-        std::uintptr_t base;
-        MemoryRange range;
-    } search{map.l_name, map.l_addr, {}};
-    dl_iterate_phdr(
-        [](dl_phdr_info* info, std::size_t, void* data) {
-            Search& sought = *static_cast<Search*>(data);
-            if (info->dlpi_addr != sought.base || info->dlpi_name != sought.name)
-                return 0;
-            for (auto const& part : std::span(info->dlpi_phdr, info->dlpi_phnum))
-                if (part.p_type == PT_LOAD)
-                    sought.range.end = std::max(sought.range.end, sought.base + part.p_vaddr + part.p_memsz);
-            sought.range.begin = sought.base;
-            return 1;
-        },
-        &search);
-    return search.range;
-}
-
-/// Handles that nobody answers for any more. Each keeps its file in memory. Never destroyed: a host may end
+/// Loadings that nobody answers for any more. Each keeps its file in memory. Never destroyed: a host may end
 /// last.
-struct LeftHandles
+struct LeftObjects
 {
     std::mutex mutex;
-    std::multiset<void*> handles;
+    std::multiset<SYSTEM::LoadedObject> objects;
 };
 
-LeftHandles& Left()
+LeftObjects& Left()
 {
-    static LeftHandles& sLeft = *new LeftHandles;
+    static LeftObjects& sLeft = *new LeftObjects;
     return sLeft;
 }
 
-/// The same file, loaded again, has the same handle: one that was left is worth nothing then.
-void CloseLeft(void* handle)
+/// The same file, loaded again, is the same object: a loading that was left is worth nothing then.
+void CloseLeft(SYSTEM::LoadedObject object)
 {
-    LeftHandles& left = Left();
+    LeftObjects& left = Left();
     std::lock_guard const lock(left.mutex);
-    for (std::size_t count = left.handles.erase(handle); count > 0; --count)
-        dlclose(handle);
+    for (std::size_t count = left.objects.erase(object); count > 0; --count)
+        SYSTEM::CloseObject(object);
 }
 } // namespace
 
@@ -89,48 +55,43 @@ bool SharedObject::Load(std::string const& file, std::string& error)
         mLinked = file;
         return true;
     }
-    mHandle = dlopen(Located(file).c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!mHandle)
-        error = dlerror();
-    CloseLeft(mHandle);
-    link_map const* const map = MapOf(mHandle);
-    mRange = map ? RangeOf(*map) : MemoryRange();
-    return mHandle != nullptr;
+    mObject = SYSTEM::LoadObject(Located(file), error);
+    if (!mObject)
+        return false;
+    CloseLeft(mObject);
+    mRange = SYSTEM::RangeOf(mObject);
+    return true;
 }
 
 bool SharedObject::Unload()
 {
     mLinked.clear();
     mRange = {};
-    void* const handle = std::exchange(mHandle, nullptr);
-    link_map const* const map = MapOf(handle);
-    if (!map)
+    SYSTEM::LoadedObject const object = std::exchange(mObject, nullptr);
+    if (!object)
         return true;
-    std::string const name = map->l_name;
-    dlclose(handle);
-    void* const left = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    if (left)
-        dlclose(left);
-    return !left;
+    std::string const name = SYSTEM::NameOf(object);
+    SYSTEM::CloseObject(object);
+    return name.empty() || !SYSTEM::IsLoaded(name);
 }
 
 void SharedObject::LeaveLoaded()
 {
     mLinked.clear();
     mRange = {};
-    void* const handle = std::exchange(mHandle, nullptr);
-    if (!handle)
+    SYSTEM::LoadedObject const object = std::exchange(mObject, nullptr);
+    if (!object)
         return;
-    LeftHandles& left = Left();
+    LeftObjects& left = Left();
     std::lock_guard const lock(left.mutex);
-    left.handles.insert(handle);
+    left.objects.insert(object);
 }
 
 SharedObject::AnyFunction* SharedObject::Symbol(char const* name) const
 {
-    if (mHandle)
+    if (mObject)
     {
-        void* const found = dlsym(mHandle, name);
+        void* const found = SYSTEM::FindSymbol(mObject, name);
         return mRange.Has(found) ? reinterpret_cast<AnyFunction*>(found) : nullptr;
     }
     for (LinkedFunction const& linked : LinkedFunctions())

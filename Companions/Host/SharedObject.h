@@ -1,24 +1,12 @@
 // A loaded shared object, or what the program itself has of it.
 #pragma once
 
-#include <cstdint>
+#include "System/Loading.h"
+
 #include <string>
 
 namespace KORVA::HOST
 {
-/// Where code and constants lie in memory.
-struct MemoryRange
-{
-    std::uintptr_t begin = 0;
-    std::uintptr_t end = 0;
-
-    bool Has(void const* address) const
-    {
-        auto const value = reinterpret_cast<std::uintptr_t>(address);
-        return value >= begin && value < end;
-    }
-};
-
 /// Either `Unload` or `LeaveLoaded` must end it.
 class SharedObject
 {
@@ -32,7 +20,7 @@ public:
     void LeaveLoaded();
 
     /// Empty where nothing was loaded.
-    MemoryRange const& Range() const { return mRange; }
+    SYSTEM::MemoryRange const& Range() const { return mRange; }
 
     /// The function of that name, or null. Those of what it was linked to are not its own.
     template <class Function>
@@ -46,8 +34,8 @@ private:
 
     AnyFunction* Symbol(char const* name) const;
 
-    void* mHandle = nullptr;
-    MemoryRange mRange;
+    SYSTEM::LoadedObject mObject = nullptr;
+    SYSTEM::MemoryRange mRange;
     /// The file's name, when it is linked into the program.
     std::string mLinked;
 };

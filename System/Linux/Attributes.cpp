@@ -2,7 +2,6 @@
 
 #include "AccessList.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -62,20 +61,6 @@ void KeepExtended(int from, int to, NotKept& notKept)
             notKept.push_back("extended attribute " + name);
     }
 }
-
-/// The two dates that the system takes, of which the first stays.
-struct ModificationDate
-{
-    explicit ModificationDate(std::uint64_t date)
-    {
-        constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
-        both[0].tv_nsec = UTIME_OMIT;
-        both[1].tv_sec = static_cast<time_t>(date / kNanosecondsPerSecond);
-        both[1].tv_nsec = static_cast<long>(date % kNanosecondsPerSecond);
-    }
-
-    timespec both[2] = {};
-};
 
 /// Both group and others may do what both might.
 mode_t NarrowedForOtherGroup(mode_t mode)
@@ -140,26 +125,5 @@ ErrorNumber CopyPermissions(int from, int to, NotKept& notKept)
     if (fstat(from, &status) != 0)
         return errno;
     return SetPermissions(from, to, status.st_mode & mode_t{S_IRWXU | S_IRWXG | S_IRWXO}, false, notKept);
-}
-
-ErrorNumber CopyDates(int from, int to)
-{
-    struct stat status;
-    if (fstat(from, &status) != 0)
-        return errno;
-    timespec const times[2] = {status.st_atim, status.st_mtim};
-    return futimens(to, times) == 0 ? 0 : errno;
-}
-
-ErrorNumber SetModified(int to, std::uint64_t date)
-{
-    ModificationDate const times(date);
-    return futimens(to, times.both) == 0 ? 0 : errno;
-}
-
-ErrorNumber SetModified(std::string const& path, std::uint64_t date)
-{
-    ModificationDate const times(date);
-    return utimensat(AT_FDCWD, path.c_str(), times.both, 0) == 0 ? 0 : errno;
 }
 } // namespace KORVA::SYSTEM

@@ -1,29 +1,23 @@
 #include "System/CopyData.h"
 
+#include "../Posix/Retry.h"
 #include "System/Transfer.h"
 
 #include <sys/sendfile.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 
 namespace KORVA::SYSTEM
 {
 namespace
 {
-/// What a call of the kernel's copied, or `-errno`. Never interrupted.
+/// What a call of the kernel's copied, or `-errno`.
 template <class Call>
-ssize_t Repeated(Call call)
+ssize_t Copied(Call call)
 {
-    for (;;)
-    {
-        ssize_t const copied = call();
-        if (copied >= 0)
-            return copied;
-        if (errno != EINTR)
-            return -errno;
-    }
+    ssize_t const copied = Uninterrupted(call);
+    return copied >= 0 ? copied : -errno;
 }
 
 /// Where the kernel copies nothing itself. Small pieces: such files are small.
@@ -44,12 +38,12 @@ ErrorNumber CopyThroughMemory(int from, int to, std::uint64_t& count)
 ErrorNumber CopySome(int from, int to, std::uint64_t& count)
 {
     auto const wanted = static_cast<std::size_t>(count);
-    ssize_t copied = Repeated([&] { return copy_file_range(from, nullptr, to, nullptr, wanted, 0); });
+    ssize_t copied = Copied([&] { return copy_file_range(from, nullptr, to, nullptr, wanted, 0); });
     bool const isRefused = copied == -EXDEV || copied == -EINVAL || copied == -ENOSYS ||
                            copied == -EOPNOTSUPP || copied == -EPERM || copied == -EBADF;
     // Files of the kernel's own (under /proc, say) claim the size 0 and copy nothing this way.
     if (isRefused || copied == 0)
-        copied = Repeated([&] { return sendfile(to, from, nullptr, wanted); });
+        copied = Copied([&] { return sendfile(to, from, nullptr, wanted); });
     if (copied == -EINVAL || copied == -ENOSYS)
         return CopyThroughMemory(from, to, count);
     count = copied < 0 ? 0 : static_cast<std::uint64_t>(copied);

@@ -2,6 +2,7 @@
 
 #include "System/CopyData.h"
 #include "System/Files.h"
+#include "System/Times.h"
 
 #include <sys/stat.h>
 

@@ -1,58 +1,74 @@
 #include "System/Files.h"
 
+#include "Retry.h"
+#include "System/Paths.h"
 #include "System/Transfer.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <cstdio>
 
 namespace KORVA::SYSTEM
 {
-Descriptor OpenFile(std::string const& path, Access access, ErrorNumber& error)
+namespace
 {
-    int const way = access == Access::kRead ? O_RDONLY : access == Access::kReadWrite ? O_RDWR : O_PATH;
-    Descriptor opened(open(path.c_str(), way | O_NONBLOCK | O_CLOEXEC));
+int FlagsOf(Access access)
+{
+    switch (access)
+    {
+    case Access::kRead:
+        return O_RDONLY;
+    case Access::kWrite:
+        return O_WRONLY;
+    case Access::kReadWrite:
+        return O_RDWR;
+    }
+    return O_RDONLY;
+}
+
+Descriptor Open(std::string const& path, int flags, ErrorNumber& error)
+{
+    Descriptor opened(Uninterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC, 0666); }));
     error = opened ? 0 : errno;
     return opened;
 }
+} // namespace
 
-std::string PathThrough(Descriptor const& descriptor)
+Descriptor OpenFile(std::string const& path, Access access, ErrorNumber& error)
 {
-    std::string path = "/proc/self/fd/" + std::to_string(descriptor.Get());
-    struct stat through;
-    struct stat itself;
-    bool const isThere = stat(path.c_str(), &through) == 0 && fstat(descriptor.Get(), &itself) == 0 &&
-                         through.st_dev == itself.st_dev && through.st_ino == itself.st_ino;
-    return isThere ? path : std::string();
+    return Open(path, FlagsOf(access) | O_NONBLOCK | O_NOCTTY, error);
+}
+
+Descriptor OpenDirectory(std::string const& path, ErrorNumber& error)
+{
+    return Open(path, O_RDONLY | O_DIRECTORY, error);
 }
 
 ErrorNumber MakeFile(std::string const& path)
 {
-    Descriptor made(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    return made || errno == EEXIST ? 0 : errno;
+    ErrorNumber error = 0;
+    static_cast<void>(Open(path, O_WRONLY | O_CREAT | O_EXCL, error));
+    return error;
 }
 
 ErrorNumber RemoveFile(std::string const& path) { return unlink(path.c_str()) == 0 ? 0 : errno; }
 
+ErrorNumber RenameFile(std::string const& from, std::string const& to)
+{
+    return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
 ErrorNumber FlushDirectoryOf(std::string const& path)
 {
-    Descriptor const directory(open(DirectoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return directory ? FlushNames(directory) : errno;
+    ErrorNumber error = 0;
+    Descriptor const directory = OpenDirectory(DirectoryOf(path), error);
+    return directory ? FlushNames(directory) : error;
 }
 
 ErrorNumber FlushNames(Descriptor const& directory)
 {
     ErrorNumber const error = FlushToDevice(directory.Get());
     return error == EINVAL || error == EROFS ? 0 : error;
-}
-
-std::string DirectoryOf(std::string const& path)
-{
-    std::size_t const slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
 }
 } // namespace KORVA::SYSTEM

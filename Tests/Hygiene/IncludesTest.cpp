@@ -24,8 +24,10 @@ struct Area
 {
     std::string folder;
     std::set<std::string> mayInclude;
-    /// Whether it may use the system and packaged libraries.
-    bool system = false;
+    /// How the headers of the packaged libraries begin that it may include.
+    std::vector<std::string> libraries = {};
+    /// Whether it is where the operating system is called, or a project of its own.
+    bool mayCallSystem = false;
 };
 
 std::set<std::string> SDK(std::set<std::string> const& folders)
@@ -56,6 +58,7 @@ std::set<std::string> const kWholeSDK = With(With(kCompanions, kSDK + "TessIO"),
 std::set<std::string> const kPrograms = With(kWholeSDK, kSDK + "Cxx");
 // The interfaces whose numbers stand in files, and what is below them.
 std::set<std::string> const kRecordsBasis = SDK({"ObjectModel", "CoreString", "FileIO", "TessIO"});
+std::vector<std::string> const kRecordsLibraries = {"fmt/", "nlohmann/"};
 std::set<std::string> const kRecordsTree = With(kRecordsBasis, "Records/Format");
 std::set<std::string> const kRecordsWork = With(kRecordsTree, "Records/Tree");
 
@@ -72,25 +75,25 @@ std::vector<Area> const kAreas = {
     {kLibrary, With(With(kCompanions, kSDK + "TessIO"), "Platform/Headers")},
     {"Core/Common/Constructs/UniCharUtils", With(SDK({"ObjectModel", "Logger"}), "Platform/Headers")},
     {"Platform/Headers", {}},
-    {"Platform/Posix", {"Platform/Headers"}, true},
+    {"Platform/Source", {"Platform/Headers", "System/Headers"}, {"unicode/"}},
     {"System/Headers", {}},
-    {"System/Posix", {"System/Headers"}, true},
-    {"System/Linux", {"System/Headers"}, true},
-    {"Companions/CoreRegistry", With(kCompanions, kSDK + "Host"), true},
-    {"Companions/CoreString", With(kCompanions, kSDK + "Host"), true},
-    {"Companions/FileIO", With(With(kCompanions, kSDK + "Host"), "System/Headers"), true},
-    {"Companions/Logger", With(kCompanions, kSDK + "Host"), true},
-    {"Companions/Host", kWholeSDK, true},
-    {"Records/Format", kRecordsBasis, true},
-    {"Records/Tree", kRecordsTree, true},
-    {"Records/Dump", kRecordsWork, true},
-    {"Records/Edit", With(kRecordsWork, "Records/Dump"), true},
-    {"Records/Salvage", kRecordsWork, true},
-    {"Tools", With(WithRecords(kPrograms), "System/Headers"), true},
-    {"Examples", WithRecords(kPrograms), true},
+    {"System/Posix", {"System/Headers"}, {}, true},
+    {"System/Linux", {"System/Headers", "System/Posix"}, {}, true},
+    {"Companions/CoreRegistry", With(kCompanions, kSDK + "Host")},
+    {"Companions/CoreString", With(kCompanions, kSDK + "Host"), {"unicode/"}},
+    {"Companions/FileIO", With(With(kCompanions, kSDK + "Host"), "System/Headers")},
+    {"Companions/Logger", With(kCompanions, kSDK + "Host"), {"spdlog/"}},
+    {"Companions/Host", With(kWholeSDK, "System/Headers")},
+    {"Records/Format", kRecordsBasis, kRecordsLibraries},
+    {"Records/Tree", kRecordsTree, kRecordsLibraries},
+    {"Records/Dump", kRecordsWork, kRecordsLibraries},
+    {"Records/Edit", With(kRecordsWork, "Records/Dump"), kRecordsLibraries},
+    {"Records/Salvage", kRecordsWork, kRecordsLibraries},
+    {"Tools", With(WithRecords(kPrograms), "System/Headers"), {"CLI/", "fmt/", "nlohmann/"}},
+    {"Examples", WithRecords(kPrograms), {}, true},
 };
 
-/// The headers of the language's own library.
+/// The headers of the language's own library, but for signals, which are the system's to send and to hold.
 bool IsStandard(std::string const& header)
 {
     static std::set<std::string> const kHeaders = {"algorithm",
@@ -118,7 +121,6 @@ bool IsStandard(std::string const& header)
                                                    "condition_variable",
                                                    "coroutine",
                                                    "csetjmp",
-                                                   "csignal",
                                                    "cstdarg",
                                                    "cstddef",
                                                    "cstdint",
@@ -241,8 +243,12 @@ std::string Objection(std::string const& file, std::string const& header)
     if (IsStandard(header))
         return "";
     std::string const target = Resolve(file, header);
+    auto const begins = [&header](std::string const& library) { return header.starts_with(library); };
     if (target.empty())
-        return area->system ? "" : "neither the standard library's nor the project's";
+        return area->mayCallSystem || std::ranges::any_of(area->libraries, begins)
+                   ? ""
+                   : "neither the standard library's, nor the project's, nor of a library named for its "
+                     "folder";
     Area const* const other = AreaOf(target);
     if (!other)
         return "outside every folder with a rule";
@@ -408,20 +414,38 @@ Row const kRows[] = {
      true},
     {"SDKFromThePlatform", "Platform/Headers/Platform/X.h", "tessio/ObjectModel/Types.h", false},
     {"SystemFromThePlatformsContract", "Platform/Headers/Platform/X.h", "dirent.h", false},
-    {"SystemFromThePlatform", "Platform/Posix/X.cpp", "dirent.h", true},
-    {"SDKFromThePlatformsImplementation", "Platform/Posix/X.cpp", "tessio/ObjectModel/Types.h", false},
+    {"SystemFromThePlatform", "Platform/Source/X.cpp", "dirent.h", false},
+    {"SystemsContractFromThePlatform", "Platform/Source/X.cpp", "System/Files.h", true},
+    {"SystemsContractFromThePlatformsContract", "Platform/Headers/Platform/X.h", "System/Files.h", false},
+    {"IcuFromThePlatform", "Platform/Source/X.cpp", "unicode/ustring.h", true},
+    {"LoggingLibraryFromThePlatform", "Platform/Source/X.cpp", "spdlog/logger.h", false},
+    {"SDKFromThePlatformsImplementation", "Platform/Source/X.cpp", "tessio/ObjectModel/Types.h", false},
     {"SDKFromTheSystem", "System/Headers/System/X.h", "tessio/ObjectModel/Types.h", false},
     {"OSFromTheSystemsContract", "System/Headers/System/X.h", "unistd.h", false},
     {"OSFromTheSystem", "System/Posix/X.cpp", "unistd.h", true},
+    {"SignalsFromTheSystem", "System/Posix/X.cpp", "csignal", true},
+    {"PosixFromLinux", "System/Linux/X.cpp", "../Posix/Retry.h", true},
+    {"LinuxFromPosix", "System/Posix/X.cpp", "../Linux/AccessList.h", false},
     {"SystemsContractFromTheSystem", "System/Linux/X.cpp", "System/Files.h", true},
     {"SDKFromTheSystemsImplementation", "System/Linux/X.cpp", "tessio/ObjectModel/Types.h", false},
     {"SystemsContractFromTheLibrary", kLibrary + "/X.cpp", "System/Files.h", false},
     {"SystemsContractFromTheFiles", "Companions/FileIO/X.cpp", "System/Files.h", true},
+    {"SystemsContractFromTheHost", "Companions/Host/X.cpp", "System/Loading.h", true},
+    {"SystemsContractFromTheRegistry", "Companions/CoreRegistry/X.cpp", "System/Files.h", false},
     {"SystemsContractFromATool", "Tools/tessio/X.cpp", "System/Files.h", true},
+    {"SystemFromTheFiles", "Companions/FileIO/X.cpp", "sys/stat.h", false},
+    {"SystemFromTheHost", "Companions/Host/X.cpp", "dlfcn.h", false},
+    {"SystemFromATool", "Tools/tessio/X.cpp", "unistd.h", false},
+    {"SignalsFromATool", "Tools/tessio/X.cpp", "csignal", false},
+    {"ErrorNumbersFromATool", "Tools/tessio/X.cpp", "cerrno", true},
+    {"SystemFromAnExample", "Examples/host/X.cpp", "unistd.h", true},
     {"LibraryFromACompanionsSource", "Companions/FileIO/X.cpp", "tessio/TessIO/IURI.h", false},
     {"PlatformFromACompanionsSource", "Companions/FileIO/X.cpp", "Platform/URL.h", false},
     {"AnotherCompanionsSource", "Companions/FileIO/X.cpp", "../Logger/LogFile.h", false},
     {"PackagedLibraryFromACompanion", "Companions/Logger/X.cpp", "spdlog/logger.h", true},
+    {"PackagedLibraryOfAnotherCompanion", "Companions/FileIO/X.cpp", "spdlog/logger.h", false},
+    {"PackagedLibraryFromATool", "Tools/tessio/X.cpp", "nlohmann/json.hpp", true},
+    {"PackagedLibraryOfACompanionFromATool", "Tools/tessio/X.cpp", "unicode/ustring.h", false},
     {"LayerFromTheLibrary", kLibrary + "/X.cpp", "tessio/Cxx/Dictionary.h", false},
     {"LayerFromACompanionsSource", "Companions/Host/X.cpp", "tessio/Cxx/Dictionary.h", false},
     {"LayerFromAnExample", "Examples/host/X.cpp", "tessio/Cxx/Dictionary.h", true},

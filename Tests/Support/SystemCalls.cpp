@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <cstdarg>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -33,6 +35,8 @@ bool HasFailed(Call call, std::size_t& count)
     int const error = ErrorOf(call);
     if (error == kShort && count > 1)
         count /= 2;
+    if (error == kTakesNothing)
+        count = 0;
     if (error <= 0)
         return false;
     errno = error;
@@ -83,6 +87,65 @@ extern "C" [[gnu::visibility("default")]] ssize_t write(int descriptor, void con
     if (sFaults && IsRegular(descriptor) && HasFailed(Call::kWrite, count))
         return -1;
     return syscall(SYS_write, descriptor, data, count);
+}
+
+extern "C" [[gnu::visibility("default")]] ssize_t pread(int descriptor, void* data, std::size_t count,
+                                                        off_t at)
+{
+    if (HasFailed(Call::kReadAt, count))
+        return -1;
+    return syscall(SYS_pread64, descriptor, data, count, at);
+}
+
+extern "C" [[gnu::visibility("default")]] ssize_t pwrite(int descriptor, void const* data, std::size_t count,
+                                                         off_t at)
+{
+    if (HasFailed(Call::kWriteAt, count))
+        return -1;
+    return syscall(SYS_pwrite64, descriptor, data, count, at);
+}
+
+extern "C" [[gnu::visibility("default")]] int openat(int directory, char const* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    mode_t const mode = flags & O_CREAT ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    if (HasFailed(Call::kOpen))
+        return -1;
+    return static_cast<int>(syscall(SYS_openat, directory, path, flags, mode));
+}
+
+extern "C" [[gnu::visibility("default")]] int open(char const* path, int flags, ...)
+{
+    va_list rest;
+    va_start(rest, flags);
+    mode_t const mode = flags & O_CREAT ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    return openat(AT_FDCWD, path, flags, mode);
+}
+
+extern "C" [[gnu::visibility("default")]] int ftruncate(int descriptor, off_t size) noexcept
+{
+    if (HasFailed(Call::kSetSize))
+        return -1;
+    return static_cast<int>(syscall(SYS_ftruncate, descriptor, size));
+}
+
+extern "C" [[gnu::visibility("default")]] int fdatasync(int descriptor)
+{
+    if (HasFailed(Call::kFlushContent))
+        return -1;
+    return static_cast<int>(syscall(SYS_fdatasync, descriptor));
+}
+
+extern "C" [[gnu::visibility("default")]] int sigtimedwait(sigset_t const* signals, siginfo_t* what,
+                                                           timespec const* time)
+{
+    if (HasFailed(Call::kTakeSignal))
+        return -1;
+    // The kernel's own sets have a bit for each signal.
+    return static_cast<int>(syscall(SYS_rt_sigtimedwait, signals, what, time, _NSIG / 8));
 }
 
 extern "C" [[gnu::visibility("default")]] ssize_t

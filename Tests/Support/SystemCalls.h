@@ -7,16 +7,22 @@
 
 namespace KORVA::TESTS
 {
-/// Reading, writing and flushing count for regular files alone.
+/// Reading, writing and flushing at the descriptor's position count for regular files alone.
 enum class Call
 {
+    kOpen,
     kRead,
     kWrite,
+    kReadAt,
+    kWriteAt,
     kCopyFileRange,
     kSendFile,
     kStat,
     kFlushFile,
+    kFlushContent,
     kFlushDirectory,
+    kSetSize,
+    kTakeSignal,
     kRename,
     kSetAttribute
 };
@@ -24,11 +30,13 @@ enum class Call
 constexpr int kForEver = 1 << 30;
 /// Half of the bytes are moved, at least one.
 constexpr int kShort = -1;
+/// Nothing is moved, and nothing said.
+constexpr int kTakesNothing = -2;
 
 struct Fault
 {
     Call call;
-    /// The system's number, or `kShort`.
+    /// The system's number, `kShort` or `kTakesNothing`.
     int error;
     /// The first call that fails, counted from 1, and how many do.
     int first = 1;

@@ -117,6 +117,22 @@ TEST_F(ReplacementSteps, ATemporaryIsReachedByAPathOfItsOwn)
     EXPECT_EQ(Content(file.Path()), "text");
 }
 
+// The directory and the old file are opened before the temporary is.
+
+TEST_F(ReplacementSteps, ANameThatIsTakenIsNotUsed)
+{
+    Faults const faults({{Call::kOpen, ENOENT, 2}, {Call::kOpen, EEXIST, 3, 5}});
+    Replacement const file(Path("a"));
+    EXPECT_EQ(file.Error(), 0);
+    EXPECT_EQ(Names().size(), 1u);
+}
+
+TEST_F(ReplacementSteps, WhereAllNamesAreTakenThereIsNoTemporary)
+{
+    Faults const faults({{Call::kOpen, EEXIST, 3, kForEver}});
+    EXPECT_EQ(Replacement(Path("a")).Error(), EEXIST);
+}
+
 TEST_F(ReplacementSteps, ALongNameIsNotCutWithinACharacter)
 {
     std::string name = "n";

@@ -2,20 +2,14 @@
 
 #include "Failure.h"
 #include "Output.h"
+#include "System/Memory.h"
+#include "System/Terminal.h"
 #include <tessio/CoreRegistry/CoreRegistry.h>
 #include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/IURIAuthenticationChallenge.h>
 #include <tessio/TessIO/ResultCodes.h>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <string.h>
-#include <termios.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <system_error>
 #include <utility>
@@ -58,94 +52,12 @@ std::string WordsOf(int detail)
     }
 }
 
-volatile std::sig_atomic_t sInterrupted = 0;
-
-/// A terminal that does not show what is typed, until it is as it was before, whatever interrupts.
-class SilentTerminal
-{
-public:
-    SilentTerminal() : mDescriptor(open("/dev/tty", O_RDWR | O_CLOEXEC))
-    {
-        if (mDescriptor < 0 || tcgetattr(mDescriptor, &mBefore) != 0)
-            return;
-        struct sigaction action
-        {
-        };
-        action.sa_handler = [](int signal) { sInterrupted = signal; };
-        sigset_t held;
-        sigemptyset(&held);
-        for (std::size_t i = 0; i < std::size(kSignals); ++i)
-        {
-            sigaddset(&held, kSignals[i]);
-            sigaction(kSignals[i], &action, &mActions[i]);
-        }
-        // They arrive while it waits for a key, and at no other time.
-        sigprocmask(SIG_BLOCK, &held, &mMask);
-        mIsGuarded = true;
-        termios silent = mBefore;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        mIsSilent = tcsetattr(mDescriptor, TCSAFLUSH, &silent) == 0;
-    }
-    SilentTerminal(SilentTerminal const&) = delete;
-    SilentTerminal& operator=(SilentTerminal const&) = delete;
-    ~SilentTerminal()
-    {
-        if (mIsSilent)
-        {
-            tcsetattr(mDescriptor, TCSAFLUSH, &mBefore);
-            Say("\n");
-        }
-        if (mIsGuarded)
-        {
-            for (std::size_t i = 0; i < std::size(kSignals); ++i)
-                sigaction(kSignals[i], &mActions[i], nullptr);
-            sigprocmask(SIG_SETMASK, &mMask, nullptr);
-        }
-        if (mDescriptor >= 0)
-            close(mDescriptor);
-        if (sInterrupted != 0)
-            std::raise(sInterrupted);
-    }
-
-    bool IsThere() const { return mIsSilent; }
-
-    /// A line without its end; false when there is none.
-    bool Ask(std::string const& question, std::string& line) const
-    {
-        Say(question);
-        char byte = 0;
-        pollfd key{mDescriptor, POLLIN, 0};
-        while (ppoll(&key, 1, nullptr, &mMask) == 1 && read(mDescriptor, &byte, 1) == 1)
-        {
-            if (byte == '\n')
-                return true;
-            line += byte;
-        }
-        return false;
-    }
-
-private:
-    void Say(std::string const& text) const
-    {
-        static_cast<void>(!write(mDescriptor, text.data(), text.size()));
-    }
-
-    static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-    int mDescriptor;
-    bool mIsGuarded = false;
-    bool mIsSilent = false;
-    sigset_t mMask{};
-    termios mBefore{};
-    struct sigaction mActions[std::size(kSignals)] = {};
-};
-
 std::string PasswordOf(std::string const& user)
 {
     if (char const* const known = std::getenv(kPasswordVariable))
         return known;
     std::string password;
-    SilentTerminal const terminal;
-    if (!terminal.IsThere() || !terminal.Ask("Password of " + Escaped(user) + ": ", password))
+    if (!SYSTEM::AskSilently("Password of " + Escaped(user) + ": ", password))
         throw Failure(Exit::kUsage, std::string("there is no password for the user ") + Quoted(user) +
                                         ": set " + kPasswordVariable);
     return password;
@@ -181,7 +93,7 @@ IO::IURICredentialPtr CredentialOf(std::string const& user)
     auto const name = TextArgument(user, "user name");
     std::string password = PasswordOf(user);
     auto const text = STRING::CoreString::FromUTF8(password);
-    explicit_bzero(password.data(), password.size());
+    SYSTEM::Wipe(password.data(), password.size());
     if (!text)
         throw Failure(Exit::kUsage, "the password is not valid UTF-8");
     auto credential = COREREGISTRY::CreateObject<IO::IURICredential>(IO::IID_URI_CREDENTIAL);

@@ -9,6 +9,9 @@
 #include "Saving.h"
 #include "System/CopyFile.h"
 #include "System/Files.h"
+#include "System/References.h"
+#include "System/Signals.h"
+#include "System/Times.h"
 #include <tessio/TessIO/ResultCodes.h>
 
 #include <fmt/format.h>
@@ -17,7 +20,6 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -41,6 +43,9 @@ struct Arguments
 std::atomic<bool> sInterrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
+/// The copy ends at its next step and takes its temporary file away.
+void StopCopying(int) { sInterrupted = true; }
+
 /// Shows how far a copy has come and stops it on an interrupt.
 class CopyWatch
 {
@@ -53,33 +58,6 @@ public:
 
 private:
     Progress mProgress{"copying", 0};
-};
-
-/// While it lives an interrupt stops the copy, which then takes its temporary file away, and not the process.
-class InterruptGuard
-{
-public:
-    InterruptGuard()
-    {
-        for (std::size_t i = 0; i < std::size(kSignals); ++i)
-        {
-            mBefore[i] = std::signal(kSignals[i], [](int) { sInterrupted = true; });
-            // Who started the tool may want it to go on all the same.
-            if (mBefore[i] == SIG_IGN)
-                std::signal(kSignals[i], SIG_IGN);
-        }
-    }
-    InterruptGuard(InterruptGuard const&) = delete;
-    InterruptGuard& operator=(InterruptGuard const&) = delete;
-    ~InterruptGuard()
-    {
-        for (std::size_t i = 0; i < std::size(kSignals); ++i)
-            std::signal(kSignals[i], mBefore[i]);
-    }
-
-private:
-    static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
-    void (*mBefore[std::size(kSignals)])(int);
 };
 
 /// Into a directory a file goes under its own name.
@@ -215,8 +193,7 @@ bool CopyPieces(Session const& session, Arguments const& arguments, std::string 
     if (!reader || size <= 0)
         return false;
     SYSTEM::ErrorNumber error = 0;
-    SYSTEM::Descriptor const source =
-        SYSTEM::OpenFile(SystemPathOf(session, arguments.source), SYSTEM::Access::kReference, error);
+    SYSTEM::Descriptor const source = SYSTEM::OpenReference(SystemPathOf(session, arguments.source), error);
     if (!source)
         CannotCopy(arguments, target, WordsOf(error));
     SafeTarget safe(session, arguments, target, SYSTEM::Replacement::Temporary::kUserAlone);
@@ -312,7 +289,7 @@ void Run(Common const& common, Arguments const& arguments)
             throw Failure(Exit::kUsage,
                           WhatOf(arguments, target) + ": only files of this system can be cloned");
         CheckTarget(session, arguments, target);
-        InterruptGuard const guard;
+        SYSTEM::CaughtInterrupts const caught(&StopCopying);
         return CopyForward(session, arguments, *source, target);
     }
     std::string const from = SystemPathOf(session, arguments.source);
@@ -322,7 +299,7 @@ void Run(Common const& common, Arguments const& arguments)
     if (IsSameFile(from, SystemPathOf(session, target)))
         CannotCopy(arguments, target, "source and target are the same file");
     CheckTarget(session, arguments, target);
-    InterruptGuard const guard;
+    SYSTEM::CaughtInterrupts const caught(&StopCopying);
     if (arguments.clone || !CopyPieces(session, arguments, target))
         Clone(session, arguments, target);
 }

@@ -2,10 +2,8 @@
 
 #include "Failure.h"
 #include "Output.h"
-
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
+#include "System/Files.h"
+#include "System/Locks.h"
 
 #include <cerrno>
 #include <chrono>
@@ -15,6 +13,8 @@ namespace TOOL
 {
 namespace
 {
+using namespace KORVA;
+
 constexpr int kAttempts = 500;
 constexpr std::chrono::milliseconds kPause{20};
 } // namespace
@@ -24,25 +24,17 @@ DirectoryLock::DirectoryLock(std::filesystem::path const& file, std::string cons
     std::error_code error;
     std::filesystem::path const directory =
         std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error).parent_path();
-    mDescriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    for (int attempt = 0; mDescriptor >= 0 && flock(mDescriptor, LOCK_EX | LOCK_NB) != 0; ++attempt)
+    SYSTEM::ErrorNumber why = 0;
+    mDirectory = SYSTEM::OpenDirectory(directory.string(), why);
+    // Where directories can't be locked, the comparison before saving must do.
+    for (int attempt = 0;
+         mDirectory && SYSTEM::TryLock(mDirectory.Get(), SYSTEM::LockKind::kExclusive) == EWOULDBLOCK;
+         ++attempt)
     {
-        // Where directories can't be locked, the comparison before saving must do.
-        if (errno != EWOULDBLOCK)
-            return;
         if (attempt == kAttempts)
-        {
-            close(mDescriptor);
             throw Failure(Exit::kInputOutput,
                           "cannot open " + Quoted(location) + ": its directory is locked by another process");
-        }
         std::this_thread::sleep_for(kPause);
     }
-}
-
-DirectoryLock::~DirectoryLock()
-{
-    if (mDescriptor >= 0)
-        close(mDescriptor);
 }
 } // namespace TOOL

@@ -1,6 +1,8 @@
 // Keeps other processes from editing in a directory.
 #pragma once
 
+#include "System/Descriptor.h"
+
 #include <filesystem>
 #include <string>
 
@@ -16,9 +18,8 @@ public:
     DirectoryLock(std::filesystem::path const& file, std::string const& location);
     DirectoryLock(DirectoryLock const&) = delete;
     DirectoryLock& operator=(DirectoryLock const&) = delete;
-    ~DirectoryLock();
 
 private:
-    int mDescriptor = -1;
+    KORVA::SYSTEM::Descriptor mDirectory;
 };
 } // namespace TOOL

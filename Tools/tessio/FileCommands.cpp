@@ -6,8 +6,8 @@
 #include "Location.h"
 #include "Output.h"
 #include "Saving.h"
-#include "System/Attributes.h"
 #include "System/Files.h"
+#include "System/Times.h"
 #include <tessio/Records/Tree/Path.h>
 #include <tessio/TessIO/ResultCodes.h>
 
@@ -153,7 +153,7 @@ void TouchFile(Session const& session, std::string const& location, uint64 date)
         return;
     }
     std::string const path = SystemPathOf(session, location);
-    if (SYSTEM::ErrorNumber const error = SYSTEM::MakeFile(path))
+    if (SYSTEM::ErrorNumber const error = SYSTEM::MakeFile(path); error != 0 && error != EEXIST)
         throw Failure(Exit::kInputOutput, "cannot create " + Quoted(location) + ": " + ReasonOf(error));
     if (SYSTEM::ErrorNumber const error = SYSTEM::SetModified(path, date))
         throw Failure(Exit::kInputOutput, "cannot date " + Quoted(location) + ": " + WordsOf(error));

@@ -4,6 +4,8 @@
 #include "Output.h"
 #include "Saving.h"
 #include "System/Files.h"
+#include "System/References.h"
+#include "System/Signals.h"
 #include <tessio/TessIO/ClassIds.h>
 #include <tessio/TessIO/FilePaths.h>
 #include <tessio/TessIO/IDataProviderStatus.h>
@@ -214,7 +216,7 @@ IO::IURIPtr WayTo(Session const& session, std::string const& location)
         IO::CreateFileURI(session.Registry(), uri, location) == kNoError)
         return URIOf(session, location);
     SYSTEM::ErrorNumber error = 0;
-    SYSTEM::Descriptor file = SYSTEM::OpenFile(location, SYSTEM::Access::kReference, error);
+    SYSTEM::Descriptor file = SYSTEM::OpenReference(location, error);
     if (!file)
         throw Failure(error == ENOENT || error == ENOTDIR ? Exit::kNotFound : Exit::kInputOutput,
                       "cannot open " + Quoted(location) + ": " + WordsOf(error));
@@ -295,7 +297,8 @@ std::string TryReplaceContent(Session const& session, std::string const& locatio
                               std::vector<unsigned char> const& content)
 {
     std::string const path = SystemPathOf(session, location);
-    HeldInterrupts const held;
+    // An interrupt waits until the temporary file is gone, or has its name.
+    SYSTEM::HeldSignals const held(SYSTEM::HeldSignals::Which::kInterrupts);
     SYSTEM::NotKept notKept;
     SYSTEM::Outcome const outcome = SYSTEM::ReplaceFile(path, content.data(), content.size(), notKept);
     if (outcome.state == SYSTEM::Saved::kOld)

@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Location.h"
+#include "System/Paths.h"
 
 #include <filesystem>
 #include <optional>
@@ -11,8 +12,6 @@ namespace TOOL
 namespace
 {
 namespace fs = std::filesystem;
-
-constexpr int kMostLinks = 40;
 
 /// Nothing for what is no file of this system.
 std::optional<std::string> PathOf(Session const& session, std::string const& location)
@@ -33,17 +32,10 @@ std::optional<std::string> PathOf(Session const& session, std::string const& loc
 }
 
 /// Where a file of that name is, or would be made.
-fs::path Place(fs::path path)
+fs::path Place(std::string const& name)
 {
     std::error_code error;
-    for (int links = 0; links < kMostLinks; ++links)
-    {
-        fs::path const target = fs::read_symlink(path, error);
-        if (error)
-            break;
-        path = path.parent_path() / target;
-    }
-    path = fs::absolute(path, error);
+    fs::path const path = fs::absolute(KORVA::SYSTEM::FollowLinks(name), error);
     return fs::weakly_canonical(path.parent_path(), error) / path.filename();
 }
 } // namespace

@@ -1,11 +1,10 @@
 #include "Output.h"
 
 #include "Failure.h"
+#include "System/StandardStreams.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
-
-#include <unistd.h>
 
 #include <cerrno>
 #include <charconv>
@@ -32,7 +31,8 @@ void ChooseColour(std::string const& when)
         return value && *value != '\0';
     };
     char const* const terminal = std::getenv("TERM");
-    bool const canShow = terminal && std::string_view(terminal) != "dumb" && isatty(STDOUT_FILENO) != 0;
+    bool const canShow = terminal && std::string_view(terminal) != "dumb" &&
+                         KORVA::SYSTEM::IsTerminal(KORVA::SYSTEM::StandardStream::kOutput);
     sColour = when == "always" || (when == "auto" && canShow && !isSet("NO_COLOR"));
 }
 

@@ -1,13 +1,15 @@
 #include "Progress.h"
 
-#include <unistd.h>
+#include "System/StandardStreams.h"
 
 #include <cstdio>
 
 namespace TOOL
 {
+using namespace KORVA::SYSTEM;
+
 Progress::Progress(std::string what, KORVA::int64 total, Pace pace)
-    : mWhat(std::move(what)), mTotal(total), mPace(pace), mIsTerminal(isatty(STDERR_FILENO) != 0),
+    : mWhat(std::move(what)), mTotal(total), mPace(pace), mIsTerminal(IsTerminal(StandardStream::kErrors)),
       mNext(std::chrono::steady_clock::now() + pace.patience)
 {}
 

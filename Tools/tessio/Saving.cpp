@@ -65,15 +65,4 @@ void WarnOfSaved(std::string const& shown, ErrorNumber error, NotKept const& not
         Warn(Quoted(shown) + " is written, but that its name is on the disk could not be confirmed (" +
              WordsOf(error) + "): after a power cut the file may be what it was before");
 }
-
-HeldInterrupts::HeldInterrupts()
-{
-    sigset_t held;
-    sigemptyset(&held);
-    for (int const signal : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&held, signal);
-    pthread_sigmask(SIG_BLOCK, &held, &mBefore);
-}
-
-HeldInterrupts::~HeldInterrupts() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
 } // namespace TOOL

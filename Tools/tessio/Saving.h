@@ -4,7 +4,6 @@
 #include "Names.h"
 #include "System/Replacement.h"
 
-#include <csignal>
 #include <string>
 
 namespace TOOL
@@ -22,17 +21,4 @@ void Warn(std::string const& message);
 /// lost again with the power. `error` is why its name could not be flushed, or 0.
 void WarnOfSaved(std::string const& shown, KORVA::SYSTEM::ErrorNumber error,
                  KORVA::SYSTEM::NotKept const& notKept);
-
-/// While it lives, an interrupt waits: until a temporary file is gone, or has its name.
-class HeldInterrupts
-{
-public:
-    HeldInterrupts();
-    HeldInterrupts(HeldInterrupts const&) = delete;
-    HeldInterrupts& operator=(HeldInterrupts const&) = delete;
-    ~HeldInterrupts();
-
-private:
-    sigset_t mBefore;
-};
 } // namespace TOOL

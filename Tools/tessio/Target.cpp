@@ -7,6 +7,8 @@
 #include "Output.h"
 #include "Saving.h"
 #include "System/Replacement.h"
+#include "System/Signals.h"
+#include "System/Times.h"
 #include "System/Transfer.h"
 
 #include <cerrno>
@@ -76,7 +78,8 @@ void ReplaceInPlace(Session const& session, Document const& document, Bytes cons
     if (LeadToOneName(path, path + "~"))
         throw Failure(Exit::kInputOutput, "cannot keep " + Quoted(kept) + ": it leads to " +
                                               Quoted(document.file) + " itself; nothing is changed");
-    HeldInterrupts const held;
+    // An interrupt waits until the temporary files are gone, or have their names.
+    HeldSignals const held(HeldSignals::Which::kInterrupts);
     NotKept notKept;
     NotKept notKeptOfOld;
     Replacement file(path);

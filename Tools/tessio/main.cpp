@@ -2,15 +2,14 @@
 #include "Failure.h"
 #include "Help/Documents.h"
 #include "Output.h"
+#include "System/Signals.h"
+#include "System/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <tessio/TessIO/Version.h>
-#include <unistd.h>
 
 #include <clocale>
-#include <csignal>
 #include <cstdio>
 #include <new>
 
@@ -47,15 +46,6 @@ std::string WhyNot(CLI::App const& app, CLI::ParseError const& error)
         if (!argument.starts_with('-'))
             return "there is no command " + Quoted(argument) + place;
     return "a command" + place + " is missing";
-}
-
-/// A file that is opened must not get the number of a standard stream, or messages would go into it. Reading
-/// and writing these fails as if they were closed.
-void OccupyClosedStreams()
-{
-    for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (fcntl(stream, F_GETFD) < 0)
-            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
 }
 
 int Run(int argc, char** argv)
@@ -124,9 +114,9 @@ int Run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    OccupyClosedStreams();
+    KORVA::SYSTEM::OccupyClosedStreams();
     // A limit on the size of files is an error like a full disk.
-    std::signal(SIGXFSZ, SIG_IGN);
+    KORVA::SYSTEM::IgnoreSizeLimitSignal();
     std::setlocale(LC_CTYPE, "C.UTF-8");
     try
     {

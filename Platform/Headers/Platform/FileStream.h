@@ -107,8 +107,8 @@ private:
 
     FileStream(std::FILE* stream, std::int64_t position) : mStream(stream), mPosition(position) {}
 
-    void NoteError();
-    void NoteLoss(std::size_t taken, std::size_t held);
+    void NoteError(int error);
+    void NoteLoss(int error, std::size_t taken, std::size_t held);
 
     std::FILE* mStream;
     /// Where the stream stands by all that was answered; negative for a file without positions.

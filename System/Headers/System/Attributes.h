@@ -3,7 +3,6 @@
 
 #include "System/ErrorNumber.h"
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -30,13 +29,4 @@ ErrorNumber KeepAttributes(int from, int to, NotKept& notKept);
 /// Gives a copy the permissions and the access list of its source, but no owner, no group and no extended
 /// attributes: what the source's group may do, the copy's group may, as with any copy. Otherwise the same.
 ErrorNumber CopyPermissions(int from, int to, NotKept& notKept);
-
-/// Gives `to` the dates of access and modification of `from`.
-ErrorNumber CopyDates(int from, int to);
-
-/// Sets the date of modification, in nanoseconds since 1970-01-01T00:00:00Z.
-///@{
-ErrorNumber SetModified(int to, std::uint64_t date);
-ErrorNumber SetModified(std::string const& path, std::uint64_t date);
-///@}
 } // namespace KORVA::SYSTEM

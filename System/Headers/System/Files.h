@@ -10,24 +10,26 @@ namespace KORVA::SYSTEM
 enum class Access
 {
     kRead,
-    kReadWrite,
-    /// Names the file and reads nothing; needs no permission on the file itself.
-    kReference
+    kWrite,
+    kReadWrite
 };
 
-/// Opens what is there, without waiting for the other end of a pipe. None on failure, with the reason in
-/// `error`.
+/// Opens what is there, waiting neither for the other end of a pipe nor for a terminal, which never becomes
+/// the process's own. The descriptor is closed in programs that are started, as all that this layer opens.
+/// None on failure, with the reason in `error`.
 Descriptor OpenFile(std::string const& path, Access access, ErrorNumber& error);
 
-/// A path of plain characters by which this process reaches the descriptor's file, whatever its own name is,
-/// while the descriptor is open. Empty where the system gives none.
-std::string PathThrough(Descriptor const& descriptor);
+/// Opens a directory to lock it or to flush the names in it. `ENOTDIR` for anything else.
+Descriptor OpenDirectory(std::string const& path, ErrorNumber& error);
 
-/// Makes an empty file where nothing is.
+/// Makes an empty file where nothing is; `EEXIST` where something is.
 ErrorNumber MakeFile(std::string const& path);
 
 /// Removes a file (not a directory).
 ErrorNumber RemoveFile(std::string const& path);
+
+/// Gives a file another name, and takes it from whatever file has it. Both are on one file system: `EXDEV`.
+ErrorNumber RenameFile(std::string const& from, std::string const& to);
 
 /// Waits until the names in a directory are on the device. File systems that
 /// can't be told to wait order renames by themselves: 0.
@@ -35,7 +37,4 @@ ErrorNumber RemoveFile(std::string const& path);
 ErrorNumber FlushNames(Descriptor const& directory);
 ErrorNumber FlushDirectoryOf(std::string const& path);
 ///@}
-
-/// The part of a path before its last component; "." where it has none.
-std::string DirectoryOf(std::string const& path);
 } // namespace KORVA::SYSTEM

@@ -4,6 +4,7 @@
 #include "System/ErrorNumber.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace KORVA::SYSTEM
 {
@@ -17,6 +18,24 @@ ErrorNumber ReadSome(int descriptor, void* data, std::size_t& count);
 /// Reads `count` bytes, fewer only where the file ends. `count` becomes how many came, on failure too.
 ErrorNumber ReadAll(int descriptor, void* data, std::size_t& count);
 
-/// Waits until the file's content is on the device, or the names in a directory.
+/// As `WriteAll` and `ReadAll`, but `offset` bytes from the file's start: the descriptor's position is
+/// neither used nor moved, so threads may share the descriptor. `count` becomes how many bytes were moved, on
+/// failure too. `EINVAL` for a negative offset.
+///@{
+ErrorNumber WriteAllAt(int descriptor, std::int64_t offset, void const* data, std::size_t& count);
+ErrorNumber ReadAllAt(int descriptor, std::int64_t offset, void* data, std::size_t& count);
+///@}
+
+/// Where the descriptor stands, in bytes. `ESPIPE` for what has no positions.
+ErrorNumber ReadPosition(int descriptor, std::int64_t& position);
+
+/// Cuts the file, or extends it with zeros.
+ErrorNumber SetSize(int descriptor, std::int64_t size);
+
+/// Waits until the file's content and all that is known of the file are on the device, or the names in a
+/// directory.
 ErrorNumber FlushToDevice(int descriptor);
+
+/// Waits until the file's content is on the device, and what finding it there takes.
+ErrorNumber FlushContent(int descriptor);
 } // namespace KORVA::SYSTEM

@@ -2,8 +2,8 @@
 #include <tessio/FileIO/IFileAccess.h>
 
 #include "Companions/FileIO/FileFixture.h"
-#include "Platform/Posix/ChildProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ChildProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 #include "Support/RowName.h"
 
 #include <sys/syscall.h>

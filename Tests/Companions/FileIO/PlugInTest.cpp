@@ -20,6 +20,19 @@ TEST(FileSystemPlugIn, RegistersAndTakesBackItsFactory)
     EXPECT_FALSE(file);
 }
 
+TEST(FileSystemPlugIn, RefusesASecondStart)
+{
+    TInterfacePtr<COREREGISTRY::ICoreRegistry> registry;
+    registry.Adopt(COREREGISTRY::CreateCoreRegistry());
+    ASSERT_EQ(KorvaPlugInInit(registry.Get()), 0);
+    EXPECT_NE(KorvaPlugInInit(registry.Get()), 0);
+    // Nothing of a second factory is left behind.
+    EXPECT_EQ(KorvaPlugInShutdown(registry.Get()), 0);
+    TInterfacePtr<IObject> file;
+    EXPECT_EQ(registry->CreateInstance(FILE_SYS::IID_IFILE, file.Out()), -1004);
+    EXPECT_NE(KorvaPlugInShutdown(registry.Get()), 0);
+}
+
 TEST(FileSystemPlugIn, RefusesNull)
 {
     EXPECT_NE(KorvaPlugInInit(nullptr), 0);

@@ -1,7 +1,7 @@
 // URIs and files behind the friendly layer.
 #include <tessio/Cxx/File.h>
 
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
 #include <tessio/ObjectModel/TObject.h>

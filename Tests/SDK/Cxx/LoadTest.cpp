@@ -1,7 +1,7 @@
 // Loading: what is there, or what is the matter.
 #include <tessio/Cxx/Load.h>
 
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"

@@ -1,5 +1,5 @@
 // A process that dies while it saves leaves the old file or the new one.
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
 #include <tessio/Cxx/Dictionary.h>

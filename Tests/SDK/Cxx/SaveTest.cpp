@@ -1,8 +1,8 @@
 // Saving: whole or not at all.
 #include <tessio/Cxx/Save.h>
 
-#include "Platform/Posix/ChildProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ChildProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"

@@ -1,8 +1,8 @@
 // Bytes that a file took, held back and could not deliver: who asks is told, and a log where nobody asks.
 #include <tessio/Cxx/File.h>
 
-#include "Platform/Posix/ChildProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ChildProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 #include "SDK/Cxx/StandIns.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"

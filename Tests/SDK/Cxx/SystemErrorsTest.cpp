@@ -1,8 +1,8 @@
 // What the system can't do is told as that, and not as something that is the matter with a file.
 #include <tessio/Cxx/SystemErrors.h>
 
-#include "Platform/Posix/ChildProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ChildProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 #include "SDK/Cxx/Note.h"
 #include "SDK/Cxx/StandIns.h"
 #include "Support/ForwardingProvider.h"

@@ -1,7 +1,7 @@
 // What several processes change at once: nothing is lost.
 #include <tessio/Cxx/Update.h>
 
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 #include "SDK/Cxx/Note.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"

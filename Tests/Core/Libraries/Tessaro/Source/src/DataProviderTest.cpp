@@ -1,6 +1,6 @@
 #include "DataProvider.h"
 
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 #include "Support/Library.h"
 #include "Support/TemporaryDirectory.h"
 #include <tessio/CoreRegistry/CoreRegistry.h>

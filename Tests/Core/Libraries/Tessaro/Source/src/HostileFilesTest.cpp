@@ -2,7 +2,7 @@
 // stand for the work done.
 #include "Support/HostileFiles.h"
 
-#include "Platform/Posix/FreshProcess.h"
+#include "Platform/Source/FreshProcess.h"
 #include "Support/ForwardingProvider.h"
 #include "Support/Laid.h"
 #include "Support/Library.h"

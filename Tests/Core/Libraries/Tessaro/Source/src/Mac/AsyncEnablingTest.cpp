@@ -1,6 +1,6 @@
 // The first use of a file's reader and writer.
 #include "Mac/AsyncFixture.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ResourceLimit.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // Writes that the system refuses.
 #include "Mac/AsyncFixture.h"
-#include "Platform/Posix/FreshProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/FreshProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 
 #include <gmock/gmock.h>
 

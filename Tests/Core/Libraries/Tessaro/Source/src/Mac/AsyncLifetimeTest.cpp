@@ -1,7 +1,7 @@
 // Facades and processes that end while operations are in flight.
 #include "Mac/AsyncFixture.h"
-#include "Platform/Posix/ChildProcess.h"
-#include "Platform/Posix/FreshProcess.h"
+#include "Platform/Source/ChildProcess.h"
+#include "Platform/Source/FreshProcess.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

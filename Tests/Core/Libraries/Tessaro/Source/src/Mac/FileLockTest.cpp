@@ -1,6 +1,6 @@
 // How long the lock of a file outlives its provider.
 #include "Mac/AsyncFixture.h"
-#include "Platform/Posix/FreshProcess.h"
+#include "Platform/Source/FreshProcess.h"
 
 #include <gmock/gmock.h>
 

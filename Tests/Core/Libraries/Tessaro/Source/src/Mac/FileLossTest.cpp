@@ -1,7 +1,7 @@
 // Files that can't take what is written to them: what the operations answer, and what the status tells.
 #include "Mac/AsyncFixture.h"
-#include "Platform/Posix/FreshProcess.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/FreshProcess.h"
+#include "Platform/Source/ResourceLimit.h"
 #include <tessio/TessIO/IBufferedDataProvider.h>
 #include <tessio/TessIO/IDataProviderStatus.h>
 

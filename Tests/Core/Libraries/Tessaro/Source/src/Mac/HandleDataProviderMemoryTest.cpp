@@ -1,5 +1,5 @@
 // How the block of a memory provider grows, shrinks and runs out.
-#include "Platform/Posix/AddressSpaceLimit.h"
+#include "Platform/Source/AddressSpaceLimit.h"
 #include "Support/Library.h"
 #include <tessio/CoreRegistry/CoreRegistry.h>
 #include <tessio/TessIO/ClassIds.h>

@@ -2,7 +2,7 @@
 #include "Mac/MAsyncTask.h"
 
 #include "Mac/AsyncFixture.h"
-#include "Platform/Posix/FreshProcess.h"
+#include "Platform/Source/FreshProcess.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 // Writing at explicit positions of files, at once and later.
 #include "Mac/AsyncFixture.h"
-#include "Platform/Posix/FreshProcess.h"
+#include "Platform/Source/FreshProcess.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // What a file provider offers its reader and writer.
 #include "Mac/AsyncFixture.h"
 #include "Mac/MFileDataProvider.h"
-#include "Platform/Posix/ResourceLimit.h"
+#include "Platform/Source/ResourceLimit.h"
 
 #include <gmock/gmock.h>
 

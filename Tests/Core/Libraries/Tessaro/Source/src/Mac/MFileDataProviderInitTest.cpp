@@ -1,7 +1,7 @@
 // What a file provider makes, shares and gives its facade.
 #include "Mac/FileProviderFixture.h"
 #include "Mac/MFileDataProvider.h"
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 #include <tessio/FileIO/IFile.h>
 #include <tessio/Logger/LogSite.h>
 #include <tessio/TessIO/IAsyncReader.h>

@@ -2,7 +2,7 @@
 #include "Mac/MFileDataProvider.h"
 
 #include "Mac/FileProviderFixture.h"
-#include "Platform/Posix/ChildProcess.h"
+#include "Platform/Source/ChildProcess.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,8 +1,0 @@
-#include "Platform/SecureMemory.h"
-
-#include <cstring>
-
-namespace KORVA::PLATFORM
-{
-void WipeMemory(void* address, std::size_t size) { explicit_bzero(address, size); }
-} // namespace KORVA::PLATFORM
