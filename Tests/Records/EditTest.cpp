@@ -32,6 +32,13 @@ RECORDS::Result<Bytes> Removed(File const& file, std::string const& path)
     return RECORDS::WithoutPlace(file.Original(), *RECORDS::ParsePath(path));
 }
 
+RECORDS::Result<Bytes> Turned(File const& file, Order from, Order to)
+{
+    RECORDS::MemorySource const source(file.content);
+    RECORDS::Reader reader(source, OptionsOf(from));
+    return RECORDS::WithOrder(reader, file.name, to);
+}
+
 struct EditRow
 {
     char const* name;
@@ -260,10 +267,10 @@ TEST(Edit, TurnedRoundEveryWholeFileSaysTheSame)
             });
             if (!isWhole)
             {
-                EXPECT_NE(FailureOf(RECORDS::WithOrder(document.Original(), other)), "") << sample.name;
+                EXPECT_NE(FailureOf(Turned(document, order, other)), "") << sample.name;
                 continue;
             }
-            EXPECT_EQ(ToHex(*RECORDS::WithOrder(document.Original(), other)), ToHex(expected)) << sample.name;
+            EXPECT_EQ(ToHex(*Turned(document, order, other)), ToHex(expected)) << sample.name;
             ++turned;
         }
     EXPECT_GT(turned, 2 * 25);
@@ -277,10 +284,10 @@ INSTANTIATE_TEST_SUITE_P(Empty, EditRefusal,
 TEST(Edit, WhatNobodyCanTurnRoundIsNotTurned)
 {
     EXPECT_EQ(
-        FailureOf(RECORDS::WithOrder(File(kLittle, kEvery).Original(), kBig)),
+        FailureOf(Turned(File(kLittle, kEvery), kLittle, kBig)),
         "damaged \"FILE\": /0/dict[4] is of the class {76543210-BA98-4EDC-9F01-23456789ABCD}, which nobody "
         "here knows: its bytes can't be turned round; nothing is written");
-    EXPECT_EQ(FailureOf(RECORDS::WithOrder(File(kBig, "Value 8:8 'UNNT 0:4 =AA").Original(), kLittle)),
+    EXPECT_EQ(FailureOf(Turned(File(kBig, "Value 8:8 'UNNT 0:4 =AA"), kBig, kLittle)),
               "damaged \"FILE\": 1 byte at its end is too few for a record; nothing is written");
 }
 } // namespace

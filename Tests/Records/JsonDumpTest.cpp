@@ -12,13 +12,23 @@ namespace KORVA::TESTS
 namespace
 {
 /// The document, without the end of its last line.
-std::string Written(RECORDS::RecordTree const& tree, Bytes const& content,
-                    RECORDS::JsonPrinter::Layout layout)
+std::string Written(Order order, Bytes const& content, RECORDS::JsonPrinter::Layout layout)
 {
+    RECORDS::MemorySource const source(content);
+    RECORDS::Reader reader(source, OptionsOf(order));
     std::string text;
     RECORDS::JsonPrinter json([&](std::string_view piece) { text += piece; }, layout);
-    RECORDS::WriteJson(json, tree, content);
-    text.pop_back();
+    EXPECT_TRUE(RECORDS::WriteJson(json, reader));
+    EXPECT_TRUE(text.ends_with("\n"));
+    return text.substr(0, text.size() - 1);
+}
+
+std::string LinesOf(Order order, Bytes const& content)
+{
+    RECORDS::MemorySource const source(content);
+    RECORDS::Reader reader(source, OptionsOf(order));
+    std::string text;
+    EXPECT_TRUE(RECORDS::WriteJsonLines(reader, [&](std::string_view piece) { text += piece; }));
     return text;
 }
 
@@ -51,9 +61,8 @@ TEST_P(JsonOfRecord, SaysEveryByteAndGivesItBack)
         Bytes const content = Laid(order, GetParam().words);
         std::string const document = Head(order) + ",\"records\":[" + GetParam().json + "]}";
         std::string const lines = Head(order) + "}\n" + GetParam().json + "\n";
-        RECORDS::RecordTree const tree = Read(order, content);
-        EXPECT_EQ(Written(tree, content, RECORDS::JsonPrinter::Layout::kOneLine), document);
-        EXPECT_EQ(RECORDS::WriteJsonLines(tree, content), lines);
+        EXPECT_EQ(Written(order, content, RECORDS::JsonPrinter::Layout::kOneLine), document);
+        EXPECT_EQ(LinesOf(order, content), lines);
         EXPECT_EQ(ToHex(*RECORDS::ReadJson(document)), ToHex(content));
         EXPECT_EQ(ToHex(*RECORDS::ReadJson(lines)), ToHex(content));
     }
@@ -125,20 +134,17 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(JsonDump, WhatIsLeftOverStandsBehindTheRecords)
 {
     Bytes const content = Laid(kBig, "Dict 8:8 0:4 0:4 =AABB");
-    RECORDS::RecordTree const tree = Read(kBig, content);
     std::string const record =
         R"({"class":"PersistentDictionary","classId":"{73E90CD5-BBC6-4326-8241-9BB4250B1B05}","entries":[]})";
-    EXPECT_EQ(Written(tree, content, RECORDS::JsonPrinter::Layout::kOneLine),
+    EXPECT_EQ(Written(kBig, content, RECORDS::JsonPrinter::Layout::kOneLine),
               Head(kBig) + ",\"records\":[" + record + "],\"rest\":\"aabb\"}");
-    EXPECT_EQ(RECORDS::WriteJsonLines(tree, content),
-              Head(kBig) + "}\n" + record + "\n{\"rest\":\"aabb\"}\n");
+    EXPECT_EQ(LinesOf(kBig, content), Head(kBig) + "}\n" + record + "\n{\"rest\":\"aabb\"}\n");
 }
 
 TEST(JsonDump, AndBackIsTheIdentityOnEveryFile)
 {
     ForEachFile({0x01}, [](Bytes const& content, Order order, std::string const& name) {
-        RECORDS::RecordTree const tree = Read(order, content);
-        std::string const document = Written(tree, content, RECORDS::JsonPrinter::Layout::kLines);
+        std::string const document = Written(order, content, RECORDS::JsonPrinter::Layout::kLines);
         ASSERT_TRUE(*RECORDS::ReadJson(document) == content) << name << "\n" << document;
     });
 }
@@ -146,7 +152,7 @@ TEST(JsonDump, AndBackIsTheIdentityOnEveryFile)
 TEST(JsonDump, LinesAndBackAreTheIdentityOnEveryFile)
 {
     ForEachFile({0x80}, [](Bytes const& content, Order order, std::string const& name) {
-        std::string const lines = RECORDS::WriteJsonLines(Read(order, content), content);
+        std::string const lines = LinesOf(order, content);
         ASSERT_TRUE(*RECORDS::ReadJson(lines) == content) << name << "\n" << lines;
     });
 }

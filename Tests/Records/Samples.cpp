@@ -118,10 +118,15 @@ std::string KindOf(RECORDS::Error const& error)
     return "cancelled";
 }
 
-RECORDS::RecordTree Read(Order order, Bytes const& content)
+RECORDS::ReadOptions OptionsOf(Order order)
 {
     RECORDS::ReadOptions options;
     options.order = order;
-    return *RECORDS::ReadTree(RECORDS::MemorySource(content), options);
+    return options;
+}
+
+RECORDS::RecordTree Read(Order order, Bytes const& content)
+{
+    return *RECORDS::ReadTree(RECORDS::MemorySource(content), OptionsOf(order));
 }
 } // namespace KORVA::TESTS

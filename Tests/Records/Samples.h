@@ -52,7 +52,10 @@ std::string FailureOf(RECORDS::Result<T> const& result)
     return result ? std::string() : KindOf(result.error()) + " " + result.error().words;
 }
 
-/// The tree of a file in that order, without limits.
+/// To read a file in that order, without limits.
+RECORDS::ReadOptions OptionsOf(Order order);
+
+/// The tree of such a file.
 RECORDS::RecordTree Read(Order order, Bytes const& content);
 
 /// The samples, every beginning of the file with one of each class, and that file with each byte changed, by

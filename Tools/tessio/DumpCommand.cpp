@@ -28,22 +28,22 @@ void Dump(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
     CheckOther(session, arguments.out, arguments.source.file);
-    Document const document = LoadDocument(session, common, arguments.source);
+    OpenDocument document(session, common, arguments.source);
+    Reader& records = document.Records();
     std::string const format = common.json ? "json" : arguments.format;
     std::string text;
+    bool const isPrinted = arguments.out == "-";
+    TextSink const sink = [&](std::string_view piece) { isPrinted ? Print(piece) : void(text += piece); };
     if (format == "json")
     {
-        bool const isPrinted = arguments.out == "-";
-        JsonPrinter json([&](std::string_view piece) { isPrinted ? Print(piece) : void(text += piece); });
-        WriteJson(json, document.tree, document.content);
-        if (isPrinted)
-            return;
+        JsonPrinter json(sink);
+        static_cast<void>(document.Value(WriteJson(json, records)));
     }
-    else if (format == "jsonl")
-        text = WriteJsonLines(document.tree, document.content);
     else
-        text = WriteText(document.tree, document.content);
-    WriteOutput(session, arguments.out, Bytes(text.begin(), text.end()));
+        static_cast<void>(
+            document.Value(format == "jsonl" ? WriteJsonLines(records, sink) : WriteText(records, sink)));
+    if (!isPrinted)
+        WriteOutput(session, arguments.out, Bytes(text.begin(), text.end()));
 }
 
 /// Ends the command, naming the line, for a text that is no dump.

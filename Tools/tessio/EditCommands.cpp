@@ -112,11 +112,13 @@ void Get(Common const& common, Arguments const& arguments)
 /// The one record in a file, to be put into another.
 Bytes RecordFrom(Session const& session, Common const& common, std::string const& file, Order order)
 {
-    Document document = LoadDocument(session, common, {file, ""});
-    if (document.tree.records.size() != 1 || document.tree.end != document.tree.size)
-        throw Failure(Exit::kUsage, fmt::format("{} should hold one record, it has {}", Quoted(file),
-                                                document.tree.records.size()));
-    return document.tree.order == order ? document.content : ValueOf(WithOrder(document.Original(), order));
+    OpenDocument document(session, common, {file, ""});
+    RecordTree const tree = document.Tree();
+    if (tree.records.size() != 1 || tree.end != tree.size)
+        throw Failure(Exit::kUsage,
+                      fmt::format("{} should hold one record, it has {}", Quoted(file), tree.records.size()));
+    return document.GetOrder() == order ? document.Content()
+                                        : ValueOf(WithOrder(document.Records(), file, order));
 }
 
 /// Asks the classes that the session knows.
@@ -157,11 +159,12 @@ void Convert(Common const& common, Arguments const& arguments)
 {
     Session const session(common);
     CheckTarget(session, arguments.target, arguments.source.file);
-    Document const document = LoadDocument(session, common, {arguments.source.file, ""});
+    OpenDocument document(session, common, {arguments.source.file, ""});
     Order const order = *OrderArgument(arguments.order);
-    WriteTarget(session, arguments.target, document,
-                order == document.tree.order ? document.content
-                                             : ValueOf(WithOrder(document.Original(), order)));
+    Bytes const content = order == document.GetOrder()
+                              ? document.Content()
+                              : ValueOf(WithOrder(document.Records(), document.File(), order));
+    WriteTarget(session, arguments.target, {document.File(), document.Content(), {}}, content);
 }
 
 void Extract(Common const& common, Arguments const& arguments)

@@ -52,7 +52,7 @@ std::string Totals(Salvaged const& salvaged, int64 size)
 }
 
 /// Is given the report piece by piece.
-using Sink = JsonPrinter::Sink;
+using Sink = TextSink;
 
 void ReportText(Sink const& put, Salvaged const& salvaged, std::string const& file, std::string const& out,
                 int64 size)

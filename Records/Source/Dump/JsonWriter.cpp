@@ -1,4 +1,5 @@
 #include "Dump/JsonPieces.h"
+#include "Format/Guard.h"
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Dump/JsonDump.h>
 #include <tessio/Records/Tree/Reader.h>
@@ -28,31 +29,30 @@ Json TextJson(CoreString const& text)
     return {{"units", units}};
 }
 
+/// As it is after being written and parsed.
+Json Parsed(Json const& json) { return Json::parse(json.dump()); }
+
 class Writer
 {
 public:
-    Writer(ByteView content, Order order, bool raw) : mContent(content), mOrder(order), mRaw(raw) {}
+    Writer(JsonPrinter& json, Reader& reader) : mJson(json), mReader(reader) {}
 
-    void Record(JsonPrinter& json, Node const& node) const;
-    /// Writes what reading the document of the record gives.
-    void GiveBack(RecordWriter& writer, Node const& node) const;
+    void Record(Node& node);
+    std::string HexOfFile(int64 from, int64 length) const { return HexOf(Slice(from, length)); }
 
 private:
-    bool IsRaw(Node const& node) const { return mRaw || !node.regular || node.kind == Kind::kUnknownClass; }
+    bool IsPlain(Node const& node) const;
     Json Raw(Node const& node) const;
     Json Leaf(Node const& node) const;
-    void AddContent(JsonPrinter& json, Node const& node) const;
-    void GiveContentBack(RecordWriter& writer, Node const& node) const;
+    void AddContent(Node const& node, Cursor& children);
     void AddValue(Json& json, Value const& value) const;
-    Json PartValue(Part const& part) const;
-    ByteView Slice(int64 offset, int64 length) const
-    {
-        return mContent.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(length));
-    }
+    Json PartValue(RECORDS::Part const& part) const;
+    Bytes OwnBytes(Node const& node) const;
+    void GiveBack(RecordWriter& writer, Node const& node) const;
+    Bytes Slice(int64 offset, int64 length) const { return ValueOrRaise(mReader.BytesAt(offset, length)); }
 
-    ByteView mContent;
-    Order mOrder;
-    bool mRaw;
+    JsonPrinter& mJson;
+    Reader& mReader;
 };
 
 Json Writer::Raw(Node const& node) const
@@ -94,28 +94,30 @@ void Writer::AddValue(Json& json, Value const& value) const
     }
 }
 
-Json Writer::PartValue(Part const& part) const
+Json Writer::PartValue(RECORDS::Part const& part) const
 {
-    unsigned char const* const from = mContent.data() + part.offset;
+    Order const order = mReader.GetOrder();
+    Bytes const bytes = Slice(part.offset, part.length);
+    unsigned char const* const from = bytes.data();
     if (part.type == "bytes")
-        return HexOf(Slice(part.offset, part.length));
+        return HexOf(bytes);
     if (part.type == "string")
-        return TextJson(TextOfPart(Slice(part.offset, part.length), part, mOrder));
+        return TextJson(TextOfPart(bytes, part, order));
     if (part.type == "bool")
         return *from != 0;
     if (part.type == "float")
     {
-        auto const bits = Load<uint32>(from, mOrder);
+        auto const bits = Load<uint32>(from, order);
         auto const number = std::bit_cast<float>(bits);
         return std::isfinite(number) ? Json(static_cast<double>(number)) : Json(fmt::format("0x{:X}", bits));
     }
     if (part.type == "double")
     {
-        auto const bits = Load<uint64>(from, mOrder);
+        auto const bits = Load<uint64>(from, order);
         auto const number = std::bit_cast<double>(bits);
         return std::isfinite(number) ? Json(number) : Json(fmt::format("0x{:X}", bits));
     }
-    std::string const shown = ShownPart(Slice(part.offset, part.length), part, mOrder);
+    std::string const shown = ShownPart(bytes, part, order);
     if (part.type == "guid" || part.type.ends_with("64"))
         return shown;
     return Json::parse(shown);
@@ -138,185 +140,182 @@ Json Writer::Leaf(Node const& node) const
     return json;
 }
 
-void Writer::AddContent(JsonPrinter& json, Node const& node) const
+void Writer::AddContent(Node const& node, Cursor& children)
 {
-    std::size_t next = 0;
+    Node child;
     switch (node.kind)
     {
     case Kind::kDictionary:
-        json.Key("entries");
-        json.BeginList();
-        for (Node const& entry : node.entries)
+        mJson.Key("entries");
+        mJson.BeginList();
+        for (uint32 i = 0; i < node.entryCount && ValueOrRaise(children.Next(child)); ++i)
         {
-            json.BeginObject();
-            json.Member("key", entry.label.number);
-            json.Key("record");
-            Record(json, entry);
-            json.End();
+            mJson.BeginObject();
+            mJson.Member("key", child.label.number);
+            mJson.Key("record");
+            Record(child);
+            mJson.End();
         }
-        return json.End();
+        return mJson.End();
     case Kind::kStrings:
-        json.Key("strings");
-        json.BeginList();
-        for (Node const& entry : node.entries)
-            json.Value({{"key", TextJson(entry.label.text)}, {"value", TextJson(entry.text)}});
-        return json.End();
+        mJson.Key("strings");
+        mJson.BeginList();
+        for (uint32 i = 0; i < node.entryCount && ValueOrRaise(children.Next(child)); ++i)
+            mJson.Value({{"key", TextJson(child.label.text)}, {"value", TextJson(child.text)}});
+        return mJson.End();
     case Kind::kObject:
-        json.Key("parts");
-        json.BeginList();
-        for (Part const& part : node.parts)
+        mJson.Key("parts");
+        mJson.BeginList();
+        for (RECORDS::Part const& part : node.parts)
         {
-            json.BeginObject();
-            json.Member("type", part.type);
-            json.Key(part.type == "record" ? "record" : "value");
-            if (part.type == "record")
-                Record(json, node.entries[next++]);
-            else
-                json.Value(PartValue(part));
-            json.End();
+            mJson.BeginObject();
+            mJson.Member("type", part.type);
+            mJson.Key(part.type == "record" ? "record" : "value");
+            if (part.type != "record")
+                mJson.Value(PartValue(part));
+            else if (ValueOrRaise(children.Next(child)))
+                Record(child);
+            mJson.End();
         }
-        return json.End();
+        return mJson.End();
     case Kind::kValue:
     case Kind::kURI:
     case Kind::kRelativeURI:
-        return json.Members(Leaf(node));
+        return mJson.Members(Leaf(node));
     case Kind::kStringEntry:
     case Kind::kUnknownClass:
         break;
     }
 }
 
-void Writer::Record(JsonPrinter& json, Node const& node) const
-{
-    if (IsRaw(node))
-        return json.Value(Raw(node));
-    std::string const name = ClassName(node.classId);
-    json.BeginObject();
-    json.Member("class", name.empty() ? Json(nullptr) : Json(name));
-    json.Member("classId", GUIDToText(node.classId));
-    AddContent(json, node);
-    if (!node.aggregates.empty())
-    {
-        json.Key("aggregates");
-        json.BeginList();
-        for (Node const& aggregate : node.aggregates)
-        {
-            json.BeginObject();
-            json.Member("interface", GUIDToText(aggregate.label.id));
-            json.Key("record");
-            Record(json, aggregate);
-            json.End();
-        }
-        json.End();
-    }
-    json.End();
-}
-
-/// As it is after being written and parsed.
-Json Parsed(Json const& json) { return Json::parse(json.dump()); }
-
-void Writer::GiveContentBack(RecordWriter& writer, Node const& node) const
-{
-    std::size_t next = 0;
-    switch (node.kind)
-    {
-    case Kind::kDictionary:
-        writer.Put(static_cast<uint32>(node.entries.size()));
-        for (Node const& entry : node.entries)
-        {
-            writer.Put(entry.label.number);
-            GiveBack(writer, entry);
-        }
-        break;
-    case Kind::kStrings:
-        writer.Put(static_cast<uint32>(node.entries.size()));
-        for (Node const& entry : node.entries)
-        {
-            PutJsonText(writer, Parsed(TextJson(entry.label.text)));
-            PutJsonText(writer, Parsed(TextJson(entry.text)));
-        }
-        break;
-    case Kind::kObject:
-        for (Part const& part : node.parts)
-            if (part.type == "record")
-                GiveBack(writer, node.entries[next++]);
-            else
-                PutJsonPart(writer, Parsed({{"type", part.type}, {"value", PartValue(part)}}));
-        break;
-    case Kind::kValue:
-    case Kind::kURI:
-    case Kind::kRelativeURI:
-        PutJsonLeaf(writer, Parsed(Leaf(node)), node.kind);
-        break;
-    case Kind::kStringEntry:
-    case Kind::kUnknownClass:
-        break;
-    }
-}
-
+/// Writes what reading the document of what the record says itself gives.
 void Writer::GiveBack(RecordWriter& writer, Node const& node) const
 {
-    // Such stand as the bytes that they are.
-    if (IsRaw(node))
-        return writer.Put(Slice(node.offset, node.length));
-    writer.Begin(node.classId);
-    GiveContentBack(writer, node);
-    writer.Put(static_cast<uint32>(node.aggregates.size()));
-    for (Node const& aggregate : node.aggregates)
+    if (node.kind == Kind::kObject)
     {
-        writer.Put(aggregate.label.id);
-        GiveBack(writer, aggregate);
+        for (RECORDS::Part const& part : node.parts)
+            if (part.type != "record")
+                PutJsonPart(writer, Parsed({{"type", part.type}, {"value", PartValue(part)}}));
+        return;
     }
-    writer.End();
+    if (node.kind != Kind::kStrings)
+        return PutJsonLeaf(writer, Parsed(Leaf(node)), node.kind);
+    Cursor children = mReader.Children(node);
+    Node child;
+    for (uint32 i = 0; i < node.entryCount && ValueOrRaise(children.Next(child)); ++i)
+    {
+        PutJsonText(writer, Parsed(TextJson(child.label.text)));
+        PutJsonText(writer, Parsed(TextJson(child.text)));
+    }
 }
 
-Json Head(RecordTree const& tree)
+/// The bytes that this should be.
+Bytes Writer::OwnBytes(Node const& node) const
 {
-    return {{"schema", 1}, {"format", "tessio-dump"}, {"order", OrderName(tree.order)}};
+    constexpr int64 kCount = 4;
+    int64 const body = node.offset + kHeader;
+    if (node.kind == Kind::kStrings)
+        return Slice(body + kCount, node.aggregatesAt - body - kCount);
+    if (node.kind != Kind::kObject)
+        return Slice(body, node.bodyEnd - body);
+    Bytes bytes;
+    for (RECORDS::Part const& part : node.parts)
+        if (part.type != "record")
+        {
+            Bytes const more = Slice(part.offset, part.length);
+            bytes.insert(bytes.end(), more.begin(), more.end());
+        }
+    return bytes;
 }
 
-/// What the values would not give back byte for byte stands as bytes.
-void WriteRecord(JsonPrinter& json, RecordTree const& tree, Node const& record, ByteView content)
+/// Whether the document gives back what the record says itself, byte for byte: what it would not give back
+/// stands as bytes.
+bool Writer::IsPlain(Node const& node) const
 {
-    Writer const writer(content, tree.order, false);
-    RecordWriter back(tree.order);
-    writer.GiveBack(back, record);
-    bool const same =
-        std::ranges::equal(back.Written(), content.subspan(static_cast<std::size_t>(record.offset),
-                                                           static_cast<std::size_t>(record.length)));
-    Writer(content, tree.order, !same).Record(json, record);
+    if (!node.regular || node.kind == Kind::kUnknownClass)
+        return false;
+    if (node.kind == Kind::kDictionary)
+        return true;
+    RecordWriter back(mReader.GetOrder());
+    GiveBack(back, node);
+    return std::ranges::equal(back.Written(), OwnBytes(node));
+}
+
+void Writer::Record(Node& node)
+{
+    static_cast<void>(ValueOrRaise(mReader.Complete(node)));
+    if (!IsPlain(node))
+        return mJson.Value(Raw(node));
+    std::string const name = ClassName(node.classId);
+    mJson.BeginObject();
+    mJson.Member("class", name.empty() ? Json(nullptr) : Json(name));
+    mJson.Member("classId", GUIDToText(node.classId));
+    Cursor children = mReader.Children(node);
+    AddContent(node, children);
+    if (node.aggregateCount > 0)
+    {
+        mJson.Key("aggregates");
+        mJson.BeginList();
+        Node child;
+        while (ValueOrRaise(children.Next(child)))
+        {
+            mJson.BeginObject();
+            mJson.Member("interface", GUIDToText(child.label.id));
+            mJson.Key("record");
+            Record(child);
+            mJson.End();
+        }
+        mJson.End();
+    }
+    mJson.End();
+}
+
+Json Head(Reader const& reader)
+{
+    return {{"schema", 1}, {"format", "tessio-dump"}, {"order", OrderName(reader.GetOrder())}};
 }
 } // namespace
 
-void WriteJson(JsonPrinter& json, RecordTree const& tree, ByteView content)
+Result<bool> WriteJson(JsonPrinter& json, Reader& reader)
 {
-    json.BeginObject();
-    json.Members(Head(tree));
-    json.Key("records");
-    json.BeginList();
-    for (Node const& record : tree.records)
-        WriteRecord(json, tree, record, content);
-    json.End();
-    if (tree.end < tree.size)
-        json.Member("rest", HexOf(content.subspan(static_cast<std::size_t>(tree.end))));
-    json.End();
-    json.Finish();
+    return Guarded([&] {
+        json.BeginObject();
+        json.Members(Head(reader));
+        json.Key("records");
+        json.BeginList();
+        Writer writer(json, reader);
+        Cursor records = reader.Records();
+        Node node;
+        while (ValueOrRaise(records.Next(node)))
+            writer.Record(node);
+        json.End();
+        if (int64 const end = records.Position(); end < reader.Size())
+            json.Member("rest", writer.HexOfFile(end, reader.Size() - end));
+        json.End();
+        json.Finish();
+        return true;
+    });
 }
 
-std::string WriteJsonLines(RecordTree const& tree, ByteView content)
+Result<bool> WriteJsonLines(Reader& reader, TextSink const& sink)
 {
-    std::string lines = Head(tree).dump() + "\n";
-    JsonPrinter json([&](std::string_view piece) { lines += piece; }, JsonPrinter::Layout::kOneLine);
-    for (Node const& record : tree.records)
-    {
-        WriteRecord(json, tree, record, content);
-        json.Finish();
-    }
-    if (tree.end < tree.size)
-    {
-        json.Value({{"rest", HexOf(content.subspan(static_cast<std::size_t>(tree.end)))}});
-        json.Finish();
-    }
-    return lines;
+    return Guarded([&] {
+        sink(Head(reader).dump() + "\n");
+        JsonPrinter json(sink, JsonPrinter::Layout::kOneLine);
+        Writer writer(json, reader);
+        Cursor records = reader.Records();
+        Node node;
+        while (ValueOrRaise(records.Next(node)))
+        {
+            writer.Record(node);
+            json.Finish();
+        }
+        if (int64 const end = records.Position(); end < reader.Size())
+        {
+            json.Value({{"rest", writer.HexOfFile(end, reader.Size() - end)}});
+            json.Finish();
+        }
+        return true;
+    });
 }
 } // namespace KORVA::RECORDS

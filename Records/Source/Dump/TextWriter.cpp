@@ -1,3 +1,4 @@
+#include "Format/Guard.h"
 #include <tessio/ObjectModel/GUIDText.h>
 #include <tessio/Records/Dump/Text.h>
 #include <tessio/Records/Format/Directories.h>
@@ -18,36 +19,50 @@ namespace
 {
 
 constexpr std::size_t kBytesPerLine = 32;
+/// How much text is collected before it is handed on.
+constexpr std::size_t kPiece = std::size_t{64} << 10;
+/// The number of aggregates behind a body.
+constexpr int64 kCount = 4;
 
 class Writer
 {
 public:
-    Writer(ByteView content, Order order, bool raw) : mContent(content), mOrder(order), mRaw(raw) {}
+    Writer(Reader& reader, TextSink const& sink) : mReader(reader), mSink(sink) {}
 
-    void Record(Node const& node, int depth);
+    void Put(std::string_view text) { mText += text; }
+    void Record(Node& node, int depth);
     void Rest(int64 from, int64 to)
     {
         mText += "rest ";
-        Hex(Slice(from, to - from), 0);
+        HexOfFile(from, to - from, 0);
         mText += "\n";
     }
-
-    std::string Take() { return std::move(mText); }
+    void HandOn()
+    {
+        mSink(mText);
+        mText.clear();
+    }
 
 private:
-    void Body(Node const& node, int depth);
+    bool IsPlain(Node const& node);
+    bool IsReadBack(std::string const& words, Bytes const& bytes) const;
+    bool AreTextsReadBack(Node const& node);
+    std::string OwnWords(Node const& node);
+    Bytes OwnBytes(Node const& node);
     void RawRecord(Node const& node, int depth);
+    void Opening(Node const& node, int depth);
     void PlainValue(Node const& node, int depth);
-    void Parts(Node const& node, int depth);
-    void Entries(Node const& node, int depth);
+    void Part(RECORDS::Part const& part, int depth);
+    void Entries(Node const& node, Cursor& children, int depth);
     void Hex(ByteView bytes, int depth);
+    void HexOfFile(int64 from, int64 length, int depth);
 
-    ByteView Slice(int64 offset, int64 length) const
-    {
-        return mContent.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(length));
-    }
+    Bytes Slice(int64 offset, int64 length) { return ValueOrRaise(mReader.BytesAt(offset, length)); }
+    bool Next(Cursor& children, Node& child) { return ValueOrRaise(children.Next(child)); }
     void NewLine(int depth)
     {
+        if (mText.size() >= kPiece)
+            HandOn();
         mText += '\n';
         mText.append(static_cast<std::size_t>(Indent(depth)), ' ');
     }
@@ -57,9 +72,8 @@ private:
         fmt::format_to(std::back_inserter(mText), format, std::forward<Arguments>(arguments)...);
     }
 
-    ByteView mContent;
-    Order mOrder;
-    bool mRaw;
+    Reader& mReader;
+    TextSink const& mSink;
     std::string mText;
 };
 
@@ -82,6 +96,22 @@ void Writer::Hex(ByteView bytes, int depth)
     mText += '}';
 }
 
+/// The same of bytes that may be too many to be in memory.
+void Writer::HexOfFile(int64 from, int64 length, int depth)
+{
+    constexpr auto kLine = static_cast<int64>(kBytesPerLine);
+    if (length <= kLine)
+        return Hex(Slice(from, length), depth);
+    mText += '{';
+    for (int64 at = 0; at < length; at += kLine)
+    {
+        NewLine(depth + 1);
+        Add("{:02x}", fmt::join(Slice(from + at, std::min(kLine, length - at)), " "));
+    }
+    NewLine(depth);
+    mText += '}';
+}
+
 void Writer::RawRecord(Node const& node, int depth)
 {
     std::string const problem = Problem(node);
@@ -95,7 +125,7 @@ void Writer::RawRecord(Node const& node, int depth)
     int64 const size = node.length - kHeader;
     if (node.declared != size)
         Add("length {} ", node.declared);
-    Hex(Slice(node.offset + kHeader, size), depth);
+    HexOfFile(node.offset + kHeader, size, depth);
 }
 
 void Writer::PlainValue(Node const& node, int depth)
@@ -122,62 +152,29 @@ void Writer::PlainValue(Node const& node, int depth)
         mText += Shown(value);
 }
 
-void Writer::Parts(Node const& node, int depth)
+void Writer::Part(RECORDS::Part const& part, int depth)
 {
-    mText += '{';
-    std::size_t next = 0;
-    for (Part const& part : node.parts)
+    Order const order = mReader.GetOrder();
+    Bytes const bytes = Slice(part.offset, part.length);
+    if (part.type == "bytes")
     {
-        NewLine(depth + 1);
-        if (part.type == "record")
-        {
-            mText += "holds ";
-            Record(node.entries[next++], depth + 1);
-        }
-        else if (part.type == "bytes")
-        {
-            mText += "bytes ";
-            Hex(Slice(part.offset, part.length), depth + 1);
-        }
-        else if (part.type == "float" || part.type == "double")
-        {
-            unsigned char const* const from = mContent.data() + part.offset;
-            bool const isFloat = part.type == "float";
-            uint64 const bits = isFloat ? Load<uint32>(from, mOrder) : Load<uint64>(from, mOrder);
-            bool const isFinite = isFloat ? std::isfinite(std::bit_cast<float>(static_cast<uint32>(bits)))
-                                          : std::isfinite(std::bit_cast<double>(bits));
-            if (isFinite)
-                Add("{} {}", part.type, ShownPart(Slice(part.offset, part.length), part, mOrder));
-            else
-                Add("{} bits 0x{:X}", part.type, bits);
-        }
-        else
-            Add("{} {}", part.type, ShownPart(Slice(part.offset, part.length), part, mOrder));
+        mText += "bytes ";
+        return Hex(bytes, depth);
     }
-    NewLine(depth);
-    mText += '}';
+    if (part.type == "float" || part.type == "double")
+    {
+        bool const isFloat = part.type == "float";
+        uint64 const bits = isFloat ? Load<uint32>(bytes.data(), order) : Load<uint64>(bytes.data(), order);
+        bool const isFinite = isFloat ? std::isfinite(std::bit_cast<float>(static_cast<uint32>(bits)))
+                                      : std::isfinite(std::bit_cast<double>(bits));
+        if (!isFinite)
+            return Add("{} bits 0x{:X}", part.type, bits);
+    }
+    Add("{} {}", part.type, ShownPart(bytes, part, order));
 }
 
-void Writer::Entries(Node const& node, int depth)
-{
-    mText += '{';
-    for (Node const& entry : node.entries)
-    {
-        NewLine(depth + 1);
-        if (entry.kind == Kind::kStringEntry)
-            Add("{} = {}", Quoted(entry.label.text), Quoted(entry.text));
-        else
-        {
-            Add("{}: ", entry.label.number);
-            Record(entry, depth + 1);
-        }
-    }
-    if (!node.entries.empty())
-        NewLine(depth);
-    mText += '}';
-}
-
-void Writer::Body(Node const& node, int depth)
+/// What stands before the braces around what a record holds; of one that holds none all of it.
+void Writer::Opening(Node const& node, int depth)
 {
     switch (node.kind)
     {
@@ -186,10 +183,9 @@ void Writer::Body(Node const& node, int depth)
         // It can be written under two ids.
         if (node.classId != IO::IID_DICTIONARY)
             Add("{} ", GUIDToText(node.classId));
-        return Entries(node, depth);
+        return;
     case Kind::kStrings:
-        mText += "StringDictionary ";
-        return Entries(node, depth);
+        return Put("StringDictionary ");
     case Kind::kValue:
         return PlainValue(node, depth);
     case Kind::kURI:
@@ -198,57 +194,162 @@ void Writer::Body(Node const& node, int depth)
         return Add("RelativeURI {} {} {} {} {}", Quoted(node.scheme), Quoted(node.host), node.port,
                    Quoted(node.text), DirectoryName(node.directory));
     case Kind::kObject:
-        Add("object {} ", GUIDToText(node.classId));
-        return Parts(node, depth);
+        return Add("object {} ", GUIDToText(node.classId));
     case Kind::kStringEntry:
     case Kind::kUnknownClass:
         break;
     }
 }
 
-void Writer::Record(Node const& node, int depth)
+void Writer::Entries(Node const& node, Cursor& children, int depth)
 {
-    if (mRaw || !node.regular || node.kind == Kind::kUnknownClass)
-        return RawRecord(node, depth);
-    Body(node, depth);
-    if (node.aggregates.empty())
-        return;
-    mText += " with {";
-    for (Node const& aggregate : node.aggregates)
+    Node child;
+    mText += '{';
+    if (node.kind == Kind::kObject)
+    {
+        for (RECORDS::Part const& part : node.parts)
+        {
+            NewLine(depth + 1);
+            if (part.type != "record")
+            {
+                Part(part, depth + 1);
+                continue;
+            }
+            mText += "holds ";
+            if (Next(children, child))
+                Record(child, depth + 1);
+        }
+        NewLine(depth);
+    }
+    for (uint32 i = 0; node.kind != Kind::kObject && i < node.entryCount && Next(children, child); ++i)
     {
         NewLine(depth + 1);
-        Add("{}: ", GUIDToText(aggregate.label.id));
-        Record(aggregate, depth + 1);
+        if (child.kind == Kind::kStringEntry)
+        {
+            Add("{} = {}", Quoted(child.label.text), Quoted(child.text));
+            continue;
+        }
+        Add("{}: ", child.label.number);
+        Record(child, depth + 1);
+    }
+    if (node.kind != Kind::kObject && node.entryCount > 0)
+        NewLine(depth);
+    mText += '}';
+}
+
+/// The words of what a record says itself, without other records.
+std::string Writer::OwnWords(Node const& node)
+{
+    Writer own(mReader, mSink);
+    own.Opening(node, 0);
+    if (node.kind == Kind::kObject)
+    {
+        own.mText += "{ ";
+        for (RECORDS::Part const& part : node.parts)
+            if (part.type != "record")
+            {
+                own.Part(part, 0);
+                own.mText += ' ';
+            }
+        own.mText += '}';
+    }
+    return std::move(own.mText);
+}
+
+/// The bytes that these words stand for.
+Bytes Writer::OwnBytes(Node const& node)
+{
+    int64 const body = node.offset + kHeader;
+    if (node.kind != Kind::kObject)
+        return Slice(body, node.bodyEnd - body);
+    Bytes bytes;
+    for (RECORDS::Part const& part : node.parts)
+        if (part.type != "record")
+        {
+            Bytes const more = Slice(part.offset, part.length);
+            bytes.insert(bytes.end(), more.begin(), more.end());
+        }
+    return bytes;
+}
+
+/// Whether reading a record's words gives a body of these bytes.
+bool Writer::IsReadBack(std::string const& words, Bytes const& bytes) const
+{
+    Result<Bytes> const back =
+        ReadText(fmt::format("tessio-dump 1 {}\n{}\n", OrderName(mReader.GetOrder()), words));
+    return back && static_cast<int64>(back->size()) >= kHeader + kCount &&
+           std::equal(back->begin() + kHeader, back->end() - kCount, bytes.begin(), bytes.end());
+}
+
+bool Writer::AreTextsReadBack(Node const& node)
+{
+    Cursor children = mReader.Children(node);
+    Node child;
+    for (uint32 i = 0; i < node.entryCount && Next(children, child); ++i)
+    {
+        Bytes const entry = Slice(child.offset, child.length);
+        // A dictionary with this entry alone, behind its count.
+        Result<Bytes> const back = ReadText(fmt::format("tessio-dump 1 {}\nStringDictionary {{ {} = {} }}\n",
+                                                        OrderName(mReader.GetOrder()),
+                                                        Quoted(child.label.text), Quoted(child.text)));
+        if (!back ||
+            !std::equal(back->begin() + kHeader + kCount, back->end() - kCount, entry.begin(), entry.end()))
+            return false;
+    }
+    return true;
+}
+
+/// Whether words give back what the record says itself, byte for byte: what they would not give back stands
+/// as bytes.
+bool Writer::IsPlain(Node const& node)
+{
+    if (!node.regular || node.kind == Kind::kUnknownClass)
+        return false;
+    if (node.kind == Kind::kDictionary)
+        return true;
+    return node.kind == Kind::kStrings ? AreTextsReadBack(node) : IsReadBack(OwnWords(node), OwnBytes(node));
+}
+
+void Writer::Record(Node& node, int depth)
+{
+    static_cast<void>(ValueOrRaise(mReader.Complete(node)));
+    if (!IsPlain(node))
+        return RawRecord(node, depth);
+    Opening(node, depth);
+    Cursor children = mReader.Children(node);
+    if (node.kind == Kind::kDictionary || node.kind == Kind::kStrings || node.kind == Kind::kObject)
+        Entries(node, children, depth);
+    if (node.aggregateCount == 0)
+        return;
+    mText += " with {";
+    Node child;
+    while (Next(children, child))
+    {
+        NewLine(depth + 1);
+        Add("{}: ", GUIDToText(child.label.id));
+        Record(child, depth + 1);
     }
     NewLine(depth);
     mText += '}';
 }
 } // namespace
 
-std::string WriteText(RecordTree const& tree, ByteView content)
+Result<bool> WriteText(Reader& reader, TextSink const& sink)
 {
-    std::string const header = fmt::format("tessio-dump 1 {}\n", OrderName(tree.order));
-    std::string text = header;
-    for (Node const& record : tree.records)
-    {
-        auto const written = [&](bool raw) {
-            Writer writer(content, tree.order, raw);
-            writer.Record(record, 0);
-            return writer.Take() + "\n";
-        };
-        std::string const words = written(false);
-        // Read back at once: what the words would not give back byte for byte stands as bytes.
-        Result<Bytes> const back = ReadText(header + words);
-        ByteView const original =
-            content.subspan(static_cast<std::size_t>(record.offset), static_cast<std::size_t>(record.length));
-        text += back && std::ranges::equal(*back, original) ? words : written(true);
-    }
-    if (tree.end < tree.size)
-    {
-        Writer writer(content, tree.order, true);
-        writer.Rest(tree.end, tree.size);
-        text += writer.Take();
-    }
-    return text;
+    return Guarded([&] {
+        Writer writer(reader, sink);
+        writer.Put(fmt::format("tessio-dump 1 {}\n", OrderName(reader.GetOrder())));
+        Cursor records = reader.Records();
+        Node node;
+        while (ValueOrRaise(records.Next(node)))
+        {
+            writer.Record(node, 0);
+            writer.Put("\n");
+        }
+        if (records.Position() < reader.Size())
+            writer.Rest(records.Position(), reader.Size());
+        writer.HandOn();
+        return true;
+    });
 }
 } // namespace KORVA::RECORDS

@@ -215,29 +215,29 @@ Bytes Remove(Original const& original, Path const& components, ObjectProof const
     return Apply(original, components, holders, splice, proof);
 }
 
-Bytes Reorder(Original const& original, Order order)
+Bytes Reorder(Reader& reader, std::string const& name, Order order)
 {
-    Walk(original.tree, [&](Node const& node, std::string const& path, int) {
+    int64 const end = ValueOrRaise(Walk(reader, [&](Node const& node, std::string const& path) {
         if (node.kind == Kind::kUnknownClass && node.length > kHeader)
             Raise(ErrorCode::kDamaged, node.offset,
                   fmt::format("{}: {} is of the class {}, which nobody here knows: its bytes can't be turned "
                               "round; nothing is written",
-                              Quoted(original.name), path, GUIDToText(node.classId)));
+                              Quoted(name), path, GUIDToText(node.classId)));
         if (!node.regular && node.length > kHeader)
             Raise(ErrorCode::kDamaged, node.offset,
                   fmt::format("{}: {} is not what a writer makes ({}): its bytes can't be turned round; "
                               "nothing is written",
-                              Quoted(original.name), path,
-                              node.findings.empty() ? "" : node.findings.front().words));
-    });
-    if (!original.tree.findings.empty())
-        Raise(ErrorCode::kDamaged, kNoOffset,
-              fmt::format("{}: {}; nothing is written", Quoted(original.name),
-                          original.tree.findings.front().words));
+                              Quoted(name), path, node.findings.empty() ? "" : node.findings.front().words));
+        return true;
+    }));
+    if (auto const finding = LeftOver(end, reader.Size()))
+        Raise(ErrorCode::kDamaged, finding->offset,
+              fmt::format("{}: {}; nothing is written", Quoted(name), finding->words));
     // The words for values are the same in both orders.
-    std::string const text = WriteText(original.tree, original.content);
-    std::string const words = text.substr(text.find('\n'));
-    return ValueOrRaise(ReadText(fmt::format("tessio-dump 1 {}{}", OrderName(order), words)));
+    std::string text;
+    static_cast<void>(ValueOrRaise(WriteText(reader, [&](std::string_view piece) { text += piece; })));
+    text.replace(0, text.find('\n'), fmt::format("tessio-dump 1 {}", OrderName(order)));
+    return ValueOrRaise(ReadText(text));
 }
 } // namespace
 
@@ -252,9 +252,9 @@ Result<Bytes> WithoutPlace(Original const& original, Path const& path, ObjectPro
     return Guarded([&] { return Remove(original, path, proof); });
 }
 
-Result<Bytes> WithOrder(Original const& original, Order order)
+Result<Bytes> WithOrder(Reader& reader, std::string const& name, Order order)
 {
-    return Guarded([&] { return Reorder(original, order); });
+    return Guarded([&] { return Reorder(reader, name, order); });
 }
 
 Bytes StringEntry(STRING::CoreString const& key, STRING::CoreString const& text, Order order)

@@ -8,7 +8,7 @@
 
 #include <tessio/Records/Dump/JsonPrinter.h>
 #include <tessio/Records/Format/Result.h>
-#include <tessio/Records/Tree/Node.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <string>
 #include <string_view>
@@ -16,10 +16,10 @@
 namespace KORVA::RECORDS
 {
 /// One document, in pieces.
-void WriteJson(JsonPrinter& json, RecordTree const& tree, ByteView content);
+Result<bool> WriteJson(JsonPrinter& json, Reader& reader);
 
 /// The same as lines: the head, then a document for each record, then what is left over, if anything.
-std::string WriteJsonLines(RecordTree const& tree, ByteView content);
+Result<bool> WriteJsonLines(Reader& reader, TextSink const& sink);
 
 /// The bytes that a document, or lines of them, stand for. Fails where they are no dump.
 Result<Bytes> ReadJson(std::string_view text);

@@ -13,6 +13,12 @@ namespace KORVA::RECORDS
 /// Members keep their order.
 using Json = nlohmann::ordered_json;
 
+/// Is given pieces of a text of some size, in order.
+using TextSink = std::function<void(std::string_view)>;
+
+/// Is given pieces of a text of some size, in order.
+using TextSink = std::function<void(std::string_view)>;
+
 /// Writes a document piece by piece, as `JsonText` lays it out, or on one line. Lines that are nested deeper
 /// than anybody reads stand no further to the right, so that their number alone makes the document long.
 class JsonPrinter
@@ -23,10 +29,8 @@ public:
         kLines,
         kOneLine
     };
-    /// Is given pieces of some size, in order.
-    using Sink = std::function<void(std::string_view)>;
-
-    explicit JsonPrinter(Sink sink, Layout layout = Layout::kLines) : mSink(std::move(sink)), mLayout(layout)
+    explicit JsonPrinter(TextSink sink, Layout layout = Layout::kLines)
+        : mSink(std::move(sink)), mLayout(layout)
     {}
 
     /// Begins an object or a list, as the next value.
@@ -57,7 +61,7 @@ private:
     void NewLine();
     void Put(std::string_view text);
 
-    Sink mSink;
+    TextSink mSink;
     Layout mLayout;
     std::string mText;
     std::vector<Open> mOpen;

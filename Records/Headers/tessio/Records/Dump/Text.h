@@ -11,16 +11,17 @@
 // where its bytes make no sense, they stand as they are.
 #pragma once
 
+#include <tessio/Records/Dump/JsonPrinter.h>
 #include <tessio/Records/Format/Result.h>
-#include <tessio/Records/Tree/Node.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <string>
 #include <string_view>
 
 namespace KORVA::RECORDS
 {
-/// Every byte of the file in words. `content` is what the tree was read from.
-std::string WriteText(RecordTree const& tree, ByteView content);
+/// Every byte of the file in words, piece by piece.
+Result<bool> WriteText(Reader& reader, TextSink const& sink);
 
 /// The bytes that a text stands for. Fails where it is no dump, with the place in the text as the offset.
 Result<Bytes> ReadText(std::string_view text);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <tessio/Records/Format/Result.h>
-#include <tessio/Records/Tree/Path.h>
+#include <tessio/Records/Tree/Reader.h>
 
 #include <functional>
 #include <string>
@@ -36,6 +36,7 @@ Result<Bytes> WithoutPlace(Original const& original, Path const& path, ObjectPro
 /// Key and text as a string dictionary holds them.
 Bytes StringEntry(STRING::CoreString const& key, STRING::CoreString const& text, Order order);
 
-/// The same records in the other order. Fails when there are any whose bytes nobody here can turn round.
-Result<Bytes> WithOrder(Original const& original, Order order);
+/// The same records in another order, of which `name` is how messages call the file. Fails when there are any
+/// whose bytes nobody here can turn round.
+Result<Bytes> WithOrder(Reader& reader, std::string const& name, Order order);
 } // namespace KORVA::RECORDS
