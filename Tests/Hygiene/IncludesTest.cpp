@@ -461,7 +461,7 @@ Row const kRows[] = {
     {"DumpFromTheTree", "Records/Source/Tree/X.cpp", "tessio/Records/Dump/Text.h", false},
     {"EditFromSalvage", "Records/Source/Salvage/X.cpp", "tessio/Records/Edit/Edit.h", false},
     {"DumpFromTheEdit", "Records/Source/Edit/X.cpp", "tessio/Records/Dump/Text.h", true},
-    {"PrivateHeaderFromItsNeighbour", "Records/Source/Salvage/X.cpp", "Tree/DecoderClass.h", true},
+    {"PrivateHeaderFromItsNeighbour", "Records/Source/Salvage/X.cpp", "Tree/Decoder.h", true},
     {"RecordsFromATool", "Tools/tessio/X.cpp", "tessio/Records/Salvage/Salvage.h", true},
     {"RecordsFromTheLibrary", kLibrary + "/X.cpp", "tessio/Records/Format/Bytes.h", false},
     {"UnknownFolder", "Elsewhere/X.cpp", "map", false},

@@ -94,7 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
                       CostRow{"Info", {"info", "FILE"}, 20, 256 * kKiB},
                       CostRow{"Dump", {"dump", "FILE"}, 20, 256 * kKiB},
                       CostRow{"DumpJson", {"dump", "--format", "json", "FILE"}, 20, 256 * kKiB},
-                      CostRow{"Hex", {"hex", "FILE"}, 140, 128 * kKiB},
+                      CostRow{"Hex", {"hex", "FILE"}, 20, 128 * kKiB},
+                      CostRow{"Tree", {"tree", "FILE"}, 20, 128 * kKiB},
                       CostRow{"Salvage", {"salvage", "FILE", "-o", "o"}, 20, 128 * kKiB}),
     RowName());
 

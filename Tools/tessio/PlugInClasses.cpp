@@ -108,7 +108,7 @@ private:
         auto const length = mEnd - start;
         unsigned char const* const from = mBody.data() + start;
         if (type == "record")
-            return length >= kHeader;
+            return length >= KORVA::IO::kRecordHeadSize;
         if (type == "bool")
             return length == 1 && *from <= 1;
         if (type == "string")

@@ -61,7 +61,7 @@ void RecordFile::Load(GUID const& classId, Use use)
     if (use != Use::kRead)
         mHeld = std::move(stream);
     mOrder = ValueOf(OrderOf(mContent), Quoted(mLocation) + " ");
-    if (mContent.size() < static_cast<std::size_t>(kHeader))
+    if (mContent.size() < static_cast<std::size_t>(KORVA::IO::kRecordHeadSize))
         throw Failure(Exit::kNotARecordFile, Quoted(mLocation) + " is not a record file");
     if (int64 const most = mSession.Bounds().bytes; static_cast<int64>(mContent.size()) > most)
         throw Failure(Exit::kLimit,
@@ -139,7 +139,7 @@ Bytes ValueRecord(Session const& session, std::string const& type, std::string c
     Bytes const bytes = Serialized(session, *dictionary, order);
     // Around the value stand the dictionary's header, its count and the key, and behind it its own
     // aggregates.
-    return {bytes.begin() + kHeader + kCount + kKey, bytes.end() - kCount};
+    return {bytes.begin() + KORVA::IO::kRecordHeadSize + kCount + kKey, bytes.end() - kCount};
 }
 
 bool IsWrittenAsRead(Session const& session, std::span<unsigned char const> record,

@@ -34,7 +34,7 @@ std::string ShownBriefly(Json const& json)
 /// Ends reading where a document is nested deeper than records can be.
 void CheckDepth(std::string_view text)
 {
-    static constexpr int kDeepestJson = 3 * kDeepest + 100;
+    static constexpr int kDeepestJson = 3 * IO::kMostNestedRecords + 100;
     int depth = 0;
     bool isText = false;
     for (std::size_t at = 0; at < text.size(); ++at)
@@ -310,8 +310,8 @@ void Parser::Content(Json const& json, Kind kind, int depth)
 
 void Parser::Record(Json const& json, int depth)
 {
-    if (depth > kDeepest)
-        throw Unfit{fmt::format("records are nested more than {} deep", kDeepest)};
+    if (depth > IO::kMostNestedRecords)
+        throw Unfit{fmt::format("records are nested more than {} deep", IO::kMostNestedRecords)};
     GUID const classId = Id(Member(json, "classId"));
     mWriter.Begin(classId);
     if (json.contains("body"))

@@ -61,10 +61,10 @@ Json Writer::Raw(Node const& node) const
     Json json = {{"class", name.empty() ? Json(nullptr) : Json(name)}, {"classId", GUIDToText(node.classId)}};
     if (std::string const problem = Problem(node); !problem.empty())
         json["damage"] = problem;
-    int64 const size = node.length - kHeader;
+    int64 const size = node.length - IO::kRecordHeadSize;
     if (node.declared != size)
         json["length"] = std::to_string(node.declared);
-    json["body"] = HexOf(Slice(node.offset + kHeader, size));
+    json["body"] = HexOf(Slice(node.offset + IO::kRecordHeadSize, size));
     return json;
 }
 
@@ -213,7 +213,7 @@ void Writer::GiveBack(RecordWriter& writer, Node const& node) const
 Bytes Writer::OwnBytes(Node const& node) const
 {
     constexpr int64 kCount = 4;
-    int64 const body = node.offset + kHeader;
+    int64 const body = node.offset + IO::kRecordHeadSize;
     if (node.kind == Kind::kStrings)
         return Slice(body + kCount, node.aggregatesAt - body - kCount);
     if (node.kind != Kind::kObject)

@@ -446,8 +446,8 @@ void Parser::Aggregates(int depth)
 void Parser::Record(int depth)
 {
     Token const token = Take(Token::Type::kWord, "a record");
-    if (depth > kDeepest)
-        Lexer::Fail(token.at, fmt::format("nested more than {} deep", kDeepest));
+    if (depth > IO::kMostNestedRecords)
+        Lexer::Fail(token.at, fmt::format("nested more than {} deep", IO::kMostNestedRecords));
     if (token.text == "record")
         return Raw();
     if (token.text == "PersistentDictionary")

@@ -122,10 +122,10 @@ void Writer::RawRecord(Node const& node, int depth)
     if (!problem.empty() || FindClass(node.classId))
         NewLine(depth);
     Add("record {} ", GUIDToText(node.classId));
-    int64 const size = node.length - kHeader;
+    int64 const size = node.length - IO::kRecordHeadSize;
     if (node.declared != size)
         Add("length {} ", node.declared);
-    HexOfFile(node.offset + kHeader, size, depth);
+    HexOfFile(node.offset + IO::kRecordHeadSize, size, depth);
 }
 
 void Writer::PlainValue(Node const& node, int depth)
@@ -259,7 +259,7 @@ std::string Writer::OwnWords(Node const& node)
 /// The bytes that these words stand for.
 Bytes Writer::OwnBytes(Node const& node)
 {
-    int64 const body = node.offset + kHeader;
+    int64 const body = node.offset + IO::kRecordHeadSize;
     if (node.kind != Kind::kObject)
         return Slice(body, node.bodyEnd - body);
     Bytes bytes;
@@ -277,8 +277,8 @@ bool Writer::IsReadBack(std::string const& words, Bytes const& bytes) const
 {
     Result<Bytes> const back =
         ReadText(fmt::format("tessio-dump 1 {}\n{}\n", OrderName(mReader.GetOrder()), words));
-    return back && static_cast<int64>(back->size()) >= kHeader + kCount &&
-           std::equal(back->begin() + kHeader, back->end() - kCount, bytes.begin(), bytes.end());
+    return back && static_cast<int64>(back->size()) >= IO::kRecordHeadSize + kCount &&
+           std::equal(back->begin() + IO::kRecordHeadSize, back->end() - kCount, bytes.begin(), bytes.end());
 }
 
 bool Writer::AreTextsReadBack(Node const& node)
@@ -292,8 +292,8 @@ bool Writer::AreTextsReadBack(Node const& node)
         Result<Bytes> const back = ReadText(fmt::format("tessio-dump 1 {}\nStringDictionary {{ {} = {} }}\n",
                                                         OrderName(mReader.GetOrder()),
                                                         Quoted(child.label.text), Quoted(child.text)));
-        if (!back ||
-            !std::equal(back->begin() + kHeader + kCount, back->end() - kCount, entry.begin(), entry.end()))
+        if (!back || !std::equal(back->begin() + IO::kRecordHeadSize + kCount, back->end() - kCount,
+                                 entry.begin(), entry.end()))
             return false;
     }
     return true;

@@ -19,8 +19,8 @@ namespace KORVA::RECORDS
 namespace
 {
 
-constexpr int64 kKey = 4;
-constexpr int64 kId = 16;
+constexpr int64 kKey = IO::kEntryKeySize;
+constexpr int64 kId = IO::kInterfaceIdSize;
 
 /// What of the file goes, what comes in its place, and which count changes.
 struct Splice
@@ -82,7 +82,8 @@ Splice Insertion(Original const& original, Node const& holder, Label const& labe
             fmt::format("{} can't be put into a {}", Segment(label),
                         ClassName(holder.classId).empty() ? "plug-in's object" : ClassName(holder.classId)));
     splice.change = 1;
-    splice.countAt = label.type == Label::Type::kInterface ? holder.aggregatesAt : holder.offset + kHeader;
+    splice.countAt =
+        label.type == Label::Type::kInterface ? holder.aggregatesAt : holder.offset + IO::kRecordHeadSize;
     splice.from = label.type == Label::Type::kInterface ? holder.End() : holder.aggregatesAt;
     if (label.type == Label::Type::kInterface)
     {
@@ -151,7 +152,7 @@ Bytes Apply(Original const& original, Path const& path, std::vector<Node const*>
     int64 const delta = splice.Delta();
     for (Node const* const holder : holders)
     {
-        if (holder->declared + delta > kLargestLength)
+        if (holder->declared + delta > IO::kGreatestLength)
             Raise(ErrorCode::kTooLarge, kNoOffset,
                   fmt::format("{} would be larger than 2 GiB; nothing is changed", Quoted(original.name)));
         Store(content.data() + holder->offset + 16, holder->declared + delta, order);
@@ -195,7 +196,7 @@ Bytes Remove(Original const& original, Path const& components, ObjectProof const
         splice.change = 0;
         return Apply(original, components, holders, splice, proof);
     }
-    splice.countAt = holders.back()->offset + kHeader;
+    splice.countAt = holders.back()->offset + IO::kRecordHeadSize;
     switch (node.label.type)
     {
     case Label::Type::kKey:
@@ -218,12 +219,12 @@ Bytes Remove(Original const& original, Path const& components, ObjectProof const
 Bytes Reorder(Reader& reader, std::string const& name, Order order)
 {
     int64 const end = ValueOrRaise(Walk(reader, [&](Node const& node, std::string const& path) {
-        if (node.kind == Kind::kUnknownClass && node.length > kHeader)
+        if (node.kind == Kind::kUnknownClass && node.length > IO::kRecordHeadSize)
             Raise(ErrorCode::kDamaged, node.offset,
                   fmt::format("{}: {} is of the class {}, which nobody here knows: its bytes can't be turned "
                               "round; nothing is written",
                               Quoted(name), path, GUIDToText(node.classId)));
-        if (!node.regular && node.length > kHeader)
+        if (!node.regular && node.length > IO::kRecordHeadSize)
             Raise(ErrorCode::kDamaged, node.offset,
                   fmt::format("{}: {} is not what a writer makes ({}): its bytes can't be turned round; "
                               "nothing is written",

@@ -1,6 +1,7 @@
 #include <tessio/Records/Format/Classes.h>
 
 #include <tessio/TessIO/ClassIds.h>
+#include <tessio/TessIO/RecordFormat.h>
 
 namespace KORVA::RECORDS
 {
@@ -16,19 +17,15 @@ constexpr KnownClass kClasses[] = {
     {IO::IID_PERSISTENT_DICTIONARY, "PersistentDictionary", Kind::kDictionary},
 };
 
-constexpr uint32 Tag(char const (&text)[5])
-{
-    uint32 value = 0;
-    for (int i = 0; i < 4; ++i)
-        value = value << 8 | static_cast<unsigned char>(text[i]);
-    return value;
-}
+constexpr uint32 Tag(IO::ValueTag tag) { return static_cast<uint32>(tag); }
 
-constexpr ValueType kTypes[] = {{Tag("UNNT"), "none"},   {Tag("S8VL"), "int8"},   {Tag("U8VL"), "uint8"},
-                                {Tag("S16V"), "int16"},  {Tag("U16V"), "uint16"}, {Tag("S32V"), "int32"},
-                                {Tag("U32V"), "uint32"}, {Tag("S64V"), "int64"},  {Tag("U64V"), "uint64"},
-                                {Tag("FL32"), "float"},  {Tag("FL64"), "double"}, {Tag("GUID"), "guid"},
-                                {Tag("CHAR"), "bytes"},  {Tag("UNIC"), "text"}};
+constexpr ValueType kTypes[] = {{Tag(IO::ValueTag::kNone), "none"},     {Tag(IO::ValueTag::kInt8), "int8"},
+                                {Tag(IO::ValueTag::kUInt8), "uint8"},   {Tag(IO::ValueTag::kInt16), "int16"},
+                                {Tag(IO::ValueTag::kUInt16), "uint16"}, {Tag(IO::ValueTag::kInt32), "int32"},
+                                {Tag(IO::ValueTag::kUInt32), "uint32"}, {Tag(IO::ValueTag::kInt64), "int64"},
+                                {Tag(IO::ValueTag::kUInt64), "uint64"}, {Tag(IO::ValueTag::kFloat), "float"},
+                                {Tag(IO::ValueTag::kDouble), "double"}, {Tag(IO::ValueTag::kGUID), "guid"},
+                                {Tag(IO::ValueTag::kBytes), "bytes"},   {Tag(IO::ValueTag::kUnits), "text"}};
 } // namespace
 
 std::span<KnownClass const> KnownClasses() { return kClasses; }

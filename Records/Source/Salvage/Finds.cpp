@@ -34,7 +34,7 @@ std::optional<SoundRecord> Finds::SoundAs(int64 offset, KnownClass const& known)
     auto const sound = Skeleton(mContent, mOptions).Sound(offset, known);
     if (!sound || mTiles)
         return sound;
-    auto const inside = mSound.lower_bound(offset + kHeader);
+    auto const inside = mSound.lower_bound(offset + IO::kRecordHeadSize);
     return inside != mSound.end() && inside->first < sound->textEnd ? std::nullopt : sound;
 }
 
@@ -43,7 +43,7 @@ std::optional<SoundRecord> Finds::SoundAs(int64 offset, KnownClass const& known)
 void Finds::FindSound()
 {
     auto const size = static_cast<int64>(mContent.size());
-    for (int64 at = size - kHeader; at >= 0; --at)
+    for (int64 at = size - IO::kRecordHeadSize; at >= 0; --at)
     {
         unsigned char const* const id = mContent.data() + at;
         KnownClass const* named = nullptr;
@@ -65,7 +65,7 @@ void Finds::FindSound()
             mKnown.push_back(at);
         // Most that are broken say so with their length; what is in them need not be read for that.
         auto const length = Load<int64>(id + 16, mOptions.order);
-        if (length < 0 || length > size - at - kHeader)
+        if (length < 0 || length > size - at - IO::kRecordHeadSize)
             continue;
         if (auto const sound = named ? SoundAs(at, *named) : std::nullopt)
         {
@@ -98,7 +98,7 @@ int64 Finds::EndOfWhole(int64 offset) const
         return 0;
     // A length of 0 before what reads as the record's content is a length that was lost.
     bool const isLost =
-        sound->second.end == offset + kHeader &&
+        sound->second.end == offset + IO::kRecordHeadSize &&
         Skeleton(mContent, mOptions).EndByContent(offset, static_cast<int64>(mContent.size()));
     return isLost ? 0 : sound->second.end;
 }
@@ -108,7 +108,7 @@ int64 Finds::EndOfWhole(int64 offset) const
 bool Finds::IsCutInto(int64 from, int64 to) const
 {
     auto const end = mSound.lower_bound(to);
-    for (auto sound = mSound.lower_bound(from + kHeader); sound != end; ++sound)
+    for (auto sound = mSound.lower_bound(from + IO::kRecordHeadSize); sound != end; ++sound)
     {
         Look(sound->first);
         if (sound->second.end > to && EndOfWhole(sound->first) > to)
@@ -162,12 +162,12 @@ bool Finds::Tiles() const
 {
     auto const size = static_cast<int64>(mContent.size());
     int64 at = 0;
-    while (size - at >= kHeader)
+    while (size - at >= IO::kRecordHeadSize)
     {
         auto const length = Load<int64>(mContent.data() + at + 16, mOptions.order);
-        if (length < 0 || length > size - at - kHeader)
+        if (length < 0 || length > size - at - IO::kRecordHeadSize)
             return false;
-        at += kHeader + length;
+        at += IO::kRecordHeadSize + length;
     }
     return at == size;
 }

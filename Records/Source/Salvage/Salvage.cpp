@@ -33,12 +33,12 @@ void Salvager::Keep(int64 from, int64 to, Fate::Type type, Place path, std::stri
 
 std::optional<int64> Salvager::EndByLength(int64 offset, int64 limit) const
 {
-    if (limit - offset < kHeader)
+    if (limit - offset < IO::kRecordHeadSize)
         return std::nullopt;
     auto const length = At<int64>(offset + 16);
-    if (length < 0 || length > kLargestLength || length > limit - offset - kHeader)
+    if (length < 0 || length > IO::kGreatestLength || length > limit - offset - IO::kRecordHeadSize)
         return std::nullopt;
-    return offset + kHeader + length;
+    return offset + IO::kRecordHeadSize + length;
 }
 
 /// Behind what is in a record stands the number of its aggregates. Only the last of these can end with it: it
@@ -47,11 +47,12 @@ bool Salvager::MayEndWithRecord(int64 offset, int64 end) const
 {
     auto const last = std::prev(mFinds.Whole().lower_bound(end));
     int64 const number = last->first - 16 - 4;
-    if (last->second != end || number < offset + kHeader)
+    if (last->second != end || number < offset + IO::kRecordHeadSize)
         return last->second != end;
     if (At<int32>(number) == 1)
         return true;
-    for (int64 other = number + 4 - kHeader; other >= offset + kHeader + 4 + 16; --other)
+    for (int64 other = number + 4 - IO::kRecordHeadSize; other >= offset + IO::kRecordHeadSize + 4 + 16;
+         --other)
         if (EndByLength(other, end) == number + 4)
             return true;
     return false;
@@ -66,7 +67,7 @@ std::optional<int64> Salvager::EndOfUnknown(int64 offset, int64 limit) const
         return std::nullopt;
     GUID const id = LoadId(mContent.data() + offset, mOrder);
     bool const mayHold =
-        mFinds.NextWhole(offset + kHeader, mSize) >= *end ||
+        mFinds.NextWhole(offset + IO::kRecordHeadSize, mSize) >= *end ||
         (MayEndWithRecord(offset, *end) && (mIsWhole || (LooksLikeId(id) && !mFinds.IsLikeKnown(offset))));
     return id != GUID{} && mayHold ? end : std::nullopt;
 }
@@ -167,7 +168,7 @@ void Salvager::Unknown(int64 from, int64 to)
     // From the back: where records begin that lead exactly to `to`.
     std::set<int64> leads{to};
     int64 first = to;
-    for (int64 at = to - kHeader; at >= from; --at)
+    for (int64 at = to - IO::kRecordHeadSize; at >= from; --at)
     {
         auto const end = EndOfUnknown(at, to);
         if (end && leads.contains(*end) && (at == from || LooksLikeId(LoadId(mContent.data() + at, mOrder))))
@@ -225,18 +226,18 @@ Salvager::Taken Salvager::Broken(int64 offset, int64 limit, int depth, Place con
     bool const isSound = end && (known->kind == Kind::kDictionary || mFinds.NextWhole(offset, limit) >= *end);
     if (isSound && IsBoundary(*end, limit, depth))
     {
-        int64 const length = *end - offset - kHeader;
+        int64 const length = *end - offset - IO::kRecordHeadSize;
         Keep(offset, *end, Fate::Type::kRepaired, path,
              fmt::format("its length was {}, it is {}", At<int64>(offset + 16), length));
         Copy(offset, offset + 16);
         mOut.Put(length);
-        Copy(offset + kHeader, *end);
+        Copy(offset + IO::kRecordHeadSize, *end);
         return {*end, true};
     }
     if (int64 const deepest = mFinds.Options().work.limits.depth; depth >= deepest)
         Raise(ErrorCode::kBeyondLimit, offset,
               fmt::format("the record at offset {} is nested more than {} deep", offset, deepest));
-    if (known->kind == Kind::kDictionary && depth < kDeepest)
+    if (known->kind == Kind::kDictionary && depth < IO::kMostNestedRecords)
         return Dictionary(offset, limit, depth, path);
     if (known->kind == Kind::kStrings)
         return Strings(offset, limit, depth, path);
@@ -363,7 +364,7 @@ Result<Salvaged> Salvage(ByteView content, Order order, Work const& work)
     bounded.limits.count = std::min(limits.count, bound);
     Result<Salvaged> result = Guarded([&] { return Salvager(content, order, bounded).Run(); });
     bool const isOurBound = !result && result.error().code == ErrorCode::kBeyondLimit &&
-                            limits.count > bound && limits.depth >= kDeepest;
+                            limits.count > bound && limits.depth >= IO::kMostNestedRecords;
     if (isOurBound)
         return Error{
             ErrorCode::kBeyondLimit, kNoOffset,

@@ -24,7 +24,7 @@ std::optional<int64> Salvager::EndOfAggregates(int64 offset, int64 limit) const
     int64 at = offset + 4;
     for (uint32 i = 0; i < count; ++i)
     {
-        if (limit - at < 16 + kHeader)
+        if (limit - at < 16 + IO::kRecordHeadSize)
             return std::nullopt;
         mFinds.Look(at + 16);
         auto const end = EndOfAggregate(at + 16, limit);
@@ -52,7 +52,7 @@ bool Salvager::Entry(Rebuilding& dictionary)
 {
     int64 const record = dictionary.at + 4;
     int64 const reach = dictionary.Reach();
-    if (reach - dictionary.at < 4 + kHeader)
+    if (reach - dictionary.at < 4 + IO::kRecordHeadSize)
         return false;
     // Writers put keys in ascending order. One that is not is another dictionary's, unless it leads to the
     // end.
@@ -178,16 +178,16 @@ void Salvager::CopyAggregates(int64 from, int64 first, int64 end, Place const& p
 
 Salvager::Taken Salvager::Dictionary(int64 offset, int64 limit, int depth, Place const& path)
 {
-    if (std::min(limit, mFinds.NextWhole(offset, limit)) - offset < kHeader + 4)
+    if (std::min(limit, mFinds.NextWhole(offset, limit)) - offset < IO::kRecordHeadSize + 4)
         return {};
     Rebuilding dictionary{.offset = offset,
                           .end = EndByLength(offset, limit),
                           .limit = limit,
                           .depth = depth,
                           .path = path,
-                          .at = offset + kHeader + 4,
+                          .at = offset + IO::kRecordHeadSize + 4,
                           .entries = 0,
-                          .count = At<uint32>(offset + kHeader),
+                          .count = At<uint32>(offset + IO::kRecordHeadSize),
                           .lastKey = {},
                           .isDamaged = false,
                           .reaches = {}};
@@ -219,7 +219,7 @@ Salvager::Taken Salvager::Dictionary(int64 offset, int64 limit, int depth, Place
         words = "its count was wrong";
     else if (dictionary.end != end)
         words = "its length was wrong";
-    Keep(offset, offset + kHeader + 4,
+    Keep(offset, offset + IO::kRecordHeadSize + 4,
          isPartial       ? Fate::Type::kPartial
          : words.empty() ? Fate::Type::kKept
                          : Fate::Type::kRepaired,

@@ -14,7 +14,7 @@ std::optional<uint32> Salvager::AggregatesBetween(int64 from, int64 to) const
     uint32 count = 0;
     for (int64 at = from; at != to; ++count)
     {
-        if (to - at < 16 + kHeader)
+        if (to - at < 16 + IO::kRecordHeadSize)
             return std::nullopt;
         mFinds.Look(at + 16);
         auto const end = EndOfAggregate(at + 16, to);
@@ -60,7 +60,7 @@ Salvager::Taken Salvager::Leaf(int64 offset, int64 limit, int depth, Place const
     if (!count)
         return {mFinds.NextWhole(offset, limit) < *end ? 0 : *end, false};
     mOut.Begin(LoadId(mContent.data() + offset, mOrder));
-    Copy(offset + kHeader, *number);
+    Copy(offset + IO::kRecordHeadSize, *number);
     std::string const words = AggregatesAnew(*number, *end, path);
     mOut.End();
     Keep(offset, *number + 4, Fate::Type::kRepaired, path, words);
@@ -115,14 +115,14 @@ void Salvager::CopyTexts(int64 offset, TextEntries const& entries)
 
 Salvager::Taken Salvager::Strings(int64 offset, int64 limit, int depth, Place const& path)
 {
-    if (limit - offset < kHeader + 4)
+    if (limit - offset < IO::kRecordHeadSize + 4)
         return {};
     // Where it ends by its own length, if that can be; else 0.
     int64 end = 0;
     if (auto const claimed = EndByLength(offset, limit); claimed && IsBoundary(*claimed, limit, depth))
         end = *claimed;
-    auto const count = At<uint32>(offset + kHeader);
-    int64 const first = offset + kHeader + 4;
+    auto const count = At<uint32>(offset + IO::kRecordHeadSize);
+    int64 const first = offset + IO::kRecordHeadSize + 4;
     int64 const stop = std::min(end > 0 ? end : limit, mFinds.NextWhole(offset, limit));
     // A length below zero reads as no text. Where all that comes behind is right, it is but that length that
     // is wrong; otherwise nothing behind it can be believed.

@@ -12,8 +12,8 @@ namespace KORVA::RECORDS
 {
 namespace
 {
-constexpr int64 kIdSize = sizeof(GUID);
-constexpr int64 kKeySize = 4;
+using IO::kEntryKeySize;
+using IO::kInterfaceIdSize;
 /// The whole number and the floating-point number of a value.
 constexpr int64 kNumberSize = 16;
 } // namespace
@@ -56,7 +56,7 @@ bool Skeleton::Text(int64 end)
 /// Looks a record up, or passes one of an unknown class by its length.
 bool Skeleton::Nested(int64 end)
 {
-    if (end - mPosition < kHeader)
+    if (end - mPosition < IO::kRecordHeadSize)
         return false;
     Count(mPosition);
     int height = 0;
@@ -67,10 +67,10 @@ bool Skeleton::Nested(int64 end)
         next = sound == mOptions.sound->end() ? 0 : sound->second.end;
         height = next == 0 ? 0 : sound->second.height;
     }
-    else if (auto const length = Load<int64>(mContent.data() + mPosition + kIdSize, mOptions.order);
-             length >= 0 && length <= std::min(kLargestLength, end - mPosition - kHeader) &&
+    else if (auto const length = Load<int64>(mContent.data() + mPosition + IO::kClassIdSize, mOptions.order);
+             length >= 0 && length <= std::min(IO::kGreatestLength, end - mPosition - IO::kRecordHeadSize) &&
              !mOptions.misnamed->contains(mPosition))
-        next = mPosition + kHeader + length;
+        next = mPosition + IO::kRecordHeadSize + length;
     if (next == 0 || next > end)
         return false;
     mPosition = next;
@@ -84,7 +84,8 @@ bool Skeleton::Dictionary(int64 end)
     if (!count)
         return false;
     for (uint32 i = 0; i < *count; ++i)
-        if (end - mPosition < kKeySize + kHeader || !Skip(kKeySize, end) || !Nested(end))
+        if (end - mPosition < kEntryKeySize + IO::kRecordHeadSize || !Skip(kEntryKeySize, end) ||
+            !Nested(end))
             return false;
     return true;
 }
@@ -172,7 +173,7 @@ bool Skeleton::Aggregates(int64 end)
     for (int32 i = 0; i < *count; ++i)
     {
         int64 const at = mPosition;
-        if (end - at < kIdSize + kHeader || !Skip(kIdSize, end))
+        if (end - at < kInterfaceIdSize + IO::kRecordHeadSize || !Skip(kInterfaceIdSize, end))
             return false;
         GUID const iid = LoadId(mContent.data() + at, mOptions.order);
         bool const isDropped = iid == IO::IPERSISTENT_DATA || iid == IO::IPERSISTENT_DATA_EX;
@@ -192,12 +193,12 @@ std::optional<SoundRecord> Skeleton::Sound(int64 offset, KnownClass const& known
         Raise(ErrorCode::kBeyondLimit, offset,
               fmt::format("the record at offset {} is nested more than {} deep", offset, deepest));
     auto const size = static_cast<int64>(mContent.size());
-    auto const length = Load<int64>(mContent.data() + offset + kIdSize, mOptions.order);
-    if (length < 0 || length > std::min(kLargestLength, size - offset - kHeader))
+    auto const length = Load<int64>(mContent.data() + offset + IO::kClassIdSize, mOptions.order);
+    if (length < 0 || length > std::min(IO::kGreatestLength, size - offset - IO::kRecordHeadSize))
         return std::nullopt;
-    int64 const end = offset + kHeader + length;
+    int64 const end = offset + IO::kRecordHeadSize + length;
     mIsUsual = LoadId(mContent.data() + offset, mOptions.order) != GUID{};
-    mPosition = offset + kHeader;
+    mPosition = offset + IO::kRecordHeadSize;
     int64 textEnd = 0;
     // Nothing but its class is written of an empty record.
     if (length > 0)
@@ -211,7 +212,7 @@ std::optional<SoundRecord> Skeleton::Sound(int64 offset, KnownClass const& known
     if (mHeight >= deepest)
         Raise(ErrorCode::kBeyondLimit, offset,
               fmt::format("the record at offset {} holds others more than {} deep", offset, deepest));
-    if (mHeight >= kDeepest)
+    if (mHeight >= IO::kMostNestedRecords)
         return std::nullopt;
     return SoundRecord{end, mHeight, textEnd, mIsUsual};
 }
@@ -226,10 +227,10 @@ std::optional<int64> Skeleton::EndByContent(int64 offset, int64 limit)
 
 std::optional<int64> Skeleton::EndOfBody(int64 offset, int64 limit)
 {
-    if (limit - offset < kHeader)
+    if (limit - offset < IO::kRecordHeadSize)
         return std::nullopt;
     KnownClass const* const known = FindClass(LoadId(mContent.data() + offset, mOptions.order));
-    mPosition = offset + kHeader;
+    mPosition = offset + IO::kRecordHeadSize;
     if (!known || !Body(known->kind, limit))
         return std::nullopt;
     return mPosition;

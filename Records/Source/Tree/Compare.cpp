@@ -37,8 +37,9 @@ private:
     bool SameParts(Node const& a, Node const& b) const;
     bool SameBytes(Node const& a, Node const& b) const
     {
-        return std::ranges::equal(BytesOf(mA, a.offset + kHeader, a.length - kHeader),
-                                  BytesOf(mB, b.offset + kHeader, b.length - kHeader));
+        return std::ranges::equal(
+            BytesOf(mA, a.offset + IO::kRecordHeadSize, a.length - IO::kRecordHeadSize),
+            BytesOf(mB, b.offset + IO::kRecordHeadSize, b.length - IO::kRecordHeadSize));
     }
     std::string Line(Side const& side, Node const& node) const;
 
@@ -105,7 +106,7 @@ std::string Comparison::Line(Side const& side, Node const& node) const
 {
     if (node.kind == Kind::kUnknownClass)
         return fmt::format("unknown class {}, {}", GUIDToText(node.classId),
-                           ByteCount(node.length - kHeader));
+                           ByteCount(node.length - IO::kRecordHeadSize));
     if (node.kind != Kind::kObject)
         return Summary(node);
     std::string text = "object " + GUIDToText(node.classId) + " {";

@@ -240,7 +240,7 @@ Node Decoder::Head(int64 offset, int64 limit, char const* holder, Label label, i
     node.offset = offset;
     node.depth = depth;
     mPosition = offset;
-    node.classId = LoadId(mWindow.At(offset, kHeader), mOptions.order);
+    node.classId = LoadId(mWindow.At(offset, IO::kRecordHeadSize), mOptions.order);
     KnownClass const* const known = FindClass(node.classId);
     if (known)
         node.kind = known->kind;
@@ -260,10 +260,11 @@ Node Decoder::Head(int64 offset, int64 limit, char const* holder, Label label, i
     else if (node.declared > left)
         Note(node, Severity::kError, "length-too-large", at,
              fmt::format("should be {}, the {} leaves {}", ByteCount(node.declared), holder, left));
-    else if (node.declared > kLargestLength)
+    else if (node.declared > IO::kGreatestLength)
         Note(node, Severity::kError, "length-not-believed", at,
-             fmt::format("its length is {}, more than the {} that are read", node.declared, kLargestLength));
-    node.length = node.regular ? kHeader + node.declared : limit - offset;
+             fmt::format("its length is {}, more than the {} that are read", node.declared,
+                         IO::kGreatestLength));
+    node.length = node.regular ? IO::kRecordHeadSize + node.declared : limit - offset;
     return node;
 }
 

@@ -17,14 +17,14 @@ int Likeliness(ByteView content, Order order)
     auto const size = static_cast<int64>(content.size());
     for (int64 at = 0; at < size;)
     {
-        if (size - at < kHeader)
+        if (size - at < IO::kRecordHeadSize)
             return 0;
         if (FindClass(LoadId(content.data() + at, order)))
             return 2;
         auto const length = Load<int64>(content.data() + at + 16, order);
-        if (length < 0 || length > kLargestLength || length > size - at - kHeader)
+        if (length < 0 || length > IO::kGreatestLength || length > size - at - IO::kRecordHeadSize)
             return 0;
-        at += kHeader + length;
+        at += IO::kRecordHeadSize + length;
     }
     return size == 0 ? 0 : 1;
 }

@@ -10,11 +10,11 @@ namespace KORVA::RECORDS
 {
 namespace
 {
-constexpr int64 kKeySize = 4;
-constexpr int64 kCountSize = 4;
-constexpr int64 kIdSize = sizeof(GUID);
+using IO::kEntryCountSize;
+using IO::kEntryKeySize;
+using IO::kInterfaceIdSize;
 /// The lengths of a key and a text.
-constexpr int64 kEmptyTexts = 8;
+constexpr int64 kEmptyTexts = 2 * IO::kStringCountSize;
 
 /// What a passage goes by, without the content.
 Node Outline(Node const& node)
@@ -33,7 +33,8 @@ Node Outline(Node const& node)
 } // namespace
 
 Cursor::Passage::Passage(Decoder& decoder, Node const& holder)
-    : mDecoder(decoder), mHolder(Outline(holder)), mAt(holder.offset + kHeader), mEnd(holder.End())
+    : mDecoder(decoder), mHolder(Outline(holder)), mAt(holder.offset + IO::kRecordHeadSize),
+      mEnd(holder.End())
 {}
 
 void Cursor::Passage::Complete(Decoder& decoder, Node& node)
@@ -42,7 +43,7 @@ void Cursor::Passage::Complete(Decoder& decoder, Node& node)
         return;
     int64 const end = node.End();
     decoder.SetSink({});
-    decoder.MoveTo(node.offset + kHeader);
+    decoder.MoveTo(node.offset + IO::kRecordHeadSize);
     // So far only a length that can't be believed makes a node irregular.
     if (decoder.Position() == end && node.regular)
     {
@@ -51,9 +52,9 @@ void Cursor::Passage::Complete(Decoder& decoder, Node& node)
         node.regular = false;
         return;
     }
-    if (node.depth >= kDeepest)
+    if (node.depth >= IO::kMostNestedRecords)
         return Decoder::Note(node, Severity::kError, "nested-too-deep", node.offset,
-                             fmt::format("nested more than {} deep, it is not read", kDeepest));
+                             fmt::format("nested more than {} deep, it is not read", IO::kMostNestedRecords));
     try
     {
         decoder.Leaf(node, end);
@@ -104,7 +105,7 @@ bool Cursor::Passage::Step(Node& child)
         return false;
     if (mStage == Stage::kTop)
     {
-        bool const isThere = mDecoder.Size() - mAt >= kHeader;
+        bool const isThere = mDecoder.Size() - mAt >= IO::kRecordHeadSize;
         return isThere &&
                Record(child, {.type = Label::Type::kIndex, .number = mIndex++, .text = {}, .id = {}},
                       mDecoder.Size(), "file");
@@ -121,8 +122,8 @@ bool Cursor::Passage::Step(Node& child)
 /// Reads how many entries there are. Whether there is anything to go through.
 bool Cursor::Passage::Start()
 {
-    bool const isEmpty = mHolder.declared == 0 && mHolder.length == kHeader;
-    if (isEmpty || mHolder.depth >= kDeepest)
+    bool const isEmpty = mHolder.declared == 0 && mHolder.length == IO::kRecordHeadSize;
+    if (isEmpty || mHolder.depth >= IO::kMostNestedRecords)
         return false;
     switch (mHolder.kind)
     {
@@ -181,7 +182,7 @@ bool Cursor::Passage::Entry(Node& child)
     if (mIndex == mCount)
         return StartAggregates() && false;
     int64 const keyAt = mDecoder.Position();
-    if (mEnd - keyAt < kKeySize + kHeader)
+    if (mEnd - keyAt < kEntryKeySize + IO::kRecordHeadSize)
         throw Broken{"count-too-large", mCountAt,
                      fmt::format("should hold {} entries, there is room for {}", mCount, mIndex)};
     auto const key = mDecoder.Read<uint32>(mEnd, Role::kKey, "key", "a key");
@@ -201,7 +202,7 @@ void Cursor::Passage::CheckKey(uint32 key, int64 at)
         Note(Severity::kWarning, "keys-not-ascending", at,
              fmt::format("the key {} stands behind {}", key, last));
         int64 const here = mDecoder.Position();
-        mDecoder.MoveTo(mCountAt + kCountSize);
+        mDecoder.MoveTo(mCountAt + kEntryCountSize);
         for (uint32 i = 0; i < mIndex; ++i)
         {
             mKeys.insert(mDecoder.Read<uint32>(mEnd, Role::kKey, "key", "a key"));
@@ -243,7 +244,7 @@ void Cursor::Passage::CheckText(Node const& entry)
     {
         int64 const here = mDecoder.Position();
         Node others;
-        mDecoder.MoveTo(mCountAt + kCountSize);
+        mDecoder.MoveTo(mCountAt + kEntryCountSize);
         for (uint32 i = 0; i < mIndex; ++i)
             mTexts.insert(mDecoder.TextEntry(others, mEnd).label.text);
         mDecoder.MoveTo(here);
@@ -273,7 +274,7 @@ bool Cursor::Passage::Part(Node& child)
             continue;
         }
         int64 const limit = part.offset + part.length;
-        mDecoder.Need(kHeader, limit, "a record's header");
+        mDecoder.Need(IO::kRecordHeadSize, limit, "a record's header");
         return Record(child, {.type = Label::Type::kPart, .number = mRecordPart++, .text = {}, .id = {}},
                       limit, "parent");
     }
@@ -292,7 +293,7 @@ bool Cursor::Passage::Aggregate(Node& child)
                                      mEnd - at == 1 ? "belongs" : "belong")};
         return false;
     }
-    if (mEnd - at < kIdSize + kHeader)
+    if (mEnd - at < kInterfaceIdSize + IO::kRecordHeadSize)
         throw Broken{"aggregates-too-many", mCountAt,
                      fmt::format("should have {} aggregates, there is room for {}", mCount, mIndex)};
     GUID const iid = mDecoder.ReadId(mEnd, Role::kKey, "interface", "an aggregate's id");

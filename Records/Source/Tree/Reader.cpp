@@ -91,9 +91,9 @@ Result<bool> Reader::TellFields(Node const& node, FieldSink const& sink)
         }
         Node again = decoder.Head(node.offset, node.End(), "", {}, node.depth);
         int64 const body = decoder.Position();
-        if (node.kind == Kind::kUnknownClass && node.depth < kDeepest)
+        if (node.kind == Kind::kUnknownClass && node.depth < IO::kMostNestedRecords)
             decoder.Tell(body, node.End() - body, Role::kOpaque, "body", "of a class that is not known");
-        else if (node.kind != Kind::kObject && body < node.End() && node.depth < kDeepest)
+        else if (node.kind != Kind::kObject && body < node.End() && node.depth < IO::kMostNestedRecords)
         {
             try
             {

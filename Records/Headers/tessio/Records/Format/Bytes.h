@@ -4,6 +4,7 @@
 #include <tessio/ObjectModel/GUID.h>
 #include <tessio/ObjectModel/Types.h>
 #include <tessio/TessIO/IDataProvider.h>
+#include <tessio/TessIO/RecordFormat.h>
 
 #include <array>
 #include <cstring>
@@ -20,13 +21,6 @@ constexpr char const* OrderName(Order order)
 {
     return order == IO::IDataProvider::kBigEndian ? "big-endian" : "little-endian";
 }
-
-/// The length of a record's header: class id and length.
-constexpr int64 kHeader = 24;
-/// Lengths beyond are not believed by the library.
-constexpr int64 kLargestLength = 2147483647;
-/// Records nested deeper are not read by the library.
-constexpr int kDeepest = 1000;
 
 /// The number of `sizeof(Number)` bytes at `from`.
 template <class Number>
