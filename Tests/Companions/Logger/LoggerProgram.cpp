@@ -22,7 +22,7 @@ std::wstring Wide(char const* text) { return {text, text + std::strlen(text)}; }
 
 void LogText(std::wstring const& text)
 {
-    KLoggerLibInterface::GetInstance()->KLogMessage(2, "Some/Source", "void Some::Function(int)", 123,
+    KLoggerLibInterface::GetInstance()->KLogMessage(2, "Some/Source", "void Some::Function(int)", 123456789,
                                                     text.c_str(), 1);
 }
 
