@@ -40,6 +40,11 @@ Descriptor OpenFile(std::string const& path, Access access, ErrorNumber& error)
     return Open(path, FlagsOf(access) | O_NONBLOCK | O_NOCTTY, error);
 }
 
+Descriptor OpenFileAndWait(std::string const& path, ErrorNumber& error)
+{
+    return Open(path, O_RDONLY | O_NOCTTY, error);
+}
+
 Descriptor OpenDirectory(std::string const& path, ErrorNumber& error)
 {
     return Open(path, O_RDONLY | O_DIRECTORY, error);

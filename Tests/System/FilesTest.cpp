@@ -7,13 +7,17 @@
 #include "System/Paths.h"
 #include "System/References.h"
 #include "System/Replacement.h"
+#include "System/Transfer.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <string_view>
+#include <thread>
 
 namespace KORVA::TESTS
 {
@@ -63,6 +67,8 @@ INSTANTIATE_TEST_SUITE_P(
                    [](std::string const& file, std::string const&, ErrorNumber& error) {
                        return SYSTEM::OpenFile(file, SYSTEM::Access::kRead, error);
                    }},
+        OpeningRow{"FileToWaitFor", [](std::string const& file, std::string const&,
+                                       ErrorNumber& error) { return SYSTEM::OpenFileAndWait(file, error); }},
         OpeningRow{"Directory", [](std::string const&, std::string const& folder,
                                    ErrorNumber& error) { return SYSTEM::OpenDirectory(folder, error); }},
         OpeningRow{"Reference", [](std::string const& file, std::string const&,
@@ -99,6 +105,25 @@ TEST_F(Files, NobodyWaitsForTheOtherEndOfAPipe)
     EXPECT_EQ(error, 0);
     EXPECT_FALSE(SYSTEM::OpenFile(Path("p"), SYSTEM::Access::kWrite, error));
     EXPECT_EQ(error, ENXIO);
+}
+
+TEST_F(Files, WhoWantsAllOfAPipeWaitsForIt)
+{
+    ASSERT_EQ(mkfifo(Path("p").c_str(), 0600), 0);
+    std::thread writer([name = Path("p")] {
+        // This waits for the reader.
+        int const pipe = open(name.c_str(), O_WRONLY);
+        EXPECT_EQ(write(pipe, "x", 1), 1);
+        close(pipe);
+    });
+    ErrorNumber error = -1;
+    Descriptor const opened = SYSTEM::OpenFileAndWait(Path("p"), error);
+    EXPECT_EQ(error, 0);
+    char bytes[2] = {};
+    std::size_t count = sizeof bytes;
+    EXPECT_EQ(SYSTEM::ReadAll(opened.Get(), bytes, count), 0);
+    EXPECT_EQ(std::string_view(bytes, count), "x");
+    writer.join();
 }
 
 TEST_F(Files, WhatIsNoDirectoryIsNotOpenedAsOne)

@@ -95,7 +95,7 @@ std::vector<unsigned char> FileBytes(std::string const& name)
     constexpr std::size_t kStep = std::size_t{1} << 20;
     constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<int>::max());
     SYSTEM::ErrorNumber error = 0;
-    SYSTEM::Descriptor const file = SYSTEM::OpenFile(name, SYSTEM::Access::kRead, error);
+    SYSTEM::Descriptor const file = SYSTEM::OpenFileAndWait(name, error);
     if (!file)
         throw Failure(error == ENOENT || error == ENOTDIR ? Exit::kNotFound : Exit::kInputOutput,
                       "cannot open " + Quoted(name) + ": " + WordsOf(error));

@@ -19,6 +19,10 @@ enum class Access
 /// None on failure, with the reason in `error`.
 Descriptor OpenFile(std::string const& path, Access access, ErrorNumber& error);
 
+/// The same to read all of it: waits until somebody opens the other end of a pipe to write, and reading waits
+/// for what comes.
+Descriptor OpenFileAndWait(std::string const& path, ErrorNumber& error);
+
 /// Opens a directory to lock it or to flush the names in it. `ENOTDIR` for anything else.
 Descriptor OpenDirectory(std::string const& path, ErrorNumber& error);
 
