@@ -108,6 +108,13 @@ TEST_P(PathToNode, LeadsThereOrSaysHowFarItLeads)
         auto const node = RECORDS::NodeAt(tree, *RECORDS::ParsePath(GetParam().path));
         EXPECT_EQ(FailureOf(node), GetParam().failure);
         EXPECT_EQ(node ? (*node)->offset : -1, GetParam().offset);
+        // Without a tree it is the same.
+        Bytes const content = Laid(order, kEvery);
+        RECORDS::MemorySource const source(content);
+        RECORDS::Reader reader(source, OptionsOf(order));
+        auto const found = reader.Find(*RECORDS::ParsePath(GetParam().path));
+        EXPECT_EQ(FailureOf(found), GetParam().failure);
+        EXPECT_EQ(found ? found->offset : -1, GetParam().offset);
     }
 }
 

@@ -82,13 +82,6 @@ Result<bool> Reader::TellFields(Node const& node, FieldSink const& sink)
     return Guarded([&] {
         Decoder& decoder = mImplementation->TheDecoder();
         decoder.SetSink(sink);
-        if (node.kind == Kind::kStringEntry)
-        {
-            Node holder;
-            decoder.MoveTo(node.offset);
-            static_cast<void>(decoder.TextEntry(holder, node.End()));
-            return true;
-        }
         Node again = decoder.Head(node.offset, node.End(), "", {}, node.depth);
         int64 const body = decoder.Position();
         if (node.kind == Kind::kUnknownClass && node.depth < IO::kMostNestedRecords)
@@ -114,10 +107,11 @@ Result<Node> Reader::Find(Path const& path)
         Decoder& decoder = mImplementation->TheDecoder();
         Node found;
         Cursor::Passage records(decoder);
-        uint32 count = 0;
-        while (records.Next(found) && count++ != path.front().number)
-            ;
-        if (count != path.front().number + 1)
+        int64 count = 0;
+        bool isThere = false;
+        while (!isThere && records.Next(found))
+            isThere = count++ == path.front().number;
+        if (!isThere)
             Raise(ErrorCode::kNotFound, kNoOffset,
                   fmt::format("has no record {}; it has {}", path.front().number, count));
         for (std::size_t length = 1; length < path.size(); ++length)

@@ -96,8 +96,8 @@ public:
     /// the name of the file. Of a key that is there twice the last one is found, as the library reads it.
     Result<Node> Find(Path const& path);
 
-    /// Tells every field of a node itself, without what it holds. Those of what it holds are told by their
-    /// own nodes, the keys in front of them by the cursor.
+    /// Tells the fields of a complete node's head and of its own value. What it holds tells its own; the
+    /// cursor through it tells counts, keys, text entries and the parts of objects.
     Result<bool> TellFields(Node const& node, FieldSink const& sink);
 
     /// A node with all that it holds.
