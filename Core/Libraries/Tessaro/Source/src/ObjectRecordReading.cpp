@@ -55,7 +55,9 @@ void ReadAggregates(IDataProviderStream& stream, IDataProvider& provider, IObjec
 struct OpenRecord
 {
     IDataProviderStream& stream;
-    IDataProvider& provider;
+    /// The stream's own pointer: a body may give the stream another provider, and what follows is read from
+    /// that.
+    TInterfacePtr<IDataProvider> const& provider;
     ReadingEffort::Record& effort;
     ObservedRecord& told;
     GUID classId;
@@ -74,13 +76,13 @@ UnknownClass AskObserver(OpenRecord& record, TInterfacePtr<IObject>& object)
         // The observer may read where a body may, and no further.
         Nesting const nesting;
         record.effort.BeginBody();
-        ReadingEffort::ExpectBytes(record.provider, record.length);
-        int64 const start = record.provider.GetPosition();
+        ReadingEffort::ExpectBytes(*record.provider, record.length);
+        int64 const start = record.provider->GetPosition();
         UnknownClass const told = record.told.Ask(record.stream, object.Out());
-        int64 const position = record.provider.GetPosition();
-        ReadingEffort::Reach(record.provider, position);
+        int64 const position = record.provider->GetPosition();
+        ReadingEffort::Reach(*record.provider, position);
         if (told == UnknownClass::kRead && position != start)
-            static_cast<void>(record.provider.SetPosition(start, IDataProvider::kFromStart));
+            static_cast<void>(record.provider->SetPosition(start, IDataProvider::kFromStart));
         answer = told;
     }
     catch (std::bad_alloc const&)
@@ -120,7 +122,7 @@ RecordOutcome ReadObject(OpenRecord& record, TInterfacePtr<IObject>& object)
         outcome = RecordOutcome::kBodyThrew;
         static_cast<IPersistentData*>(found)->Read(record.stream);
         outcome = RecordOutcome::kAggregatesThrew;
-        ReadAggregates(record.stream, record.provider, *object);
+        ReadAggregates(record.stream, *record.provider, *object);
         return RecordOutcome::kDone;
     }
     catch (std::bad_alloc const&)
@@ -137,7 +139,7 @@ RecordOutcome ReadObject(OpenRecord& record, TInterfacePtr<IObject>& object)
 /// Sets the provider to the record's end. 13 too where that is not tried any more.
 ErrCode GoToEnd(OpenRecord const& record, int64 end)
 {
-    return record.effort.LeadsToItsEnd() ? record.provider.SetPosition(end, IDataProvider::kFromStart)
+    return record.effort.LeadsToItsEnd() ? record.provider->SetPosition(end, IDataProvider::kFromStart)
                                          : kBadArgument;
 }
 } // namespace
@@ -147,7 +149,7 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
     if (!mProvider)
         return *this;
     IDataProviderStream& self = *this;
-    ObservedRecord told(mObserver, *mProvider, RecordDirection::kReading, Nesting::Depth());
+    ObservedRecord told(mObserver, mProvider, RecordDirection::kReading, Nesting::Depth());
     ReadingEffort::Record effort(*mProvider);
     GUID classId{};
     int64 length = 0;
@@ -167,7 +169,7 @@ DataProviderStream& DataProviderStream::operator>>(IObject** result)
     int64 const end = start + length;
     effort.HasHeader(start, end);
 
-    OpenRecord record{self, *mProvider, effort, told, classId, length};
+    OpenRecord record{self, mProvider, effort, told, classId, length};
     TInterfacePtr<IObject> object;
     RecordOutcome outcome = RecordOutcome::kLeftOut;
     if (told.Begin(classId, length) != RecordChoice::kLeaveOut)

@@ -73,7 +73,7 @@ DataProviderStream& DataProviderStream::operator<<(IObject const& object)
     IDataProviderStream& self = *this;
     GUID classId{};
     IPersistentData* const persistence = FindPersistence(object, self, classId);
-    ObservedRecord told(mObserver, *mProvider, RecordDirection::kWriting, Nesting::Depth());
+    ObservedRecord told(mObserver, mProvider, RecordDirection::kWriting, Nesting::Depth());
     RecordChoice const choice = told.Begin(classId, 0, &object);
     if (!persistence)
     {

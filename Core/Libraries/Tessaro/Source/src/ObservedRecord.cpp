@@ -19,7 +19,7 @@ catch (...)
 }
 } // namespace
 
-ObservedRecord::ObservedRecord(IRecordObserver* observer, IDataProvider const& provider,
+ObservedRecord::ObservedRecord(IRecordObserver* observer, TInterfacePtr<IDataProvider> const& provider,
                                RecordDirection direction, int depth)
     : mProvider(provider)
 {
@@ -28,7 +28,7 @@ ObservedRecord::ObservedRecord(IRecordObserver* observer, IDataProvider const& p
     mObserver.Share(observer);
     mEvent.direction = direction;
     mEvent.depth = depth;
-    mEvent.place = PositionOf(provider);
+    mEvent.place = PositionOf(*provider);
 }
 
 ObservedRecord::~ObservedRecord()
@@ -49,7 +49,7 @@ RecordChoice ObservedRecord::Begin(GUID const& classId, int64 length, IObject co
     mEvent.object = object;
     Stop();
     mHasCutHead = mEvent.direction == RecordDirection::kReading && mEvent.place >= 0 &&
-                  mEvent.position - mEvent.place < kRecordHeadSize;
+                  mEvent.position >= 0 && mEvent.position - mEvent.place < kRecordHeadSize;
     try
     {
         return mObserver->OnRecordBegin(mEvent);
@@ -68,7 +68,7 @@ UnknownClass ObservedRecord::Ask(IDataProviderStream& stream, IObject** object)
 void ObservedRecord::Stop()
 {
     if (mObserver)
-        mEvent.position = PositionOf(mProvider);
+        mEvent.position = PositionOf(*mProvider);
 }
 
 void ObservedRecord::End(RecordOutcome outcome, IObject const* object)

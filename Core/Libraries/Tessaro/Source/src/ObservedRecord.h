@@ -14,9 +14,11 @@ class IDataProviderStream;
 class ObservedRecord
 {
 public:
-    /// Shares the observer, which may be null; borrows the provider, which stands where the record does.
-    ObservedRecord(IRecordObserver* observer, IDataProvider const& provider, RecordDirection direction,
-                   int depth);
+    /// Shares the observer, which may be null; borrows the stream's pointer to its provider, which stands
+    /// where the record does. A body may give the stream another provider: the position is asked of the one
+    /// that it has then.
+    ObservedRecord(IRecordObserver* observer, TInterfacePtr<IDataProvider> const& provider,
+                   RecordDirection direction, int depth);
     ObservedRecord(ObservedRecord const&) = delete;
     ObservedRecord& operator=(ObservedRecord const&) = delete;
     /// Tells of a record that has begun and not ended that it is abandoned.
@@ -43,7 +45,7 @@ public:
 
 private:
     TInterfacePtr<IRecordObserver> mObserver;
-    IDataProvider const& mProvider;
+    TInterfacePtr<IDataProvider> const& mProvider;
     RecordEvent mEvent;
     bool mIsOpen = false;
     bool mHasCutHead = false;

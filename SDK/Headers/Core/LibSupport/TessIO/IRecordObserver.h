@@ -123,7 +123,8 @@ enum class UnknownClass : int32
 /// who was there before, and pass on to him what you are told.
 ///
 /// Observing changes neither bytes nor objects nor messages, but for what the two answers ask for. The
-/// provider's position is asked for more often. Without an observer a stream makes no call for it.
+/// provider's position is asked for more often, which one that was never initialised logs. Without an
+/// observer a stream makes no call for it.
 ///
 /// Called on the thread that uses the stream. The stream and its provider must be left alone, except as
 /// `OnUnknownClass` says. Exceptions don't come out: one from `OnRecordBegin` counts as `kGoOn`, one
@@ -140,8 +141,8 @@ public:
     /// Nothing makes objects of the class of the record that just began. The provider of `stream` stands at
     /// the body, `event.length` bytes are the record's, as far as they are there: the length may be false, so
     /// compare it with what the provider has left before making room. The observer may read, and need not
-    /// come back. `*object` is null; with another answer than `kSkip` the stream adopts what is put there,
-    /// and null counts as `kSkip`. Not called for records nested too deep, nor where the head was cut or too
+    /// come back. `*object` is null; the stream adopts what is put there, whatever the answer, and null
+    /// counts as `kSkip`. Not called for records nested too deep, nor where the head was cut or too
     /// much was read in vain.
     virtual UnknownClass OnUnknownClass(RecordEvent const& event, IDataProviderStream& stream,
                                         IObject** object) = 0;

@@ -36,7 +36,8 @@ constexpr bool IsBelievedLength(int64 length) { return length >= 0 && length <= 
 /// The most units of a string: its bytes are counted in 31 bits.
 inline constexpr std::size_t kMostStringUnits = 1073741823;
 
-/// How many records may be open inside each other; one that is deeper is not written, or is skipped.
+/// How many records may be open inside each other. Of one that is deeper only an empty head is written, and
+/// its body is not read.
 inline constexpr int kMostNestedRecords = 1000;
 
 /// The type of a dictionary's value: four characters, the first one the most significant byte. The 8-bit tags

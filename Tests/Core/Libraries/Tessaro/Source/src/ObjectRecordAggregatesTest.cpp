@@ -61,6 +61,25 @@ TEST_F(ObjectRecordAggregatesTest, ComeBackUnderTheirKeys)
     EXPECT_EQ(Scripted::sAlive, 0);
 }
 
+TEST_F(ObjectRecordAggregatesTest, AreReadFromTheProviderThatTheBodyLeavesToTheStream)
+{
+    Bytes content = Hex(std::string(kScripted) + "44 00 00 00 00 00 00 00");
+    content.resize(content.size() + 0x44);
+    auto const other = MakeMemory(
+        kNative, Hex("02 00 00 00" + std::string(kFirst) + kScriptedRecord + kSecond + kScriptedRecord));
+    // The stream alone holds the first provider, which dies with the exchange.
+    auto const stream = MakeStream(*MakeMemory(kNative, content));
+    Scripted::sOnRead = [&](IDataProviderStream& reading) {
+        EXPECT_EQ(Scripted::sReads == 1 ? reading.Init(*other) : 0, 0);
+    };
+    auto const object = ReadObject(*stream);
+    ASSERT_TRUE(object);
+    // Its own adapter is the third.
+    EXPECT_EQ(object->GetAggregates().size(), 3u);
+    // Where the record would end, on the one that the stream has now.
+    EXPECT_EQ(other->GetPosition(), 24 + 0x44);
+}
+
 TEST_F(ObjectRecordAggregatesTest, RoundTrip)
 {
     for (auto const endian : {kNative, kReversed})
